@@ -1,0 +1,43 @@
+#include "firewall/FirewallRefresh.h"
+
+#include "hostctl/system.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+std::shared_ptr<FirewallRefresh> FirewallRefresh::New() {
+  return std::shared_ptr<FirewallRefresh>(new FirewallRefresh());
+}
+
+FirewallRefresh::FirewallRefresh() { SetDescription("Load ruleset configuration for firewall."); }
+
+FirewallRefresh::~FirewallRefresh() = default;
+
+std::shared_ptr<InputSpec> FirewallRefresh::GetInputSpecInternal() { return InputSpec::New(); }
+
+std::shared_ptr<OutputSpec> FirewallRefresh::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaBool::New());
+  return spec;
+}
+
+void FirewallRefresh::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,
+                                      std::shared_ptr<Output> const& output) {
+  try {
+    OrvkCtl::System::SystemInfoImpl systemInfo;
+    // Reloading the configuration drops the rules added at run time: keep
+    // them and put them back, in the order the host listed them.
+    HostCtl::System::FirewallRuleList dynamicRules = systemInfo.GetFirewallDynamicRules();
+    systemInfo.LoadFirewallRulesets();
+    for (auto const& rule : dynamicRules) systemInfo.AddFirewallDynamicRule(*rule);
+    output->SetRootObject(MetaBool::New(true));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

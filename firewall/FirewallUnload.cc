@@ -1,0 +1,44 @@
+#include "firewall/FirewallUnload.h"
+
+#include "firewall/firewall_module.h"
+#include "hostctl/system.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+std::shared_ptr<FirewallUnload> FirewallUnload::New() {
+  return std::shared_ptr<FirewallUnload>(new FirewallUnload());
+}
+
+FirewallUnload::FirewallUnload() { SetDescription("Allow unload firewall module."); }
+
+FirewallUnload::~FirewallUnload() = default;
+
+std::shared_ptr<InputSpec> FirewallUnload::GetInputSpecInternal() { return InputSpec::New(); }
+
+std::shared_ptr<OutputSpec> FirewallUnload::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaBool::New());
+  return spec;
+}
+
+void FirewallUnload::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,
+                                     std::shared_ptr<Output> const& output) {
+  OrvkCtl::System::SystemInfoImpl systemInfo;
+  try {
+    OrvkCtl::System::ModuleImpl module(kFirewallModuleName);
+    if (module.IsLoaded()) {
+      systemInfo.DestroyFirewallFilters();
+      module.Unload();
+    }
+    output->SetRootObject(MetaBool::New(true));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

@@ -1,0 +1,141 @@
+// The command tree: namespaces (grouping nodes) and commands (leaves).
+//
+// Nodes are owned by their parents through std::shared_ptr; a node knows its
+// parent through a weak reference, so a subtree can be built and attached
+// before its parent has a path to the root. A plug-in hangs its tree on the
+// root node it is handed by AutoCli_RegisterNamespaces.
+#pragma once
+
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace Toolbase::CallSpec {
+class Input;
+class Output;
+class InputSpec;
+class OutputSpec;
+}  // namespace Toolbase::CallSpec
+
+namespace Toolbase::AutoCli {
+
+class Command;
+
+enum class NodeType { Namespace, Command };
+
+class NamespaceNode : public std::enable_shared_from_this<NamespaceNode> {
+ public:
+  virtual ~NamespaceNode();
+
+  virtual std::shared_ptr<NamespaceNode> GetThis();
+  virtual NodeType GetType() const;
+  // Names from the topmost ancestor down to this node.
+  virtual std::list<std::string> GetPath() const;
+  virtual std::string GetPathString(char separator) const;
+  virtual bool HasNamespaceNode(std::string const& name) const;
+  // Children in the order they were registered.
+  virtual std::vector<std::string> GetNamespaceNodeNames() const;
+  virtual std::vector<std::shared_ptr<NamespaceNode>> GetNamespaceNodes() const;
+  // The child of that name, or null.
+  virtual std::shared_ptr<NamespaceNode> GetNamespaceNode(std::string const& name) const;
+  // Takes `node` as the child `name`. A name that is already taken throws
+  // std::invalid_argument and leaves the node unchanged; so does a null node.
+  virtual void RegisterNamespaceNode(std::shared_ptr<NamespaceNode> node, std::string name);
+  virtual void RegisterNamespaceNode(std::shared_ptr<NamespaceNode> node, char const* name);
+  // Follows `words` from this node as far as they name children, removing
+  // each word used; returns the last node reached (this node if none).
+  virtual std::shared_ptr<NamespaceNode> ResolveNode(std::list<std::string>& words);
+  // The child namespace `name`, made and registered if missing.
+  virtual std::shared_ptr<NamespaceNode> SubNamespace(std::string const& name);
+  // The command behind this node, or null for a namespace.
+  virtual std::shared_ptr<Command> GetDispatcher();
+  virtual void SetParent(std::shared_ptr<NamespaceNode> parent);
+  virtual std::shared_ptr<NamespaceNode> GetParent() const;
+
+  void SetDescription(char const* description) { description_ = description; }
+  void SetDescription(std::string description) { description_ = std::move(description); }
+  std::string const& GetDescription() const { return description_; }
+  // The name under which the parent holds this node; empty for a root.
+  std::string const& GetName() const { return name_; }
+
+ protected:
+  NamespaceNode() = default;
+
+ private:
+  std::string description_;
+  std::string name_;
+  std::weak_ptr<NamespaceNode> parent_;
+  std::vector<std::pair<std::string, std::shared_ptr<NamespaceNode>>> children_;
+};
+
+class Namespace : public NamespaceNode {
+ public:
+  static std::shared_ptr<Namespace> New();
+
+ private:
+  Namespace() = default;
+};
+
+// The declarative half of a command: description, parameters, output shape
+// and presentation defaults. A leaf: it takes no children.
+class CommandSpec : public NamespaceNode {
+ public:
+  ~CommandSpec() override;
+
+  std::shared_ptr<CallSpec::InputSpec> GetInputSpec();
+  std::shared_ptr<CallSpec::OutputSpec> GetOutputSpec();
+
+  NodeType GetType() const override;
+  bool HasNamespaceNode(std::string const& name) const override;
+  std::shared_ptr<NamespaceNode> GetNamespaceNode(std::string const& name) const override;
+  void RegisterNamespaceNode(std::shared_ptr<NamespaceNode> node, std::string name) override;
+  void RegisterNamespaceNode(std::shared_ptr<NamespaceNode> node, char const* name) override;
+  std::shared_ptr<NamespaceNode> ResolveNode(std::list<std::string>& words) override;
+
+  // A later call replaces an earlier one.
+  void SetDefaultOutputFormatter(char const* formatter) { formatter_ = formatter; }
+  void SetDefaultOutputParameter(char const* key, char const* value) {
+    directives_[key] = value;
+  }
+  void SetDefaultOutputParameter(std::string key, std::string value) {
+    directives_[std::move(key)] = std::move(value);
+  }
+  std::string const& GetDefaultOutputFormatter() const { return formatter_; }
+  std::map<std::string, std::string> const& GetDefaultOutputParameters() const {
+    return directives_;
+  }
+
+ protected:
+  CommandSpec() = default;
+  virtual std::shared_ptr<CallSpec::InputSpec> GetInputSpecInternal() = 0;
+  virtual std::shared_ptr<CallSpec::OutputSpec> GetOutputSpecInternal() = 0;
+
+ private:
+  std::string formatter_;
+  std::map<std::string, std::string> directives_;
+};
+
+// A command: a CommandSpec that can run.
+class Command : public CommandSpec {
+ public:
+  Command() = default;
+  ~Command() override;
+
+  std::shared_ptr<Command> GetDispatcher() override;
+  // The framework's entry into the command; runs ExecuteInternal.
+  virtual void Execute(std::shared_ptr<CallSpec::Input> const& input,
+                       std::shared_ptr<CallSpec::Output> const& output);
+
+ protected:
+  virtual void ExecuteInternal(std::shared_ptr<CallSpec::Input> const& input,
+                               std::shared_ptr<CallSpec::Output> const& output) = 0;
+};
+
+}  // namespace Toolbase::AutoCli
+
+// The one entry of a plug-in: `root` is the address of the word that holds the
+// host's root NamespaceNode*.
+using AutoCliRegisterNamespacesFn = void (*)(void** root);

@@ -1,0 +1,261 @@
+#include "cli.h"
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <list>
+#include <ostream>
+#include <stdexcept>
+
+#include "format.h"
+#include "help.h"
+#include "params.h"
+#include "toolbase/auto_cli.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace Toolbase::Cli {
+namespace {
+
+using AutoCli::NamespaceNode;
+
+// Options that stand before the command's words.
+struct GlobalOptions {
+  std::string formatter;
+  std::string host_state;
+  bool help = false;
+  bool list_commands = false;
+};
+
+std::string JoinWords(std::list<std::string> const& words) {
+  std::string text;
+  for (auto const& word : words) text += (text.empty() ? "" : " ") + word;
+  return text;
+}
+
+// Takes the global options from the front of `args`; returns the index of the
+// first argument that is not one.
+size_t ParseGlobalOptions(std::vector<std::string> const& args, GlobalOptions& options) {
+  size_t i = 0;
+  auto value_of = [&](std::string const& name) -> std::string {
+    std::string const& arg = args[i];
+    if (arg.size() > name.size() && arg[name.size()] == '=') return arg.substr(name.size() + 1);
+    if (i + 1 >= args.size()) throw UsageError("Option " + name + " needs a value");
+    return args[++i];
+  };
+  for (; i < args.size(); ++i) {
+    std::string const& arg = args[i];
+    if (arg == "--help" || arg == "-h") {
+      options.help = true;
+    } else if (arg == "--list-commands") {
+      options.list_commands = true;
+    } else if (arg.rfind("--formatter", 0) == 0 && (arg.size() == 11 || arg[11] == '=')) {
+      options.formatter = value_of("--formatter");
+    } else if (arg.rfind("--host-state", 0) == 0 && (arg.size() == 12 || arg[12] == '=')) {
+      options.host_state = value_of("--host-state");
+    } else {
+      break;
+    }
+  }
+  return i;
+}
+
+void CollectCommands(NamespaceNode& node, std::vector<std::string>& paths) {
+  for (auto const& child : node.GetNamespaceNodes()) {
+    if (child->GetType() == AutoCli::NodeType::Command) {
+      paths.push_back(child->GetPathString(' '));
+    } else {
+      CollectCommands(*child, paths);
+    }
+  }
+}
+
+int Usage(std::string const& message, std::string const& help_path, std::ostream& err) {
+  err << "Error: " << message << '\n';
+  if (!help_path.empty()) err << "Run 'toolbase " << help_path << " --help' for usage.\n";
+  return kUsageError;
+}
+
+void PrintMessages(std::vector<std::string> const& messages, std::ostream& err) {
+  for (auto const& message : messages) {
+    err << message;
+    if (message.empty() || message.back() != '\n') err << '\n';
+  }
+}
+
+int RunCommand(AutoCli::Command& command, std::vector<std::string> const& args,
+               GlobalOptions const& global, std::ostream& out, std::ostream& err) {
+  std::string path = command.GetPathString(' ');
+  auto spec = command.GetInputSpec();
+  // Global options may also follow the words, unless the command has a
+  // parameter of the same name.
+  GlobalOptions options = global;
+  std::vector<std::string> own;
+  std::shared_ptr<CallSpec::Input> input;
+  try {
+    for (size_t i = 0; i < args.size(); ++i) {
+      std::string const& arg = args[i];
+      std::string* target = nullptr;
+      std::string name;
+      for (auto [option, field] : {std::pair{"formatter", &options.formatter},
+                                   std::pair{"host-state", &options.host_state}}) {
+        std::string flag = std::string("--") + option;
+        if ((arg == flag || arg.rfind(flag + "=", 0) == 0) && !spec->FindParameter(option)) {
+          target = field;
+          name = flag;
+        }
+      }
+      if (!target) {
+        own.push_back(arg);
+      } else if (arg.size() > name.size()) {
+        *target = arg.substr(name.size() + 1);
+      } else if (i + 1 < args.size()) {
+        *target = args[++i];
+      } else {
+        throw UsageError("Option " + name + " needs a value");
+      }
+    }
+    if (!options.formatter.empty() && !Format::IsFormatter(options.formatter)) {
+      throw UsageError("Unknown formatter '" + options.formatter + "'");
+    }
+    input = ParseParameters(*spec, own);
+  } catch (UsageError const& error) {
+    return Usage(error.what(), path, err);
+  }
+  if (!options.host_state.empty()) setenv("TOOLBASE_HOST_STATE", options.host_state.c_str(), 1);
+
+  auto output = CallSpec::Output::New();
+  try {
+    command.Execute(input, output);
+  } catch (std::exception const& error) {
+    // The command failed outside its own handling: its partial result is not shown.
+    PrintMessages(output->GetErrorMessages(), err);
+    err << "Error: " << error.what() << '\n';
+    return kCommandError;
+  }
+
+  auto const& root = output->GetRootObject();
+  std::string formatter = options.formatter;
+  if (formatter.empty()) formatter = command.GetDefaultOutputFormatter();
+  bool quiet_success = formatter.empty() && root &&
+                       root->GetKind() == MetaObj::Kind::Bool &&
+                       static_cast<MetaObj::MetaBool const&>(*root).GetValue();
+  if (formatter.empty()) formatter = "simple";
+  if (root && !quiet_success) {
+    Format::Options format_options;
+    if (char const* columns = std::getenv("COLUMNS")) {
+      format_options.width = std::max(40, std::atoi(columns));
+    }
+    Format::Print(formatter, root, command.GetDefaultOutputParameters(), format_options, out);
+  }
+  PrintMessages(output->GetErrorMessages(), err);
+  return output->HasError() ? kCommandError : kSuccess;
+}
+
+}  // namespace
+
+std::shared_ptr<NamespaceNode> NewRoot() { return AutoCli::Namespace::New(); }
+
+void LoadPlugins(std::string const& directory, NamespaceNode& root) {
+  std::vector<std::filesystem::path> files;
+  std::error_code error;
+  for (auto const& entry : std::filesystem::directory_iterator(directory, error)) {
+    if (entry.path().extension() == ".so") files.push_back(entry.path());
+  }
+  if (error) {
+    throw std::runtime_error("cannot read plug-in folder " + directory + ": " + error.message());
+  }
+  std::sort(files.begin(), files.end());
+  for (auto const& file : files) {
+    void* handle = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!handle) throw std::runtime_error("cannot load plug-in " + file.string() + ": " + dlerror());
+    auto entry = reinterpret_cast<AutoCliRegisterNamespacesFn>(
+        dlsym(handle, "AutoCli_RegisterNamespaces"));
+    if (!entry) {
+      throw std::runtime_error("plug-in " + file.string() + " has no AutoCli_RegisterNamespaces");
+    }
+    void* word = &root;
+    entry(&word);
+  }
+}
+
+std::string DefaultPluginDirectory() {
+  if (char const* dir = std::getenv("TOOLBASE_PLUGIN_DIR"); dir && *dir) return dir;
+  std::error_code error;
+  auto exe = std::filesystem::read_symlink("/proc/self/exe", error);
+  if (error) return "plugins";
+  return (exe.parent_path() / "plugins").string();
+}
+
+int Run(std::vector<std::string> const& args, NamespaceNode& root, std::ostream& out,
+        std::ostream& err) {
+  GlobalOptions options;
+  size_t first_word = 0;
+  try {
+    first_word = ParseGlobalOptions(args, options);
+  } catch (UsageError const& error) {
+    return Usage(error.what(), "", err);
+  }
+  if (!options.formatter.empty() && !Format::IsFormatter(options.formatter)) {
+    std::string names;
+    for (auto const& name : Format::FormatterNames()) names += (names.empty() ? "" : ", ") + name;
+    return Usage("Unknown formatter '" + options.formatter + "'. Valid formatters: " + names, "",
+                 err);
+  }
+
+  std::list<std::string> words;
+  size_t i = first_word;
+  for (; i < args.size() && !args[i].empty() && args[i][0] != '-'; ++i) words.push_back(args[i]);
+  std::vector<std::string> rest(args.begin() + static_cast<long>(i), args.end());
+  bool help = options.help || std::find(rest.begin(), rest.end(), "--help") != rest.end();
+
+  if (options.list_commands) {
+    std::vector<std::string> paths;
+    CollectCommands(root, paths);
+    std::sort(paths.begin(), paths.end());
+    auto list = MetaObj::MetaList::New(MetaObj::MetaType::String);
+    list->AddAll(std::move(paths));
+    Format::Print(options.formatter.empty() ? "simple" : options.formatter, list, {}, {}, out);
+    return kSuccess;
+  }
+
+  std::list<std::string> remaining = words;
+  auto node = root.ResolveNode(remaining);
+  if (!remaining.empty()) {
+    std::string known = node->GetPathString(' ');
+    std::vector<std::string> names = node->GetNamespaceNodeNames();
+    std::sort(names.begin(), names.end());
+    std::string valid;
+    for (auto const& name : names) valid += (valid.empty() ? "" : ", ") + name;
+    std::string where = known.empty() ? "at the top level" : "under '" + known + "'";
+    return Usage("Unknown word '" + remaining.front() + "' " + where +
+                     (valid.empty() ? std::string(": it takes no further words")
+                                    : ". Valid words: " + valid),
+                 known, err);
+  }
+
+  auto command = node->GetDispatcher();
+  if (!command) {
+    if (help || words.empty()) {
+      PrintNamespaceHelp(*node, out);
+      return help ? kSuccess : kUsageError;
+    }
+    if (!rest.empty()) {
+      return Usage("'" + JoinWords(words) + "' is a namespace, not a command; it takes no "
+                   "parameters such as '" + rest.front() + "'", JoinWords(words), err);
+    }
+    PrintNamespaceHelp(*node, err);
+    return kUsageError;
+  }
+  if (help) {
+    PrintCommandHelp(*command, out);
+    return kSuccess;
+  }
+  return RunCommand(*command, rest, options, out, err);
+}
+
+}  // namespace Toolbase::Cli

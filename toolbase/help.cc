@@ -1,0 +1,134 @@
+#include "help.h"
+
+#include <algorithm>
+#include <ostream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "params.h"
+#include "toolbase/auto_cli.h"
+#include "toolbase/call_spec.h"
+
+namespace Toolbase::Cli {
+namespace {
+
+constexpr size_t kWidth = 80;
+constexpr size_t kLabelColumn = 24;
+
+// Writes `text` from column `indent` on, wrapped at word boundaries to kWidth;
+// embedded newlines start new lines.
+void PrintWrapped(std::string const& text, size_t indent, size_t first_column, std::ostream& out) {
+  size_t column = first_column;
+  std::istringstream lines(text);
+  std::string line;
+  bool first_line = true;
+  while (std::getline(lines, line)) {
+    if (!first_line) {
+      out << '\n' << std::string(indent, ' ');
+      column = indent;
+    }
+    first_line = false;
+    std::istringstream words(line);
+    std::string word;
+    bool line_start = true;
+    while (words >> word) {
+      if (!line_start && column + 1 + word.size() > kWidth) {
+        out << '\n' << std::string(indent, ' ');
+        column = indent;
+        line_start = true;
+      }
+      if (!line_start) {
+        out << ' ';
+        ++column;
+      }
+      out << word;
+      column += word.size();
+      line_start = false;
+    }
+  }
+  out << '\n';
+}
+
+void PrintEntry(std::string const& label, std::string const& text, std::ostream& out) {
+  std::string head = "  " + label;
+  out << head;
+  if (head.size() + 1 > kLabelColumn) {
+    out << '\n' << std::string(kLabelColumn, ' ');
+  } else {
+    out << std::string(kLabelColumn - head.size(), ' ');
+  }
+  PrintWrapped(text, kLabelColumn, kLabelColumn, out);
+}
+
+char const* TypeWord(CallSpec::ParameterType type) {
+  switch (type) {
+    case CallSpec::Int:
+      return "<long>";
+    case CallSpec::Bool:
+      return "<bool>";
+    case CallSpec::Flag:
+      return "";
+    case CallSpec::StringList:
+      return "<str> (repeatable)";
+    default:
+      return "<str>";
+  }
+}
+
+}  // namespace
+
+void PrintNamespaceHelp(AutoCli::NamespaceNode& node, std::ostream& out) {
+  std::string path = node.GetPathString(' ');
+  out << "Usage: toolbase [options] " << (path.empty() ? "" : path + " ")
+      << "{namespace|cmd} [cmd options]\n";
+  if (!node.GetDescription().empty()) {
+    out << "\nDescription:\n  ";
+    PrintWrapped(node.GetDescription(), 2, 2, out);
+  }
+  if (path.empty()) {
+    out << "\nOptions:\n";
+    PrintEntry("--formatter=<str>", "Output formatter: simple, table, json, xml or csv.", out);
+    PrintEntry("--host-state=<path>",
+               "Host state file of the simulated host (also TOOLBASE_HOST_STATE).", out);
+    PrintEntry("--list-commands", "List every command path.", out);
+    PrintEntry("--help", "Show help for a namespace or command.", out);
+  }
+  std::vector<std::shared_ptr<AutoCli::NamespaceNode>> namespaces;
+  std::vector<std::shared_ptr<AutoCli::NamespaceNode>> commands;
+  for (auto const& child : node.GetNamespaceNodes()) {
+    (child->GetType() == AutoCli::NodeType::Command ? commands : namespaces).push_back(child);
+  }
+  auto by_name = [](auto const& a, auto const& b) { return a->GetName() < b->GetName(); };
+  std::sort(namespaces.begin(), namespaces.end(), by_name);
+  std::sort(commands.begin(), commands.end(), by_name);
+  if (!namespaces.empty()) {
+    out << "\nAvailable Namespaces:\n";
+    for (auto const& child : namespaces) PrintEntry(child->GetName(), child->GetDescription(), out);
+  }
+  if (!commands.empty()) {
+    out << "\nAvailable Commands:\n";
+    for (auto const& child : commands) PrintEntry(child->GetName(), child->GetDescription(), out);
+  }
+}
+
+void PrintCommandHelp(AutoCli::CommandSpec& command, std::ostream& out) {
+  out << "Usage: toolbase [options] " << command.GetPathString(' ') << " [cmd options]\n";
+  out << "\nDescription:\n";
+  PrintEntry(command.GetName(), command.GetDescription(), out);
+  auto spec = command.GetInputSpec();
+  if (spec->GetParameters().empty()) return;
+  out << "\nCmd options:\n";
+  for (auto const& parameter : spec->GetParameters()) {
+    std::string label;
+    if (!parameter->GetShortName().empty()) label = "-" + parameter->GetShortName() + "|";
+    label += "--" + parameter->GetName();
+    std::string type = TypeWord(parameter->GetType());
+    if (!type.empty()) label += "=" + type;
+    std::string text = ExpandDescription(*parameter);
+    if (parameter->IsRequired()) text += " (required)";
+    PrintEntry(label, text, out);
+  }
+}
+
+}  // namespace Toolbase::Cli

@@ -1,0 +1,198 @@
+#include "params.h"
+
+#include <boost/regex.hpp>
+#include <cctype>
+#include <cerrno>
+#include <cstdlib>
+#include <map>
+
+#include "bool_word.h"
+#include "toolbase/call_spec.h"
+
+namespace Toolbase::Cli {
+namespace {
+
+using CallSpec::ParameterConstraint;
+using CallSpec::ParameterSpec;
+
+bool ParseLong(std::string const& text, long& value) {
+  if (text.empty()) return false;
+  errno = 0;
+  char* end = nullptr;
+  value = std::strtol(text.c_str(), &end, 10);
+  return errno == 0 && end == text.c_str() + text.size() && !std::isspace(text.front());
+}
+
+std::string Join(std::vector<std::string> const& items, char const* separator) {
+  std::string text;
+  for (auto const& item : items) {
+    if (!text.empty()) text += separator;
+    text += item;
+  }
+  return text;
+}
+
+std::vector<std::string> AllowedValues(ParameterConstraint const& constraint) {
+  std::vector<std::string> values;
+  switch (constraint.GetType()) {
+    case CallSpec::IntRange:
+      values.push_back(std::to_string(constraint.GetLow()) + " to " +
+                       std::to_string(constraint.GetHigh()));
+      break;
+    case CallSpec::IntEnum:
+      for (long value : constraint.GetIntEnums()) values.push_back(std::to_string(value));
+      break;
+    case CallSpec::StringEnum:
+      for (auto const& [value, description] : constraint.GetStringEnums()) values.push_back(value);
+      break;
+    case CallSpec::StringRegex:
+      values.push_back("text matching " + constraint.GetRegex());
+      break;
+    default:
+      break;
+  }
+  return values;
+}
+
+std::string ReplaceAll(std::string text, std::string const& tag, std::string const& with) {
+  for (auto at = text.find(tag); at != std::string::npos; at = text.find(tag, at + with.size())) {
+    text.replace(at, tag.size(), with);
+  }
+  return text;
+}
+
+std::string Option(ParameterSpec const& parameter) { return "--" + parameter.GetName(); }
+
+}  // namespace
+
+std::string CheckValue(ParameterSpec const& parameter, std::string const& value) {
+  long number = 0;
+  switch (parameter.GetType()) {
+    case CallSpec::Int:
+      if (!ParseLong(value, number)) return "expects an integer, got '" + value + "'";
+      break;
+    case CallSpec::Bool:
+      if (!ParseBoolWord(value)) {
+        return "expects true or false (also yes/no, 1/0), got '" + value + "'";
+      }
+      return "";
+    case CallSpec::Flag:
+      return "";
+    default:
+      break;
+  }
+  auto const& constraint = parameter.GetConstraint();
+  if (!constraint) return "";
+  bool allowed = true;
+  switch (constraint->GetType()) {
+    case CallSpec::IntRange:
+      if (parameter.GetType() != CallSpec::Int && !ParseLong(value, number)) {
+        return "expects an integer, got '" + value + "'";
+      }
+      allowed = number >= constraint->GetLow() && number <= constraint->GetHigh();
+      break;
+    case CallSpec::IntEnum:
+      if (parameter.GetType() != CallSpec::Int && !ParseLong(value, number)) {
+        return "expects an integer, got '" + value + "'";
+      }
+      allowed = false;
+      for (long candidate : constraint->GetIntEnums()) allowed = allowed || candidate == number;
+      break;
+    case CallSpec::StringEnum:
+      allowed = false;
+      for (auto const& entry : constraint->GetStringEnums()) {
+        allowed = allowed || entry.first == value;
+      }
+      break;
+    case CallSpec::StringRegex:
+      allowed = boost::regex_match(value, boost::regex(constraint->GetRegex()));
+      break;
+    default:
+      break;
+  }
+  if (allowed) return "";
+  if (constraint->GetType() == CallSpec::IntRange) {
+    return "value " + value + " is out of range: allowed " + AllowedValues(*constraint).front();
+  }
+  if (constraint->GetType() == CallSpec::StringRegex) {
+    return "value '" + value + "' does not match the pattern " + constraint->GetRegex();
+  }
+  return "value '" + value + "' is not allowed: allowed values are " +
+         Join(AllowedValues(*constraint), ", ");
+}
+
+std::string ExpandDescription(ParameterSpec const& parameter) {
+  std::string text = parameter.GetDescription();
+  auto const& constraint = parameter.GetConstraint();
+  if (!constraint) return text;
+  if (text.find("%FULLENUM%") != std::string::npos) {
+    std::string full;
+    if (constraint->GetType() == CallSpec::StringEnum) {
+      for (auto const& [value, description] : constraint->GetStringEnums()) {
+        full += "\n" + value + (description.empty() ? "" : ": " + description);
+      }
+    } else {
+      full = Join(AllowedValues(*constraint), ", ");
+    }
+    text = ReplaceAll(text, "%FULLENUM%", full);
+  }
+  return ReplaceAll(text, "%ENUM%", Join(AllowedValues(*constraint), ", "));
+}
+
+std::shared_ptr<CallSpec::Input> ParseParameters(CallSpec::InputSpec const& spec,
+                                                 std::vector<std::string> const& args) {
+  auto input = CallSpec::Input::New();
+  std::map<std::string, int> seen;
+  for (size_t i = 0; i < args.size(); ++i) {
+    std::string const& arg = args[i];
+    if (arg.size() < 2 || arg[0] != '-' || arg == "--") {
+      throw UsageError("Unexpected argument '" + arg + "'");
+    }
+    bool is_long = arg[1] == '-';
+    std::string name = arg.substr(is_long ? 2 : 1);
+    std::string value;
+    bool has_inline_value = false;
+    if (auto eq = name.find('='); eq != std::string::npos) {
+      value = name.substr(eq + 1);
+      name.resize(eq);
+      has_inline_value = true;
+    }
+    std::shared_ptr<ParameterSpec> parameter;
+    if (is_long) {
+      parameter = spec.FindParameter(name);
+    } else {
+      for (auto const& candidate : spec.GetParameters()) {
+        if (candidate->GetShortName() == name) parameter = candidate;
+      }
+    }
+    if (!parameter) {
+      std::vector<std::string> names;
+      for (auto const& candidate : spec.GetParameters()) names.push_back(Option(*candidate));
+      throw UsageError("Unknown parameter " + std::string(is_long ? "--" : "-") + name +
+                       (names.empty() ? ": this command takes no parameters"
+                                      : ". Valid parameters: " + Join(names, ", ")));
+    }
+    std::string const option = Option(*parameter);
+    if (parameter->GetType() == CallSpec::Flag) {
+      if (has_inline_value) throw UsageError("Parameter " + option + " takes no value");
+    } else if (!has_inline_value) {
+      if (i + 1 >= args.size()) throw UsageError("Parameter " + option + " needs a value");
+      value = args[++i];
+    }
+    if (++seen[parameter->GetName()] > 1 && parameter->GetType() != CallSpec::StringList) {
+      throw UsageError("Parameter " + option + " is given more than once");
+    }
+    if (auto problem = CheckValue(*parameter, value); !problem.empty()) {
+      throw UsageError("Parameter " + option + " " + problem);
+    }
+    input->AddValue(parameter->GetName(), value);
+  }
+  for (auto const& parameter : spec.GetParameters()) {
+    if (parameter->IsRequired() && !input->HasParameter(parameter->GetName())) {
+      throw UsageError("Missing required parameter " + Option(*parameter));
+    }
+  }
+  return input;
+}
+
+}  // namespace Toolbase::Cli
