@@ -6,13 +6,21 @@ HostModel DefaultHost() {
   HostModel host;
   host.hostname = "halden-01";
   host.modules = {{"haldenfw", true}, {"orvknet", true}, {"lacp", true}, {"dvfilter", true}};
+  SeedFirewall(host);
+  SeedNic(host);
+  SeedIp(host);
+  SeedVswitch(host);
+  SeedRuntime(host);
+  return host;
+}
+
+void SeedFirewall(HostModel& host) {
   host.firewall.enabled = true;
   host.firewall.default_action_pass = false;
   host.firewall.dynamic_rules = {
       {"dhcp", 1, 68, 68, 0, 1},
       {"dns", 1, 53, 53, 1, 1},
   };
-  return host;
 }
 
 ModuleState* FindModule(HostModel& host, std::string const& name) {

@@ -1,7 +1,6 @@
-// JSON form of the host state file.
-#include <nlohmann/json.hpp>
-
+// JSON form of the host state file: the top of the document and the firewall.
 #include "host_store.h"
+#include "json_areas.h"
 
 namespace OrvkCtl::Sim {
 
@@ -10,7 +9,8 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(FirewallRuleState, name, port_ty
                                                 port_end, direction, protocol)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(FirewallState, enabled, default_action_pass,
                                                 dynamic_rules)
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(HostModel, hostname, modules, firewall)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(HostModel, hostname, modules, firewall, nic, ip,
+                                                vswitch, runtime)
 
 namespace {
 constexpr int kFormatVersion = 1;

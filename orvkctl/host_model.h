@@ -1,13 +1,17 @@
 // The simulated host: plain records of everything the host control library
-// reports and changes. One HostModel is the whole state of one host; the
-// store keeps it in a JSON file (host_json.cc is the only place that knows
-// the file's form).
+// reports and changes. One HostModel is the whole state of one host, made of
+// one area per subsystem (model_*.h). The store keeps it in a JSON file;
+// json_*.cc are the only places that know the file's form.
 #pragma once
 
-#include <cstdint>
-#include <map>
 #include <string>
 #include <vector>
+
+#include "model_firewall.h"
+#include "model_ip.h"
+#include "model_nic.h"
+#include "model_runtime.h"
+#include "model_vswitch.h"
 
 namespace OrvkCtl::Sim {
 
@@ -17,31 +21,24 @@ struct ModuleState {
   bool loaded = false;
 };
 
-// One firewall rule: a port range, a direction and a protocol.
-struct FirewallRuleState {
-  std::string name;
-  int32_t port_type = 1;  // 1 destination port, else source port
-  int32_t port_begin = 0;
-  int32_t port_end = 0;
-  int32_t direction = 0;  // 0 inbound, else outbound
-  int32_t protocol = 0;   // 0 TCP, else UDP
-};
-
-struct FirewallState {
-  bool enabled = true;
-  bool default_action_pass = false;  // true: pass, false: drop
-  // Rules added at run time, beside those of the ruleset configuration.
-  std::vector<FirewallRuleState> dynamic_rules;
-};
-
 struct HostModel {
   std::string hostname;
   std::vector<ModuleState> modules;
   FirewallState firewall;
+  NicArea nic;
+  IpArea ip;
+  VswitchArea vswitch;
+  RuntimeArea runtime;
 };
 
-// The host a new state file starts from.
+// The host a new state file starts from: DefaultHost() calls each area's
+// Seed function in turn.
 HostModel DefaultHost();
+void SeedFirewall(HostModel& host);
+void SeedNic(HostModel& host);
+void SeedIp(HostModel& host);
+void SeedVswitch(HostModel& host);
+void SeedRuntime(HostModel& host);
 
 // The module of that name, or null.
 ModuleState* FindModule(HostModel& host, std::string const& name);
