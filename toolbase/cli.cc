@@ -240,9 +240,9 @@ int Run(std::vector<std::string> const& args, NamespaceNode& root, std::ostream&
 
   auto command = node->GetDispatcher();
   if (!command) {
-    if (help || words.empty()) {
+    if (help) {
       PrintNamespaceHelp(*node, out);
-      return help ? kSuccess : kUsageError;
+      return kSuccess;
     }
     if (!rest.empty()) {
       return Usage("'" + JoinWords(words) + "' is a namespace, not a command; it takes no "

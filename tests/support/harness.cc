@@ -139,6 +139,8 @@ std::string HostTest::StateFileText() const {
   return text.str();
 }
 
+void HostTest::ClearFaults() { OrvkCtl::Sim::ClearFaultsForTest(); }
+
 void HostTest::Reload() { OrvkCtl::Sim::ResetHostForTest(); }
 
 }  // namespace TestSupport

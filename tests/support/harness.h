@@ -51,6 +51,7 @@ class HostTest : public ::testing::Test {
   std::shared_ptr<Toolbase::CallSpec::Output> Execute(std::vector<std::string> const& args);
   // Makes the named host operation throw HostCtlException with `text`.
   void InjectFault(std::string const& operation, std::string const& text);
+  void ClearFaults();
   // The state file's text as it is on disk.
   std::string StateFileText() const;
   // Forgets the host loaded in this process so the next command reads the file.

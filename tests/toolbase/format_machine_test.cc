@@ -47,6 +47,7 @@ std::shared_ptr<MetaList> Rules() {
   auto empty = MetaStruct::New("Rule");
   empty->SetField("Name", std::shared_ptr<MetaObject>(MetaString::New()));
   empty->SetField("Port", std::shared_ptr<MetaObject>(MetaInt::New()));
+  empty->SetField("Enabled", std::shared_ptr<MetaObject>(MetaBool::New()));
   list->Add(empty);
   return list;
 }
@@ -72,7 +73,7 @@ TEST(FormatJson, WholeTreeInFieldOrderWithNulls) {
   auto const expected = nlohmann::ordered_json::parse(R"([
     {"Name": "ssh", "Port": 22, "Enabled": true, "Hosts": ["a", "b"],
      "Owner": {"Id": 1, "Tags": ["x", "y"]}},
-    {"Name": null, "Port": null}
+    {"Name": null, "Port": null, "Enabled": null}
   ])");
   // Comparing the dumps of ordered values checks the key order too.
   EXPECT_EQ(nlohmann::ordered_json::parse(text).dump(), expected.dump());
@@ -146,6 +147,12 @@ TEST(FormatXml, WellFormedAndEscaped) {
     EXPECT_EQ(structure.get<std::string>("field.<xmlattr>.name"), tricky.read_back);
     EXPECT_EQ(structure.get<std::string>("field.string"), tricky.read_back);
   }
+  // Readers normalise line breaks and tabs in attribute values unless they
+  // come as references.
+  auto record = MetaStruct::New("Rule");
+  record->SetField("a\nb\tc", 1);
+  EXPECT_NE(Render("xml", record).find("<field name=\"a&#10;b&#9;c\">"), std::string::npos);
+
   std::istringstream rules(Render("xml", Rules()));
   pt::ptree tree;
   ASSERT_NO_THROW(pt::read_xml(rules, tree));

@@ -115,6 +115,9 @@ TEST(FormatSimple, FieldsDirectiveSelectsAndOrders) {
        {{"fields:Nics", "Name"}},
        "Name: vmnic0\nDriver: ixgben\nMTU: 1500\nUp: true\nDescription: \n"},
       {"names match exactly, blanks included", {{"fields:Nic", "Name, MTU"}}, "Name: vmnic0\n"},
+      {"empty value means no selection",
+       {{"fields:Nic", ""}},
+       "Name: vmnic0\nDriver: ixgben\nMTU: 1500\nUp: true\nDescription: \n"},
   };
   for (auto const& c : cases) {
     SCOPED_TRACE(c.name);
@@ -244,12 +247,29 @@ TEST(FormatTable, ColumnsWidthsAndDirectives) {
   }
 }
 
-TEST(FormatTable, EmptyListPrintsHeaderFromPrototype) {
-  auto empty = MetaList::New(MetaObj::Struct, NicPrototype());
-  EXPECT_EQ(Render("table", empty, {{"fields:Nic", "Name,MTU"}}),
+TEST(FormatTable, EmptyTablesAndEmptyCells) {
+  auto list = MetaList::New(MetaObj::Struct, NicPrototype());
+  EXPECT_EQ(Render("table", list, {{"fields:Nic", "Name,MTU"}}),
             "Name  MTU\n"
             "----  ---\n");
   EXPECT_EQ(Render("table", MetaList::New(MetaObj::Struct)), "");
+  // Empty cells leave no blanks at the end of a line.
+  auto record = NicPrototype();
+  record->SetField("Name", "a");
+  list->Add(record);
+  EXPECT_EQ(Render("table", list, {{"fields:Nic", "Name,MTU"}, {"units:Nic.MTU", "bytes"}}),
+            "Name  MTU\n"
+            "----  ---\n"
+            "a\n");
+}
+
+TEST(FormatTable, WidthsCountCharactersNotBytes) {
+  auto list = MetaList::New(MetaObj::Struct, NicPrototype());
+  list->Add(Nic("caf\xC3\xA9", "d", 1));
+  EXPECT_EQ(Render("table", list, {{"fields:Nic", "Name,MTU"}}),
+            "Name  MTU\n"
+            "----  ---\n"
+            "caf\xC3\xA9  1\n");
 }
 
 TEST(FormatTable, ListsAndStructuresInCells) {
@@ -293,11 +313,13 @@ TEST(FormatTable, WrapLastKeepsLinesWithinWidth) {
             "------  --------------------\n"
             "vmnic0  abcdefghijklmnopqrst\n"
             "        uvwxyz0123 end\n");
-  // Without the directive, or when the text fits, nothing wraps.
-  EXPECT_EQ(Render("table", list, {}, 10),
-            "NIC     Description\n"
-            "------  ----------------------------------\n"
-            "vmnic0  abcdefghijklmnopqrstuvwxyz0123 end\n");
+  // Without the directive set to "true", or when the text fits, nothing wraps.
+  for (auto const& directives : {Directives{}, Directives{{"wrap-last", "false"}}}) {
+    EXPECT_EQ(Render("table", list, directives, 10),
+              "NIC     Description\n"
+              "------  ----------------------------------\n"
+              "vmnic0  abcdefghijklmnopqrstuvwxyz0123 end\n");
+  }
   EXPECT_EQ(Render("table", list, {{"wrap-last", "true"}}, 200),
             Render("table", list, {{"wrap-last", "false"}}, 200));
 }
