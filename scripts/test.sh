@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# Installs what is missing, then builds and runs every test twice: a normal
+# build in build/, and one under AddressSanitizer and UndefinedBehaviorSanitizer
+# in build-asan/.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+source scripts/deps.sh
+ensure_deps
+jobs=$(nproc)
+
+build_into build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+(cd build && ctest --output-on-failure -j"$jobs")
+
+build_into build-asan -DCMAKE_BUILD_TYPE=Debug -DTOOLBASE_SANITIZE=ON -DTOOLBASE_BENCH=OFF
+(cd build-asan &&
+  ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1 \
+  ctest --output-on-failure -j"$jobs")
