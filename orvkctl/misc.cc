@@ -58,10 +58,7 @@ std::string StrCat(Detail::StrBuf a, Detail::StrBuf b, Detail::StrBuf c, Detail:
 
 void StringTokenize(std::string const& text, std::vector<std::string>& out,
                     char const* separators) {
-  if (separators == nullptr || *separators == '\0') {
-    if (!text.empty()) out.push_back(text);
-    return;
-  }
+  if (separators == nullptr) separators = "";
   size_t pos = text.find_first_not_of(separators);
   while (pos != std::string::npos) {
     size_t end = text.find_first_of(separators, pos);

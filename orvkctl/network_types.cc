@@ -104,7 +104,7 @@ bool ParseIpv6(std::string_view text, Ipv6Address::Bytes* out) {
   if (text.empty()) return false;
   size_t gap = text.find("::");
   bool compressed = gap != std::string_view::npos;
-  if (compressed && text.find("::", gap + 1) != std::string_view::npos) return false;
+  // A second "::" leaves an empty piece in the tail, which the tail refuses.
   std::string_view head = compressed ? text.substr(0, gap) : text;
   std::string_view tail = compressed ? text.substr(gap + 2) : std::string_view();
 
@@ -133,8 +133,8 @@ std::string FormatIpv6(Ipv6Address::Bytes const& bytes) {
   bool mapped = std::all_of(bytes.begin(), bytes.begin() + 10, [](uint8_t b) { return b == 0; }) &&
                 bytes[10] == 0xff && bytes[11] == 0xff;
   if (mapped) {
-    uint32_t v4 = uint32_t{bytes[12]} << 24 | uint32_t{bytes[13]} << 16 |
-                  uint32_t{bytes[14]} << 8 | uint32_t{bytes[15]};
+    uint32_t v4 = uint32_t{bytes[12]} << 24 | uint32_t{bytes[13]} << 16 | uint32_t{bytes[14]} << 8 |
+                  uint32_t{bytes[15]};
     return "::ffff:" + FormatIpv4(v4);
   }
 
@@ -293,7 +293,8 @@ Ipv4Network::Ipv4Network() = default;
 Ipv4Network::Ipv4Network(std::string const& text) {
   uint32_t address = 0;
   std::string reason = ParseIpv4Network(text, &address, &prefix_length_);
-  if (!reason.empty()) throw HostCtlException("Invalid IPv4 network: " + text + " (" + reason + ")");
+  if (!reason.empty())
+    throw HostCtlException("Invalid IPv4 network: " + text + " (" + reason + ")");
   address_ = Ipv4Address(address);
 }
 
@@ -329,7 +330,8 @@ Ipv6Network::Ipv6Network() = default;
 Ipv6Network::Ipv6Network(std::string const& text) {
   Ipv6Address::Bytes address{};
   std::string reason = ParseIpv6Network(text, &address, &prefix_length_);
-  if (!reason.empty()) throw HostCtlException("Invalid IPv6 network: " + text + " (" + reason + ")");
+  if (!reason.empty())
+    throw HostCtlException("Invalid IPv6 network: " + text + " (" + reason + ")");
   address_ = Ipv6Address(address);
 }
 

@@ -44,7 +44,6 @@ std::string StrCat(Detail::StrBuf a, Detail::StrBuf b, Detail::StrBuf c, Detail:
 // pieces, in order, to `out` (whose earlier entries stay). Runs of separators
 // count as one; an empty text, or one of separators only, appends nothing.
 // A null or empty `separators` appends the whole text as one piece.
-void StringTokenize(std::string const& text, std::vector<std::string>& out,
-                    char const* separators);
+void StringTokenize(std::string const& text, std::vector<std::string>& out, char const* separators);
 
 }  // namespace HostCtl::Misc

@@ -317,7 +317,11 @@ struct OpaqueNetworkParam {
 // accessor of their own kind; the others are theirs to define.
 class ConnectionPoint : public virtual Lib::HostCtlObject {
  public:
-  enum ConnectionType { PortGroupConnection = 1, DVPortConnection = 2, OpaqueNetworkConnection = 3 };
+  enum ConnectionType {
+    PortGroupConnection = 1,
+    DVPortConnection = 2,
+    OpaqueNetworkConnection = 3
+  };
 
   ~ConnectionPoint() override;
 
