@@ -8,6 +8,39 @@
 #include "firewall/FirewallRefresh.h"
 #include "firewall/FirewallSet.h"
 #include "firewall/FirewallUnload.h"
+#include "ip/IpRouteIpv4Add.h"
+#include "ip/IpRouteIpv4List.h"
+#include "ip/IpRouteIpv4Remove.h"
+#include "ip/IpRouteIpv6Add.h"
+#include "ip/IpRouteIpv6List.h"
+#include "ip/IpRouteIpv6Remove.h"
+#include "nic/NicDown.h"
+#include "nic/NicGet.h"
+#include "nic/NicList.h"
+#include "nic/NicNegotiationRestart.h"
+#include "nic/NicUp.h"
+#include "vswitch/VirtualSwitchPortGroupAdd.h"
+#include "vswitch/VirtualSwitchPortGroupList.h"
+#include "vswitch/VirtualSwitchPortGroupPolicyFailoverGet.h"
+#include "vswitch/VirtualSwitchPortGroupPolicyFailoverSet.h"
+#include "vswitch/VirtualSwitchPortGroupPolicySecurityGet.h"
+#include "vswitch/VirtualSwitchPortGroupPolicySecuritySet.h"
+#include "vswitch/VirtualSwitchPortGroupPolicyShapingGet.h"
+#include "vswitch/VirtualSwitchPortGroupPolicyShapingSet.h"
+#include "vswitch/VirtualSwitchPortGroupRemove.h"
+#include "vswitch/VirtualSwitchPortGroupSet.h"
+#include "vswitch/VirtualSwitchStandardAdd.h"
+#include "vswitch/VirtualSwitchStandardList.h"
+#include "vswitch/VirtualSwitchStandardPolicyFailoverGet.h"
+#include "vswitch/VirtualSwitchStandardPolicyFailoverSet.h"
+#include "vswitch/VirtualSwitchStandardPolicySecurityGet.h"
+#include "vswitch/VirtualSwitchStandardPolicySecuritySet.h"
+#include "vswitch/VirtualSwitchStandardPolicyShapingGet.h"
+#include "vswitch/VirtualSwitchStandardPolicyShapingSet.h"
+#include "vswitch/VirtualSwitchStandardRemove.h"
+#include "vswitch/VirtualSwitchStandardSet.h"
+#include "vswitch/VirtualSwitchStandardUplinkAdd.h"
+#include "vswitch/VirtualSwitchStandardUplinkRemove.h"
 
 using Toolbase::AutoCli::Namespace;
 using Toolbase::AutoCli::NamespaceNode;
@@ -37,9 +70,15 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   ip_route->SetDescription("Operations pertaining to route configuration");
   auto ip_route_ipv4 = Namespace::New();
   ip_route_ipv4->SetDescription("IPv4 route operations");
+  ip_route_ipv4->RegisterNamespaceNode(IpRouteIpv4Add::New(), "add");
+  ip_route_ipv4->RegisterNamespaceNode(IpRouteIpv4Remove::New(), "remove");
+  ip_route_ipv4->RegisterNamespaceNode(IpRouteIpv4List::New(), "list");
   ip_route->RegisterNamespaceNode(ip_route_ipv4, "ipv4");
   auto ip_route_ipv6 = Namespace::New();
   ip_route_ipv6->SetDescription("IPv6 route operations");
+  ip_route_ipv6->RegisterNamespaceNode(IpRouteIpv6Add::New(), "add");
+  ip_route_ipv6->RegisterNamespaceNode(IpRouteIpv6Remove::New(), "remove");
+  ip_route_ipv6->RegisterNamespaceNode(IpRouteIpv6List::New(), "list");
   ip_route->RegisterNamespaceNode(ip_route_ipv6, "ipv6");
   ip->RegisterNamespaceNode(ip_route, "route");
   auto ip_ipsec = Namespace::New();
@@ -84,6 +123,10 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   multicast->RegisterNamespaceNode(multicast_group, "group");
   auto nic = Namespace::New();
   nic->SetDescription("Operations having to do with the configuration of Network Interface Card and getting and updating the NIC settings.");
+  nic->RegisterNamespaceNode(NicList::New(), "list");
+  nic->RegisterNamespaceNode(NicUp::New(), "up");
+  nic->RegisterNamespaceNode(NicGet::New(), "get");
+  nic->RegisterNamespaceNode(NicDown::New(), "down");
   auto nic_stats = Namespace::New();
   nic_stats->SetDescription("Get packet statistics for a NIC");
   nic->RegisterNamespaceNode(nic_stats, "stats");
@@ -122,6 +165,7 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   nic->RegisterNamespaceNode(nic_eeprom, "eeprom");
   auto nic_negotiate = Namespace::New();
   nic_negotiate->SetDescription("Commands to access negotiation feature on a NIC");
+  nic_negotiate->RegisterNamespaceNode(NicNegotiationRestart::New(), "restart");
   nic->RegisterNamespaceNode(nic_negotiate, "negotiate");
   auto nic_selftest = Namespace::New();
   nic_selftest->SetDescription("Commands to access self test feature on a NIC");
@@ -185,33 +229,55 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   vswitch->SetDescription("Commands to list and manipulate Virtual Switches on an Halden host.");
   auto vswitch_standard = Namespace::New();
   vswitch_standard->SetDescription("Commands to list and manipulate Legacy Virtual Switches on an Halden host.");
+  vswitch_standard->RegisterNamespaceNode(VirtualSwitchStandardAdd::New(), "add");
+  vswitch_standard->RegisterNamespaceNode(VirtualSwitchStandardSet::New(), "set");
+  vswitch_standard->RegisterNamespaceNode(VirtualSwitchStandardList::New(), "list");
+  vswitch_standard->RegisterNamespaceNode(VirtualSwitchStandardRemove::New(), "remove");
   auto vswitch_standard_uplink = Namespace::New();
   vswitch_standard_uplink->SetDescription("Commands to add and remove uplink on given virtual switch.");
+  vswitch_standard_uplink->RegisterNamespaceNode(VirtualSwitchStandardUplinkAdd::New(), "add");
+  vswitch_standard_uplink->RegisterNamespaceNode(VirtualSwitchStandardUplinkRemove::New(), "remove");
   vswitch_standard->RegisterNamespaceNode(vswitch_standard_uplink, "uplink");
   auto vswitch_standard_policy = Namespace::New();
   vswitch_standard_policy->SetDescription("Commands to manipulate network policy settings governing the given virtual switch.");
   auto vswitch_standard_policy_shaping = Namespace::New();
   vswitch_standard_policy_shaping->SetDescription("Commands to manipulate shaping policy setting for the given virtual switch.");
+  vswitch_standard_policy_shaping->RegisterNamespaceNode(VirtualSwitchStandardPolicyShapingGet::New(), "get");
+  vswitch_standard_policy_shaping->RegisterNamespaceNode(VirtualSwitchStandardPolicyShapingSet::New(), "set");
   vswitch_standard_policy->RegisterNamespaceNode(vswitch_standard_policy_shaping, "shaping");
   auto vswitch_standard_policy_security = Namespace::New();
   vswitch_standard_policy_security->SetDescription("Commands to manipulate security policy setting for the given virtual switch.");
+  vswitch_standard_policy_security->RegisterNamespaceNode(VirtualSwitchStandardPolicySecurityGet::New(), "get");
+  vswitch_standard_policy_security->RegisterNamespaceNode(VirtualSwitchStandardPolicySecuritySet::New(), "set");
   vswitch_standard_policy->RegisterNamespaceNode(vswitch_standard_policy_security, "security");
   auto vswitch_standard_policy_failover = Namespace::New();
   vswitch_standard_policy_failover->SetDescription("Commands to manipulate failover policy setting for the given virtual switch.");
+  vswitch_standard_policy_failover->RegisterNamespaceNode(VirtualSwitchStandardPolicyFailoverGet::New(), "get");
+  vswitch_standard_policy_failover->RegisterNamespaceNode(VirtualSwitchStandardPolicyFailoverSet::New(), "set");
   vswitch_standard_policy->RegisterNamespaceNode(vswitch_standard_policy_failover, "failover");
   vswitch_standard->RegisterNamespaceNode(vswitch_standard_policy, "policy");
   auto vswitch_standard_portgroup = Namespace::New();
   vswitch_standard_portgroup->SetDescription("Commands to list and manipulate Port Groups on an Halden host.");
+  vswitch_standard_portgroup->RegisterNamespaceNode(VirtualSwitchPortGroupList::New(), "list");
+  vswitch_standard_portgroup->RegisterNamespaceNode(VirtualSwitchPortGroupAdd::New(), "add");
+  vswitch_standard_portgroup->RegisterNamespaceNode(VirtualSwitchPortGroupRemove::New(), "remove");
+  vswitch_standard_portgroup->RegisterNamespaceNode(VirtualSwitchPortGroupSet::New(), "set");
   auto vswitch_standard_portgroup_policy = Namespace::New();
   vswitch_standard_portgroup_policy->SetDescription("Commands to manipulate network policy settings governing the given portgroup.");
   auto vswitch_standard_portgroup_policy_shaping = Namespace::New();
   vswitch_standard_portgroup_policy_shaping->SetDescription("Commands to manipulate shaping policy setting for the given portgroup.");
+  vswitch_standard_portgroup_policy_shaping->RegisterNamespaceNode(VirtualSwitchPortGroupPolicyShapingGet::New(), "get");
+  vswitch_standard_portgroup_policy_shaping->RegisterNamespaceNode(VirtualSwitchPortGroupPolicyShapingSet::New(), "set");
   vswitch_standard_portgroup_policy->RegisterNamespaceNode(vswitch_standard_portgroup_policy_shaping, "shaping");
   auto vswitch_standard_portgroup_policy_failover = Namespace::New();
   vswitch_standard_portgroup_policy_failover->SetDescription("Commands to manipulate failover policy setting for the given portgroup.");
+  vswitch_standard_portgroup_policy_failover->RegisterNamespaceNode(VirtualSwitchPortGroupPolicyFailoverGet::New(), "get");
+  vswitch_standard_portgroup_policy_failover->RegisterNamespaceNode(VirtualSwitchPortGroupPolicyFailoverSet::New(), "set");
   vswitch_standard_portgroup_policy->RegisterNamespaceNode(vswitch_standard_portgroup_policy_failover, "failover");
   auto vswitch_standard_portgroup_policy_security = Namespace::New();
   vswitch_standard_portgroup_policy_security->SetDescription("Commands to manipulate security policy setting for the given portgroup.");
+  vswitch_standard_portgroup_policy_security->RegisterNamespaceNode(VirtualSwitchPortGroupPolicySecurityGet::New(), "get");
+  vswitch_standard_portgroup_policy_security->RegisterNamespaceNode(VirtualSwitchPortGroupPolicySecuritySet::New(), "set");
   vswitch_standard_portgroup_policy->RegisterNamespaceNode(vswitch_standard_portgroup_policy_security, "security");
   vswitch_standard_portgroup->RegisterNamespaceNode(vswitch_standard_portgroup_policy, "policy");
   vswitch_standard->RegisterNamespaceNode(vswitch_standard_portgroup, "portgroup");

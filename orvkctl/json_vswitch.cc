@@ -3,7 +3,32 @@
 
 namespace OrvkCtl::Sim {
 
-void to_json(nlohmann::json& j, VswitchArea const&) { j = nlohmann::json::object(); }
-void from_json(nlohmann::json const&, VswitchArea&) {}
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(TeamingPolicyState, set_mask, team_policy,
+                                                team_flag, notify_switch_on_failure,
+                                                rolling_restoration, link_set_mask, link_value_bits,
+                                                uplink_order, max_active_uplinks)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(SecurityPolicyState, set_mask, allow_promiscuous,
+                                                allow_mac_change, allow_forged_transmits)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(ShapingPolicyState, set_mask, enabled, peak_bps,
+                                                average_bps, burst_size)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(PortGroupState, name, vlan_id, active_clients,
+                                                teaming, security, shaping)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(StandardSwitchState, name, configured_ports, mtu,
+                                                cdp_status, beacon_interval, beacon_threshold,
+                                                checksum_offload, segmentation_offload,
+                                                vlan_tagging, uplinks, teaming, security, shaping,
+                                                port_groups)
+
+void to_json(nlohmann::json& j, VswitchArea const& area) {
+  j = nlohmann::json::object();
+  j["standard_switches"] = area.standard_switches;
+}
+
+void from_json(nlohmann::json const& j, VswitchArea& area) {
+  area = VswitchArea();
+  if (j.contains("standard_switches")) {
+    area.standard_switches = j.at("standard_switches").get<std::vector<StandardSwitchState>>();
+  }
+}
 
 }  // namespace OrvkCtl::Sim

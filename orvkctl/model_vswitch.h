@@ -1,4 +1,6 @@
-// Virtual switching: standard switches, port groups, distributed switches: records of the simulated host.
+// Virtual switching: standard switches and their port groups: records of the
+// simulated host. Policies are stored as configured, with their set masks;
+// what is in force is worked out by the library when asked.
 #pragma once
 
 #include <cstdint>
@@ -7,6 +9,79 @@
 
 namespace OrvkCtl::Sim {
 
-struct VswitchArea {};
+// A NIC teaming policy. `link_set_mask`/`link_value_bits` are the failure
+// detection bits.
+struct TeamingPolicyState {
+  uint32_t set_mask = 0;
+  int team_policy = 0;
+  bool team_flag = false;
+  bool notify_switch_on_failure = false;
+  bool rolling_restoration = false;
+  uint32_t link_set_mask = 0;
+  uint32_t link_value_bits = 0;
+  std::vector<std::string> uplink_order;
+  int max_active_uplinks = 0;
+};
+
+struct SecurityPolicyState {
+  uint32_t set_mask = 0;
+  bool allow_promiscuous = false;
+  bool allow_mac_change = false;
+  bool allow_forged_transmits = false;
+};
+
+// Bandwidths in bits per second, burst size in bytes.
+struct ShapingPolicyState {
+  uint32_t set_mask = 0;
+  bool enabled = false;
+  uint64_t peak_bps = 0;
+  uint64_t average_bps = 0;
+  uint64_t burst_size = 0;
+};
+
+struct PortGroupState {
+  std::string name;
+  uint16_t vlan_id = 0;
+  // Ports of the group in use by interfaces and VMs.
+  int active_clients = 0;
+  TeamingPolicyState teaming;
+  SecurityPolicyState security;
+  ShapingPolicyState shaping;
+};
+
+struct StandardSwitchState {
+  std::string name;
+  // Ports asked for; the portset has a few more for its own use.
+  int configured_ports = 0;
+  int mtu = 1500;
+  int cdp_status = 1;  // 0 down, 1 listen, 2 advertise, 3 both
+  int beacon_interval = 1;
+  int beacon_threshold = 3;
+  bool checksum_offload = true;
+  bool segmentation_offload = true;
+  bool vlan_tagging = true;
+  // Uplink ports in the order connected. A name whose NIC has left the host
+  // stays here until the uplink is removed.
+  std::vector<std::string> uplinks;
+  TeamingPolicyState teaming;
+  SecurityPolicyState security;
+  ShapingPolicyState shaping;
+  std::vector<PortGroupState> port_groups;
+};
+
+struct VswitchArea {
+  std::vector<StandardSwitchState> standard_switches;
+};
+
+// The standard switch of that name, or null.
+StandardSwitchState* FindStandardSwitch(VswitchArea& area, std::string const& name);
+StandardSwitchState const* FindStandardSwitch(VswitchArea const& area, std::string const& name);
+
+// The port group of that name on any standard switch, or null; `owner`, when
+// given, receives its switch.
+PortGroupState* FindPortGroup(VswitchArea& area, std::string const& name,
+                              StandardSwitchState** owner = nullptr);
+PortGroupState const* FindPortGroup(VswitchArea const& area, std::string const& name,
+                                    StandardSwitchState const** owner = nullptr);
 
 }  // namespace OrvkCtl::Sim

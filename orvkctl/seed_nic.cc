@@ -1,7 +1,132 @@
+// The default host's physical NICs: a quad-port gigabit copper card with two
+// ports cabled, a dual-port 25GbE card whose second port was taken down by the
+// administrator, and a USB adapter without a cable.
 #include "host_model.h"
 
 namespace OrvkCtl::Sim {
+namespace {
 
-void SeedNic(HostModel&) {}
+constexpr uint32_t kTp = 0, kFibre = 4, kDa = 5;
+constexpr uint32_t kFull = 1, kHalf = 2;
+constexpr int32_t kBaseT = 2, kBaseSR = 9, kBaseCR1 = 14, kBaseSFI = 24;
+constexpr uint32_t kPhyActivity = 0, kUnicast = 1, kMulticast = 2, kBroadcast = 3, kMagic = 5;
+
+PnicState GigabitCopperPort(std::string name, std::string pci, std::string mac, uint32_t phy) {
+  PnicState nic;
+  nic.name = std::move(name);
+  nic.pci_address = pci;
+  nic.pci_vendor = "Brightwater Semiconductor";
+  nic.pci_device = "BW-4T Quad Port Gigabit Ethernet Controller";
+  nic.driver = "bwgbe";
+  nic.driver_version = "2.4.1.0-1";
+  nic.firmware_version = "1.18.3, 0x80000c4a";
+  nic.mac = mac;
+  nic.virtual_address = mac;
+  nic.mtu = 1500;
+  nic.speed = 1000;
+  nic.duplex = kFull;
+  nic.supported_ports = {kTp};
+  nic.port = kTp;
+  nic.supported_link_modes = {{10, kHalf, kBaseT},
+                              {10, kFull, kBaseT},
+                              {100, kHalf, kBaseT},
+                              {100, kFull, kBaseT},
+                              {1000, kFull, kBaseT}};
+  nic.advertised_link_modes = nic.supported_link_modes;
+  nic.supports_auto_negotiation = true;
+  nic.advertised_auto_negotiation = true;
+  nic.auto_negotiation = true;
+  nic.phy_address = phy;
+  nic.transceiver = 0;
+  nic.supports_wake_on = true;
+  nic.supported_wake_on = {kPhyActivity, kUnicast, kMulticast, kBroadcast, kMagic};
+  nic.wake_on = {kMagic};
+  nic.supports_message_level = true;
+  nic.message_level = 7;
+  nic.pause = {true, true, true, true, 1, 1};
+  return nic;
+}
+
+PnicState Sfp28Port(std::string name, std::string pci, std::string mac) {
+  PnicState nic;
+  nic.name = std::move(name);
+  nic.pci_address = pci;
+  nic.pci_vendor = "Kestrel Microsystems";
+  nic.pci_device = "KM-2500 Dual Port 25GbE SFP28 Adapter";
+  nic.driver = "kmnet";
+  nic.driver_version = "4.3.6.0-1";
+  nic.firmware_version = "226.0.145.0/pkg 226.1.107.1";
+  nic.mac = mac;
+  nic.virtual_address = mac;
+  nic.mtu = 9000;
+  nic.speed = 25000;
+  nic.duplex = kFull;
+  nic.supported_ports = {kFibre, kDa};
+  nic.port = kDa;
+  nic.supported_link_modes = {{10000, kFull, kBaseSFI},
+                              {10000, kFull, kBaseSR},
+                              {25000, kFull, kBaseCR1},
+                              {25000, kFull, kBaseSR}};
+  nic.advertised_link_modes = {{10000, kFull, kBaseSFI}, {25000, kFull, kBaseCR1}};
+  nic.supports_auto_negotiation = true;
+  nic.advertised_auto_negotiation = false;
+  nic.auto_negotiation = false;
+  nic.phy_address = 0;
+  nic.transceiver = 1;
+  nic.supports_wake_on = false;
+  nic.supports_message_level = false;
+  nic.pause = {true, false, true, true, 0, 0};
+  return nic;
+}
+
+PnicState UsbAdapter() {
+  PnicState nic;
+  nic.name = "ornic4";
+  nic.pseudo_descriptor = "USB-NIC:Ostrava Labs:OL-U3 USB 3.0 Gigabit Adapter";
+  nic.driver = "olusb";
+  nic.driver_version = "1.12-2";
+  nic.firmware_version = "N/A";
+  nic.mac = "d2:6e:a0:7c:00:31";
+  nic.virtual_address = nic.mac;
+  nic.mtu = 1500;
+  nic.carrier = false;
+  nic.speed = 1000;
+  nic.duplex = kFull;
+  nic.supported_ports = {kTp};
+  nic.port = kTp;
+  nic.supported_link_modes = {{100, kFull, kBaseT}, {1000, kFull, kBaseT}};
+  nic.advertised_link_modes = nic.supported_link_modes;
+  nic.supports_auto_negotiation = true;
+  nic.advertised_auto_negotiation = true;
+  nic.auto_negotiation = true;
+  nic.phy_address = 3;
+  nic.supports_wake_on = true;  // supported, but nothing armed
+  nic.supported_wake_on = {kMagic};
+  nic.supports_message_level = true;
+  nic.message_level = 0;
+  return nic;
+}
+
+}  // namespace
+
+void SeedNic(HostModel& host) {
+  PnicState ornic0 = GigabitCopperPort("ornic0", "0000:18:00.0", "d2:6e:a0:00:10:00", 1);
+  PnicState ornic1 = GigabitCopperPort("ornic1", "0000:18:00.1", "d2:6e:a0:00:10:01", 2);
+  PnicState ornic2 = Sfp28Port("ornic2", "0000:3b:00.0", "d2:6e:a0:00:25:00");
+  PnicState ornic3 = Sfp28Port("ornic3", "0000:3b:00.1", "d2:6e:a0:00:25:01");
+  ornic3.admin_up = false;
+  host.nic.pnics = {ornic0, ornic1, ornic2, ornic3, UsbAdapter()};
+}
+
+PnicState* FindPnic(NicArea& area, std::string const& name) {
+  for (auto& nic : area.pnics) {
+    if (nic.name == name) return &nic;
+  }
+  return nullptr;
+}
+
+PnicState const* FindPnic(NicArea const& area, std::string const& name) {
+  return FindPnic(const_cast<NicArea&>(area), name);
+}
 
 }  // namespace OrvkCtl::Sim

@@ -1,0 +1,41 @@
+#include "fault.h"
+#include "host_store.h"
+#include "hostctl/network_info.h"
+#include "hostctl/pnic.h"
+
+namespace HostCtl::Network {
+
+NetworkInfo::~NetworkInfo() = default;
+
+std::unique_ptr<NetworkInfo> NetworkFactory::GetNetworkInfo() {
+  OrvkCtl::Sim::CheckFault("NetworkFactory::GetNetworkInfo");
+  return std::make_unique<OrvkCtl::Network::NetworkInfoImpl>();
+}
+
+}  // namespace HostCtl::Network
+
+namespace OrvkCtl::Network {
+
+using Sim::CheckFault;
+
+NetworkInfoImpl::NetworkInfoImpl() = default;
+NetworkInfoImpl::~NetworkInfoImpl() = default;
+
+void NetworkInfoImpl::Refresh() { CheckFault("NetworkInfoImpl::Refresh"); }
+
+HostCtl::Network::PnicList NetworkInfoImpl::GetPnics() {
+  CheckFault("NetworkInfoImpl::GetPnics");
+  HostCtl::Network::PnicList pnics;
+  for (auto const& nic : Sim::ReadHost().nic.pnics) {
+    pnics.push_back(std::make_unique<PnicImpl>(nic.name));
+  }
+  return pnics;
+}
+
+std::unique_ptr<HostCtl::Network::Pnic> NetworkInfoImpl::GetPnicByName(std::string const& name) {
+  CheckFault("NetworkInfoImpl::GetPnicByName");
+  if (!Sim::FindPnic(Sim::ReadHost().nic, name)) return nullptr;
+  return std::make_unique<PnicImpl>(name);
+}
+
+}  // namespace OrvkCtl::Network

@@ -1,0 +1,189 @@
+// Port groups of the standard switches of the simulated host.
+#include "hostctl/port_group_impl.h"
+
+#include "fault.h"
+#include "host_store.h"
+#include "hostctl/network_info.h"
+#include "hostctl/virtual_switch.h"
+#include "vswitch_policy.h"
+
+namespace OrvkCtl::Network {
+namespace {
+
+using HostCtl::Lib::HostCtlException;
+using HostCtl::Network::NicTeamingPolicy;
+using HostCtl::Network::PortGroup;
+using HostCtl::Network::PortSecurityPolicy;
+using HostCtl::Network::ShapingPolicy;
+using Sim::CheckFault;
+using Sim::HostModel;
+using Sim::PortGroupState;
+using Sim::StandardSwitchState;
+
+std::string NotFound(std::string const& name) { return "Port group " + name + " not found"; }
+
+struct GroupRef {
+  StandardSwitchState const* vswitch;
+  PortGroupState const* group;
+};
+
+GroupRef ReadGroup(HostModel const& host, std::string const& name) {
+  StandardSwitchState const* owner = nullptr;
+  auto const* group = Sim::FindPortGroup(host.vswitch, name, &owner);
+  if (!group) throw HostCtlException(NotFound(name));
+  return {owner, group};
+}
+
+GroupRef ReadGroup(std::string const& name) { return ReadGroup(Sim::ReadHost(), name); }
+
+// Applies `change` to the group and its switch, inside one host change.
+void ChangeGroup(std::string const& name,
+                 std::function<void(StandardSwitchState&, PortGroupState&)> const& change) {
+  Sim::ChangeHost([&](HostModel& host) {
+    StandardSwitchState* owner = nullptr;
+    auto* group = Sim::FindPortGroup(host.vswitch, name, &owner);
+    if (!group) throw HostCtlException(NotFound(name));
+    change(*owner, *group);
+  });
+}
+
+}  // namespace
+
+PortGroupImpl::PortGroupImpl(std::string const& name) : name_(name) {
+  CheckFault("PortGroupImpl::PortGroupImpl");
+  ReadGroup(name);
+}
+
+PortGroupImpl::~PortGroupImpl() = default;
+
+void PortGroupImpl::Refresh() {
+  CheckFault("PortGroupImpl::Refresh");
+  ReadGroup(name_);
+}
+
+std::string PortGroupImpl::GetName() {
+  CheckFault("PortGroupImpl::GetName");
+  return name_;
+}
+
+std::string PortGroupImpl::GetVirtualSwitchName() {
+  CheckFault("PortGroupImpl::GetVirtualSwitchName");
+  return ReadGroup(name_).vswitch->name;
+}
+
+uint16_t PortGroupImpl::GetVlanId() {
+  CheckFault("PortGroupImpl::GetVlanId");
+  return ReadGroup(name_).group->vlan_id;
+}
+
+void PortGroupImpl::SetVlanId(uint16_t vlanId) {
+  CheckFault("PortGroupImpl::SetVlanId");
+  if (vlanId < MIN_VLAN_ID || vlanId > MAX_VLAN_ID) {
+    throw HostCtlException("Invalid VLAN id " + std::to_string(vlanId) + " for port group " +
+                           name_ + ": it must be between " + std::to_string(MIN_VLAN_ID) + " and " +
+                           std::to_string(MAX_VLAN_ID));
+  }
+  ChangeGroup(name_, [&](StandardSwitchState&, PortGroupState& group) { group.vlan_id = vlanId; });
+}
+
+PortSecurityPolicy PortGroupImpl::GetEffectiveSecurityPolicy() {
+  CheckFault("PortGroupImpl::GetEffectiveSecurityPolicy");
+  auto ref = ReadGroup(name_);
+  return Sim::EffectiveSecurity(*ref.vswitch, *ref.group);
+}
+
+PortSecurityPolicy PortGroupImpl::GetConfiguredSecurityPolicy() {
+  CheckFault("PortGroupImpl::GetConfiguredSecurityPolicy");
+  return Sim::ToPolicy(ReadGroup(name_).group->security);
+}
+
+void PortGroupImpl::ApplySecurityPolicy(PortSecurityPolicy const& policy) {
+  CheckFault("PortGroupImpl::ApplySecurityPolicy");
+  ChangeGroup(name_, [&](StandardSwitchState&, PortGroupState& group) {
+    group.security = Sim::ToState(policy);
+  });
+}
+
+NicTeamingPolicy PortGroupImpl::GetEffectiveTeamingPolicy() {
+  CheckFault("PortGroupImpl::GetEffectiveTeamingPolicy");
+  HostModel const& host = Sim::ReadHost();
+  auto ref = ReadGroup(host, name_);
+  return Sim::EffectiveTeaming(host, *ref.vswitch, *ref.group);
+}
+
+NicTeamingPolicy PortGroupImpl::GetConfiguredTeamingPolicy() {
+  CheckFault("PortGroupImpl::GetConfiguredTeamingPolicy");
+  return Sim::ToPolicy(ReadGroup(name_).group->teaming);
+}
+
+void PortGroupImpl::ApplyTeamingPolicy(NicTeamingPolicy policy) {
+  CheckFault("PortGroupImpl::ApplyTeamingPolicy");
+  ChangeGroup(name_, [&](StandardSwitchState& vswitch, PortGroupState& group) {
+    Sim::CheckTeaming(vswitch, "port group " + name_, policy);
+    group.teaming = Sim::ToState(policy);
+  });
+}
+
+ShapingPolicy PortGroupImpl::GetEffectiveShapingPolicy() {
+  CheckFault("PortGroupImpl::GetEffectiveShapingPolicy");
+  auto ref = ReadGroup(name_);
+  return Sim::EffectiveShaping(*ref.vswitch, *ref.group);
+}
+
+ShapingPolicy PortGroupImpl::GetConfiguredShapingPolicy() {
+  CheckFault("PortGroupImpl::GetConfiguredShapingPolicy");
+  return Sim::ToPolicy(ReadGroup(name_).group->shaping);
+}
+
+void PortGroupImpl::ApplyShapingPolicy(ShapingPolicy policy) {
+  CheckFault("PortGroupImpl::ApplyShapingPolicy");
+  ChangeGroup(name_, [&](StandardSwitchState& vswitch, PortGroupState& group) {
+    group.shaping = Sim::ToState(policy);
+    Sim::CheckShaping(vswitch);
+  });
+}
+
+std::unique_ptr<HostCtl::Network::VirtualSwitch> PortGroupImpl::GetVirtualSwitch() {
+  CheckFault("PortGroupImpl::GetVirtualSwitch");
+  return std::make_unique<VirtualSwitchImpl>(ReadGroup(name_).vswitch->name);
+}
+
+int PortGroupImpl::GetNumActiveClients() {
+  CheckFault("PortGroupImpl::GetNumActiveClients");
+  return ReadGroup(name_).group->active_clients;
+}
+
+HostCtl::Network::ConnectionPoint::ConnectionType PortGroupImpl::GetConnectionType() const {
+  return PortGroupConnection;
+}
+
+std::string PortGroupImpl::GetPortGroupName() const { return name_; }
+
+HostCtl::Network::DVPortParam PortGroupImpl::GetDVPortParam() const { return {}; }
+
+std::string PortGroupImpl::GetPortsetName() {
+  CheckFault("PortGroupImpl::GetPortsetName");
+  return ReadGroup(name_).vswitch->name;
+}
+
+bool PortGroupImpl::IsValid() {
+  CheckFault("PortGroupImpl::IsValid");
+  return Sim::FindPortGroup(Sim::ReadHost().vswitch, name_) != nullptr;
+}
+
+}  // namespace OrvkCtl::Network
+
+namespace OrvkCtl::Network {
+
+std::vector<std::unique_ptr<HostCtl::Network::PortGroup>> NetworkInfoImpl::GetAllPortGroups() {
+  CheckFault("NetworkInfoImpl::GetAllPortGroups");
+  std::vector<std::unique_ptr<HostCtl::Network::PortGroup>> groups;
+  for (auto const& vswitch : Sim::ReadHost().vswitch.standard_switches) {
+    for (auto const& group : vswitch.port_groups) {
+      groups.push_back(std::make_unique<PortGroupImpl>(group.name));
+    }
+  }
+  return groups;
+}
+
+}  // namespace OrvkCtl::Network

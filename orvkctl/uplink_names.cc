@@ -1,0 +1,23 @@
+// Whether a name is that of a physical NIC: the test behind every uplink name
+// a switch takes.
+#include "fault.h"
+#include "host_store.h"
+#include "hostctl/pnic.h"
+#include "vswitch_policy.h"
+
+namespace OrvkCtl::Sim {
+
+bool IsPhysicalNic(HostModel const& host, std::string const& name) {
+  return FindPnic(host.nic, name) != nullptr;
+}
+
+}  // namespace OrvkCtl::Sim
+
+namespace OrvkCtl::Network {
+
+bool PnicImpl::IsValidPnic(std::string const& name) {
+  Sim::CheckFault("PnicImpl::IsValidPnic");
+  return Sim::IsPhysicalNic(Sim::ReadHost(), name);
+}
+
+}  // namespace OrvkCtl::Network

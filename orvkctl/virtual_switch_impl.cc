@@ -1,0 +1,419 @@
+// Standard switches of the simulated host.
+#include <algorithm>
+
+#include "fault.h"
+#include "host_store.h"
+#include "hostctl/orvk_nic.h"
+#include "hostctl/port_group_impl.h"
+#include "hostctl/virtual_switch.h"
+#include "vswitch_policy.h"
+
+namespace HostCtl::Network {
+VirtualSwitch::~VirtualSwitch() = default;
+}  // namespace HostCtl::Network
+
+namespace OrvkCtl::Network {
+namespace {
+
+using HostCtl::Lib::HostCtlException;
+using HostCtl::Network::NicTeamingPolicy;
+using HostCtl::Network::PortSecurityPolicy;
+using HostCtl::Network::ShapingPolicy;
+using Sim::CheckFault;
+using Sim::HostModel;
+using Sim::StandardSwitchState;
+
+// Ports a switch keeps for its own use beyond the configured ones.
+constexpr int kReservedPorts = 8;
+constexpr int kMaxPortsPerSwitch = 4096;
+constexpr int kMaxPortsPerHost = 4608;
+constexpr size_t kMaxNameLength = 127;
+
+char const* const kCdpWords[] = {"down", "listen", "advertise", "both"};
+
+StandardSwitchState const& ReadSwitch(HostModel const& host, std::string const& name) {
+  auto const* vswitch = Sim::FindStandardSwitch(host.vswitch, name);
+  if (!vswitch) throw HostCtlException("Virtual switch " + name + " not found");
+  return *vswitch;
+}
+
+StandardSwitchState const& ReadSwitch(std::string const& name) {
+  return ReadSwitch(Sim::ReadHost(), name);
+}
+
+StandardSwitchState& WriteSwitch(HostModel& host, std::string const& name) {
+  auto* vswitch = Sim::FindStandardSwitch(host.vswitch, name);
+  if (!vswitch) throw HostCtlException("Virtual switch " + name + " not found");
+  return *vswitch;
+}
+
+int NumPorts(StandardSwitchState const& vswitch) {
+  return vswitch.configured_ports + kReservedPorts;
+}
+
+// Drops `uplink` from a stored order, keeping the active count in step.
+void DropFromOrder(Sim::TeamingPolicyState& teaming, std::string const& uplink) {
+  auto& order = teaming.uplink_order;
+  auto it = std::find(order.begin(), order.end(), uplink);
+  if (it == order.end()) return;
+  if (it - order.begin() < teaming.max_active_uplinks) --teaming.max_active_uplinks;
+  order.erase(it);
+}
+
+// The switch, when it detects failures by beaconing, and the groups that
+// chose beaconing for themselves.
+std::vector<std::string> BeaconUsers(HostModel const& host, StandardSwitchState const& vswitch) {
+  std::vector<std::string> users;
+  if (Sim::UsesBeacon(Sim::EffectiveTeaming(host, vswitch))) users.push_back(vswitch.name);
+  for (auto const& group : vswitch.port_groups) {
+    bool own = (group.teaming.set_mask & NicTeamingPolicy::LINK_CRITERIA_BIT) != 0;
+    if (own && Sim::UsesBeacon(Sim::ToPolicy(group.teaming))) users.push_back(group.name);
+  }
+  return users;
+}
+
+void CheckName(std::string const& kind, std::string const& name) {
+  if (name.empty()) throw HostCtlException(kind + " name cannot be empty");
+  if (name.size() > kMaxNameLength) {
+    throw HostCtlException(kind + " name " + name + " is longer than " +
+                           std::to_string(kMaxNameLength) + " characters");
+  }
+  for (unsigned char c : name) {
+    if (c < 0x20 || c == 0x7f) {
+      throw HostCtlException(kind + " name " + name + " contains a control character");
+    }
+  }
+}
+
+}  // namespace
+
+PortsetImpl::PortsetImpl(std::string const& name) : name_(name) {}
+PortsetImpl::~PortsetImpl() = default;
+
+bool PortsetImpl::IsValidVirtualSwitch(std::string const& name) {
+  CheckFault("PortsetImpl::IsValidVirtualSwitch");
+  return Sim::FindStandardSwitch(Sim::ReadHost().vswitch, name) != nullptr;
+}
+
+void PortsetImpl::Refresh() {
+  CheckFault("PortsetImpl::Refresh");
+  ReadSwitch(name_);
+}
+
+std::string PortsetImpl::GetName() {
+  CheckFault("PortsetImpl::GetName");
+  EnsureFresh();
+  return name_;
+}
+
+std::vector<std::string> PortsetImpl::GetUplinks() {
+  CheckFault("PortsetImpl::GetUplinks");
+  return ReadSwitch(name_).uplinks;
+}
+
+int PortsetImpl::GetNumPorts() {
+  CheckFault("PortsetImpl::GetNumPorts");
+  return NumPorts(ReadSwitch(name_));
+}
+
+std::vector<std::string> PortsetImpl::GetConnectedUplinks() {
+  CheckFault("PortsetImpl::GetConnectedUplinks");
+  HostModel const& host = Sim::ReadHost();
+  return Sim::ConnectedUplinks(host, ReadSwitch(host, name_));
+}
+
+int PortsetImpl::GetNumUsedPorts() {
+  CheckFault("PortsetImpl::GetNumUsedPorts");
+  auto const& vswitch = ReadSwitch(name_);
+  // One port for the switch itself, one per uplink, one per client.
+  int used = 1 + static_cast<int>(vswitch.uplinks.size());
+  for (auto const& group : vswitch.port_groups) used += group.active_clients;
+  return used;
+}
+
+std::string PortsetImpl::GetClass() {
+  CheckFault("PortsetImpl::GetClass");
+  ReadSwitch(name_);
+  return "orvkswitch";
+}
+
+VirtualSwitchImpl::VirtualSwitchImpl(std::string const& name) : PortsetImpl(name) {}
+VirtualSwitchImpl::~VirtualSwitchImpl() = default;
+
+std::unique_ptr<HostCtl::Network::PortGroup> VirtualSwitchImpl::AddPortGroup(
+    std::string const& name) {
+  CheckFault("VirtualSwitchImpl::AddPortGroup");
+  CheckName("Port group", name);
+  Sim::ChangeHost([&](HostModel& host) {
+    auto& vswitch = WriteSwitch(host, name_);
+    StandardSwitchState* owner = nullptr;
+    if (Sim::FindPortGroup(host.vswitch, name, &owner)) {
+      throw HostCtlException("A port group named " + name + " already exists on virtual switch " +
+                             owner->name);
+    }
+    Sim::PortGroupState group;
+    group.name = name;
+    vswitch.port_groups.push_back(group);
+  });
+  return std::make_unique<PortGroupImpl>(name);
+}
+
+void VirtualSwitchImpl::RemovePortGroup(std::string const& name) {
+  CheckFault("VirtualSwitchImpl::RemovePortGroup");
+  Sim::ChangeHost([&](HostModel& host) {
+    auto& vswitch = WriteSwitch(host, name_);
+    auto& groups = vswitch.port_groups;
+    auto it = std::find_if(groups.begin(), groups.end(),
+                           [&](Sim::PortGroupState const& group) { return group.name == name; });
+    if (it == groups.end()) {
+      throw HostCtlException("Port group " + name + " not found on virtual switch " + name_);
+    }
+    if (it->active_clients > 0) {
+      throw HostCtlException("Unable to remove port group " + name + ": it has " +
+                             std::to_string(it->active_clients) + " active clients");
+    }
+    groups.erase(it);
+  });
+}
+
+PortSecurityPolicy VirtualSwitchImpl::GetEffectiveSecurityPolicy() {
+  CheckFault("VirtualSwitchImpl::GetEffectiveSecurityPolicy");
+  return Sim::EffectiveSecurity(ReadSwitch(name_));
+}
+
+PortSecurityPolicy VirtualSwitchImpl::GetConfiguredSecurityPolicy() {
+  CheckFault("VirtualSwitchImpl::GetConfiguredSecurityPolicy");
+  return Sim::ToPolicy(ReadSwitch(name_).security);
+}
+
+void VirtualSwitchImpl::ApplySecurityPolicy(PortSecurityPolicy const& policy) {
+  CheckFault("VirtualSwitchImpl::ApplySecurityPolicy");
+  Sim::ChangeHost(
+      [&](HostModel& host) { WriteSwitch(host, name_).security = Sim::ToState(policy); });
+}
+
+ShapingPolicy VirtualSwitchImpl::GetEffectiveShapingPolicy() {
+  CheckFault("VirtualSwitchImpl::GetEffectiveShapingPolicy");
+  return Sim::EffectiveShaping(ReadSwitch(name_));
+}
+
+ShapingPolicy VirtualSwitchImpl::GetConfiguredShapingPolicy() {
+  CheckFault("VirtualSwitchImpl::GetConfiguredShapingPolicy");
+  return Sim::ToPolicy(ReadSwitch(name_).shaping);
+}
+
+void VirtualSwitchImpl::ApplyShapingPolicy(ShapingPolicy policy) {
+  CheckFault("VirtualSwitchImpl::ApplyShapingPolicy");
+  Sim::ChangeHost([&](HostModel& host) {
+    auto& vswitch = WriteSwitch(host, name_);
+    vswitch.shaping = Sim::ToState(policy);
+    Sim::CheckShaping(vswitch);
+  });
+}
+
+NicTeamingPolicy VirtualSwitchImpl::GetEffectiveTeamingPolicy() {
+  CheckFault("VirtualSwitchImpl::GetEffectiveTeamingPolicy");
+  HostModel const& host = Sim::ReadHost();
+  return Sim::EffectiveTeaming(host, ReadSwitch(host, name_));
+}
+
+NicTeamingPolicy VirtualSwitchImpl::GetConfiguredTeamingPolicy() {
+  CheckFault("VirtualSwitchImpl::GetConfiguredTeamingPolicy");
+  return Sim::ToPolicy(ReadSwitch(name_).teaming);
+}
+
+void VirtualSwitchImpl::ApplyTeamingPolicy(NicTeamingPolicy policy) {
+  CheckFault("VirtualSwitchImpl::ApplyTeamingPolicy");
+  Sim::ChangeHost([&](HostModel& host) {
+    auto& vswitch = WriteSwitch(host, name_);
+    Sim::CheckTeaming(vswitch, "virtual switch " + name_, policy);
+    vswitch.teaming = Sim::ToState(policy);
+  });
+}
+
+void VirtualSwitchImpl::AddUplink(std::string const& name) {
+  CheckFault("VirtualSwitchImpl::AddUplink");
+  Sim::ChangeHost([&](HostModel& host) {
+    if (!Sim::IsPhysicalNic(host, name)) {
+      throw HostCtlException("Unable to add uplink " + name + ": no physical NIC of that name");
+    }
+    for (auto const& other : host.vswitch.standard_switches) {
+      if (std::find(other.uplinks.begin(), other.uplinks.end(), name) != other.uplinks.end()) {
+        throw HostCtlException("Unable to add uplink " + name + ": it is already an uplink of " +
+                               other.name);
+      }
+    }
+    WriteSwitch(host, name_).uplinks.push_back(name);
+  });
+}
+
+void VirtualSwitchImpl::RemoveUplink(std::string const& name, bool force) {
+  CheckFault("VirtualSwitchImpl::RemoveUplink");
+  Sim::ChangeHost([&](HostModel& host) {
+    auto& vswitch = WriteSwitch(host, name_);
+    auto it = std::find(vswitch.uplinks.begin(), vswitch.uplinks.end(), name);
+    if (it == vswitch.uplinks.end()) {
+      if (force) return;
+      throw HostCtlException("Uplink " + name + " is not connected to virtual switch " + name_);
+    }
+    vswitch.uplinks.erase(it);
+    DropFromOrder(vswitch.teaming, name);
+    for (auto& group : vswitch.port_groups) DropFromOrder(group.teaming, name);
+  });
+}
+
+void VirtualSwitchImpl::SetCdpStatus(int status) {
+  CheckFault("VirtualSwitchImpl::SetCdpStatus");
+  if (status < 0 || status > 3) {
+    throw HostCtlException("Invalid CDP status " + std::to_string(status));
+  }
+  Sim::ChangeHost([&](HostModel& host) { WriteSwitch(host, name_).cdp_status = status; });
+}
+
+void VirtualSwitchImpl::SetMTU(int mtu) {
+  CheckFault("VirtualSwitchImpl::SetMTU");
+  using HostCtl::Network::OrvkNic;
+  if (mtu < OrvkNic::MIN_MTU || mtu > OrvkNic::MAX_MTU) {
+    throw HostCtlException("Invalid MTU " + std::to_string(mtu) + " for virtual switch " + name_ +
+                           ": it must be between " + std::to_string(OrvkNic::MIN_MTU) + " and " +
+                           std::to_string(OrvkNic::MAX_MTU));
+  }
+  Sim::ChangeHost([&](HostModel& host) { WriteSwitch(host, name_).mtu = mtu; });
+}
+
+int VirtualSwitchImpl::GetNumConfiguredPorts() {
+  CheckFault("VirtualSwitchImpl::GetNumConfiguredPorts");
+  return ReadSwitch(name_).configured_ports;
+}
+
+int VirtualSwitchImpl::GetMTU() {
+  CheckFault("VirtualSwitchImpl::GetMTU");
+  return ReadSwitch(name_).mtu;
+}
+
+std::string VirtualSwitchImpl::GetCdpStatusString() {
+  CheckFault("VirtualSwitchImpl::GetCdpStatusString");
+  int status = ReadSwitch(name_).cdp_status;
+  return status >= 0 && status <= 3 ? kCdpWords[status] : "unknown";
+}
+
+bool VirtualSwitchImpl::IsBeaconEnabled() {
+  CheckFault("VirtualSwitchImpl::IsBeaconEnabled");
+  HostModel const& host = Sim::ReadHost();
+  return !BeaconUsers(host, ReadSwitch(host, name_)).empty();
+}
+
+int VirtualSwitchImpl::GetBeaconInterval() {
+  CheckFault("VirtualSwitchImpl::GetBeaconInterval");
+  return ReadSwitch(name_).beacon_interval;
+}
+
+int VirtualSwitchImpl::GetBeaconThreshold() {
+  CheckFault("VirtualSwitchImpl::GetBeaconThreshold");
+  return ReadSwitch(name_).beacon_threshold;
+}
+
+std::vector<std::string> VirtualSwitchImpl::NeedBeacon() {
+  CheckFault("VirtualSwitchImpl::NeedBeacon");
+  HostModel const& host = Sim::ReadHost();
+  return BeaconUsers(host, ReadSwitch(host, name_));
+}
+
+std::vector<std::unique_ptr<HostCtl::Network::PortGroup>> VirtualSwitchImpl::GetPortGroups() {
+  CheckFault("VirtualSwitchImpl::GetPortGroups");
+  std::vector<std::unique_ptr<HostCtl::Network::PortGroup>> groups;
+  for (auto const& group : ReadSwitch(name_).port_groups) {
+    groups.push_back(std::make_unique<PortGroupImpl>(group.name));
+  }
+  return groups;
+}
+
+VirtualSwitchInfoImpl::VirtualSwitchInfoImpl() = default;
+VirtualSwitchInfoImpl::~VirtualSwitchInfoImpl() = default;
+
+void VirtualSwitchInfoImpl::Refresh() { CheckFault("VirtualSwitchInfoImpl::Refresh"); }
+
+std::unique_ptr<HostCtl::Network::VirtualSwitch> VirtualSwitchInfoImpl::AddVirtualSwitchWithPolicy(
+    NicTeamingPolicy const& teaming, PortSecurityPolicy const& security,
+    ShapingPolicy const& shaping, HostCtl::Network::NicCapabilities const& capabilities,
+    std::string const& name, unsigned int ports) {
+  CheckFault("VirtualSwitchInfoImpl::AddVirtualSwitchWithPolicy");
+  CheckName("Virtual switch", name);
+  if (ports < 1 || ports > kMaxPortsPerSwitch) {
+    throw HostCtlException("Invalid number of ports " + std::to_string(ports) +
+                           ": a virtual switch has 1 to " + std::to_string(kMaxPortsPerSwitch) +
+                           " ports");
+  }
+  Sim::ChangeHost([&](HostModel& host) {
+    if (Sim::FindStandardSwitch(host.vswitch, name)) {
+      throw HostCtlException("A virtual switch named " + name + " already exists");
+    }
+    StandardSwitchState vswitch;
+    vswitch.name = name;
+    vswitch.configured_ports = static_cast<int>(ports);
+    int allocated = 0;
+    for (auto const& other : host.vswitch.standard_switches) allocated += NumPorts(other);
+    if (allocated + NumPorts(vswitch) > kMaxPortsPerHost) {
+      throw HostCtlException("Unable to create virtual switch " + name + " with " +
+                             std::to_string(ports) + " ports: " + std::to_string(allocated) +
+                             " of the host's " + std::to_string(kMaxPortsPerHost) +
+                             " ports are allocated");
+    }
+    Sim::CheckTeaming(vswitch, "virtual switch " + name, teaming);
+    vswitch.teaming = Sim::ToState(teaming);
+    vswitch.security = Sim::ToState(security);
+    vswitch.shaping = Sim::ToState(shaping);
+    Sim::CheckShaping(vswitch);
+    vswitch.checksum_offload = capabilities.checksumOffload;
+    vswitch.segmentation_offload = capabilities.segmentationOffload;
+    vswitch.vlan_tagging = capabilities.vlanTagging;
+    host.vswitch.standard_switches.push_back(vswitch);
+  });
+  return std::make_unique<VirtualSwitchImpl>(name);
+}
+
+void VirtualSwitchInfoImpl::RemoveVirtualSwitch(std::string const& name) {
+  CheckFault("VirtualSwitchInfoImpl::RemoveVirtualSwitch");
+  Sim::ChangeHost([&](HostModel& host) {
+    auto& switches = host.vswitch.standard_switches;
+    auto it =
+        std::find_if(switches.begin(), switches.end(),
+                     [&](StandardSwitchState const& vswitch) { return vswitch.name == name; });
+    if (it == switches.end()) throw HostCtlException("Virtual switch " + name + " not found");
+    for (auto const& group : it->port_groups) {
+      if (group.active_clients > 0) {
+        throw HostCtlException("Unable to remove virtual switch " + name + ": port group " +
+                               group.name + " is in use");
+      }
+    }
+    switches.erase(it);
+  });
+}
+
+std::unique_ptr<HostCtl::Network::VirtualSwitch> VirtualSwitchInfoImpl::GetVirtualSwitchByName(
+    std::string const& name) {
+  CheckFault("VirtualSwitchInfoImpl::GetVirtualSwitchByName");
+  if (!Sim::FindStandardSwitch(Sim::ReadHost().vswitch, name)) return nullptr;
+  return std::make_unique<VirtualSwitchImpl>(name);
+}
+
+std::vector<std::unique_ptr<HostCtl::Network::VirtualSwitch>>
+VirtualSwitchInfoImpl::GetVirtualSwitches() {
+  CheckFault("VirtualSwitchInfoImpl::GetVirtualSwitches");
+  std::vector<std::unique_ptr<HostCtl::Network::VirtualSwitch>> switches;
+  for (auto const& vswitch : Sim::ReadHost().vswitch.standard_switches) {
+    switches.push_back(std::make_unique<VirtualSwitchImpl>(vswitch.name));
+  }
+  return switches;
+}
+
+std::vector<std::unique_ptr<HostCtl::Network::Portset>> VirtualSwitchInfoImpl::GetAllSwitches() {
+  CheckFault("VirtualSwitchInfoImpl::GetAllSwitches");
+  std::vector<std::unique_ptr<HostCtl::Network::Portset>> switches;
+  for (auto const& vswitch : Sim::ReadHost().vswitch.standard_switches) {
+    switches.push_back(std::make_unique<VirtualSwitchImpl>(vswitch.name));
+  }
+  return switches;
+}
+
+}  // namespace OrvkCtl::Network

@@ -1,0 +1,203 @@
+// Physical NICs (uplinks) of the host: the records that describe one, and the
+// service object that reads and changes it.
+//
+// Records are owned by the caller, who hands them in zeroed (as their default
+// constructors leave them); the library fills them in place.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "hostctl/lib.h"
+#include "hostctl/network_types.h"
+
+namespace OrvkCtl::Sim {
+struct PnicState;
+}
+
+namespace HostCtl::Network {
+
+// The connector of an uplink. Other values may come from a driver and are
+// carried as they come.
+enum PortType : uint32_t {
+  PORT_TP = 0,
+  PORT_AUI = 1,
+  PORT_BNC = 2,
+  PORT_MII = 3,
+  PORT_FIBRE = 4,
+  PORT_DA = 5,
+  PORT_BACKPLANE = 6,
+};
+
+// The duplex of a link, wherever one occurs.
+enum Duplex : uint32_t { DUPLEX_AUTO = 0, DUPLEX_FULL = 1, DUPLEX_HALF = 2 };
+
+// What may wake the host through an uplink. Other values are carried as they
+// come.
+enum class WakeOnMode : uint32_t {
+  PhyActivity = 0,
+  UnicastMessages = 1,
+  MulticastMessages = 2,
+  BroadcastMessages = 3,
+  Arp = 4,
+  MagicPacket = 5,
+  SecureOnPassword = 6,
+  Unsupported = 7,
+  Disabled = 8,
+};
+
+// One speed, duplex and medium of a link.
+struct PnicLinkMode {
+  int32_t speed = 0;      // Mbps; 0 stands for automatic
+  uint32_t duplex = 0;    // a Duplex
+  int32_t mediaType = 0;  // 0 none, 1 unknown, 2 BaseT, 3 BaseX, ... 38 BaseCR2
+};
+
+// The configuration record of one uplink, read by Pnic::GetInfo. The *Changed
+// flags belong to writers: GetInfo leaves them as they were handed in.
+struct PnicInfo {
+  std::vector<uint32_t> supportedPorts;  // PortType values
+  std::vector<PnicLinkMode> supportedLinkModes;
+  bool supportsAutoNegotiation = false;
+  std::vector<PnicLinkMode> advertisedLinkModes;
+  bool advertisedAutoNegotiation = false;
+  bool spareChanged1 = false;
+  bool portChanged = false;
+  bool phyAddressChanged = false;
+  bool virtualAddressChanged = false;
+  bool transceiverChanged = false;
+  bool spareChanged2 = false;
+  uint32_t port = 0;  // the PortType in use
+  uint32_t phyAddress = 0;
+  uint32_t transceiver = 0;  // 0 internal, 1 external
+  bool autoNegotiation = false;
+  bool wakeOnChanged = false;
+  bool supportsWakeOn = false;
+  std::vector<WakeOnMode> supportedWakeOnModes;
+  std::vector<WakeOnMode> wakeOnModes;  // the modes now armed
+  bool messageLevelChanged = false;
+  bool supportsMessageLevel = false;
+  uint32_t messageLevel = 0;
+  std::string virtualAddress;
+  std::string linkStatus;  // "Up" or "Down"
+};
+
+// The driver behind an uplink.
+struct PnicDriverInfo {
+  std::string driver;
+  std::string version;
+  std::string firmwareVersion;
+  std::string busInfo;
+};
+
+// Flow control of an uplink.
+struct PnicPauseParams {
+  bool supported = false;
+  bool autoNegotiation = false;
+  bool rx = false;
+  bool tx = false;
+  // Outcome of auto negotiation: 0 not available, 1 on, any other value off.
+  uint32_t rxResolution = 0;
+  uint32_t txResolution = 0;
+};
+
+// The PCI function of an uplink, as the host read it when the object was
+// made. Each accessor throws Lib::HostCtlException when the host fails.
+class PciDevice : public virtual Lib::HostCtlObject {
+ public:
+  PciDevice(std::string address, std::string vendorName, std::string deviceName);
+  ~PciDevice() override;
+
+  // "0000:18:00.0": domain, bus, device and function.
+  virtual std::string GetAddress() const;
+  virtual std::string GetVendorName() const;
+  virtual std::string GetDeviceName() const;
+
+ private:
+  std::string address_;
+  std::string vendorName_;
+  std::string deviceName_;
+};
+
+// One physical uplink. Every operation throws Lib::HostCtlException when the
+// host fails or no longer has the device.
+class Pnic : public virtual Lib::HostCtlObject {
+ public:
+  ~Pnic() override;
+
+  virtual std::string GetName() = 0;
+  // The device's PCI function, owned by the caller; null for a device without
+  // one (USB, ACPI), which GetPseudoDescriptor describes instead.
+  virtual std::unique_ptr<PciDevice> GetPciDevice() = 0;
+  // "<kind>:<vendor>:<device>" for a device without PCI function, e.g.
+  // "USB-NIC:Acme:Net100"; empty for a PCI device.
+  virtual std::string GetPseudoDescriptor() = 0;
+  virtual std::string GetDriverName() = 0;
+  virtual MacAddress GetMacAddress() = 0;
+  virtual int32_t GetMtu() = 0;
+  // Negotiated speed in Mbps; 0 while the link is down.
+  virtual uint32_t GetSpeed() = 0;
+  // Negotiated Duplex; DUPLEX_AUTO while the link is down.
+  virtual uint32_t GetDuplex() = 0;
+  virtual bool IsAdminUp() = 0;
+  // Whether the device detects a link.
+  virtual bool IsLinkUp() = 0;
+  // Whether the uplink reports its link as up to the switches above it.
+  virtual bool IsLinkStatusUp() = 0;
+  // Brings the device up (true) or down (false). Setting the state it is in
+  // changes nothing.
+  virtual void SetAdminUp(bool up) = 0;
+  virtual void GetInfo(PnicInfo& info) = 0;
+  virtual void GetPauseParams(PnicPauseParams& params) = 0;
+  virtual void GetDriverInfo(PnicDriverInfo& info) = 0;
+  // Asks the driver to negotiate the link again. Throws if the device is
+  // down or does not use auto negotiation.
+  virtual void RestartNegotiation() = 0;
+};
+
+}  // namespace HostCtl::Network
+
+namespace OrvkCtl::Network {
+
+// One physical uplink by name. Making the object reads nothing; the first
+// question reads the device and later ones answer from that copy until a
+// change through this object, or MarkStale(), makes it read again. A name the
+// host does not know throws "Physical NIC <name> not found" at that point.
+class PnicImpl : public virtual HostCtl::Network::Pnic, public virtual Lib::OrvkCtlObject {
+ public:
+  explicit PnicImpl(std::string const& name);
+  ~PnicImpl() override;
+  void Refresh() override;
+
+  // True when the host has a physical NIC of that name. Throws
+  // Lib::HostCtlException when the host cannot be read.
+  static bool IsValidPnic(std::string const& name);
+
+  // Answers without reading the host.
+  std::string GetName() override;
+  std::unique_ptr<HostCtl::Network::PciDevice> GetPciDevice() override;
+  std::string GetPseudoDescriptor() override;
+  std::string GetDriverName() override;
+  HostCtl::Network::MacAddress GetMacAddress() override;
+  int32_t GetMtu() override;
+  uint32_t GetSpeed() override;
+  uint32_t GetDuplex() override;
+  bool IsAdminUp() override;
+  bool IsLinkUp() override;
+  bool IsLinkStatusUp() override;
+  void SetAdminUp(bool up) override;
+  void GetInfo(HostCtl::Network::PnicInfo& info) override;
+  void GetPauseParams(HostCtl::Network::PnicPauseParams& params) override;
+  void GetDriverInfo(HostCtl::Network::PnicDriverInfo& info) override;
+  void RestartNegotiation() override;
+
+ private:
+  Sim::PnicState const& Cached();
+
+  std::string name_;
+  std::unique_ptr<Sim::PnicState> cached_;
+};
+
+}  // namespace OrvkCtl::Network

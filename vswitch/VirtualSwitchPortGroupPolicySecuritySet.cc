@@ -1,0 +1,80 @@
+#include "vswitch/VirtualSwitchPortGroupPolicySecuritySet.h"
+
+#include <string>
+
+#include "hostctl/network_info.h"
+#include "hostctl/policy.h"
+#include "hostctl/port_group.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+#include "vswitch/PolicyKit.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kPortgroupName = "portgroup-name";
+const std::string kUseVswitch = "use-vswitch";
+const std::string kNotFound = "Unable to find a port group with the name ";
+}  // namespace
+
+std::shared_ptr<VirtualSwitchPortGroupPolicySecuritySet>
+VirtualSwitchPortGroupPolicySecuritySet::New() {
+  return std::shared_ptr<VirtualSwitchPortGroupPolicySecuritySet>(
+      new VirtualSwitchPortGroupPolicySecuritySet());
+}
+
+VirtualSwitchPortGroupPolicySecuritySet::VirtualSwitchPortGroupPolicySecuritySet() {
+  SetDescription("Set the security policy for a given port group");
+}
+
+VirtualSwitchPortGroupPolicySecuritySet::~VirtualSwitchPortGroupPolicySecuritySet() = default;
+
+std::shared_ptr<InputSpec> VirtualSwitchPortGroupPolicySecuritySet::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  auto name = ParameterSpec::New(kPortgroupName, Toolbase::CallSpec::String);
+  name->SetRequired(true);
+  name->SetShortName("p");
+  name->SetDescription("The name of the port group to set security policy for.");
+  spec->AddParameter(name);
+  auto useVswitch = ParameterSpec::New(kUseVswitch, Flag);
+  useVswitch->SetRequired(false);
+  useVswitch->SetShortName("u");
+  useVswitch->SetDescription(
+      "Reset all values for this policy to use parent virtual switch's settings instead of "
+      "overriding the settings for the port group.   Using this in conjunction with other settings "
+      "will first reset all of the fields to use the virtual switch setting and then apply the "
+      "other options after the reset.");
+  spec->AddParameter(useVswitch);
+  AddSecurityParameters(spec);
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> VirtualSwitchPortGroupPolicySecuritySet::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaBool::New());
+  return spec;
+}
+
+void VirtualSwitchPortGroupPolicySecuritySet::ExecuteInternal(
+    std::shared_ptr<Input> const& input, std::shared_ptr<Output> const& output) {
+  try {
+    std::string const& name = input->GetParameter(kPortgroupName);
+    auto group = HostCtl::Network::NetworkFactory::GetPortGroupByName(name);
+    if (!group) {
+      output->AddErrorMessage(kNotFound + name);
+      return;
+    }
+    HostCtl::Network::PortSecurityPolicy policy = group->GetConfiguredSecurityPolicy();
+    if (input->IsFlagSet(kUseVswitch)) policy.UnsetAll();
+    SetSecurityPolicy(input, output, policy);
+    if (!output->HasError()) group->ApplySecurityPolicy(policy);
+    output->SetRootObject(MetaBool::New(true));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

@@ -1,0 +1,99 @@
+#include "vswitch/VirtualSwitchPortGroupPolicyShapingGet.h"
+
+#include <string>
+
+#include "hostctl/network_info.h"
+#include "hostctl/policy.h"
+#include "hostctl/port_group.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+#include "vswitch/PolicyKit.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kPortgroupName = "portgroup-name";
+const std::string kNotFound = "Unable to find a port group with the name ";
+const std::string kOverrideEnabled = "Override Vswitch Enabled";
+const std::string kOverrideAverage = "Override Vswitch Average Bandwidth";
+const std::string kOverridePeak = "Override Vswitch Peak Bandwidth";
+const std::string kOverrideBurst = "Override Vswitch Burst Size";
+}  // namespace
+
+std::shared_ptr<VirtualSwitchPortGroupPolicyShapingGet>
+VirtualSwitchPortGroupPolicyShapingGet::New() {
+  return std::shared_ptr<VirtualSwitchPortGroupPolicyShapingGet>(
+      new VirtualSwitchPortGroupPolicyShapingGet());
+}
+
+VirtualSwitchPortGroupPolicyShapingGet::VirtualSwitchPortGroupPolicyShapingGet() {
+  SetDescription("Get the network shaping policy settings governing the given port group");
+  SetDefaultOutputFormatter("simple");
+  SetDefaultOutputParameter(
+      "fields:PortGroupTrafficShapingPolicy",
+      "Enabled,Average Bandwidth,Peak Bandwidth,Burst Size,Override Vswitch Enabled,Override "
+      "Vswitch Average Bandwidth,Override Vswitch Peak Bandwidth,Override Vswitch Burst Size");
+  SetDefaultOutputParameter("header:PortGroupTrafficShapingPolicy", "<NONE>");
+  SetDefaultOutputParameter("units:PortGroupTrafficShapingPolicy.Average Bandwidth", "Kbps");
+  SetDefaultOutputParameter("units:PortGroupTrafficShapingPolicy.Peak Bandwidth", "Kbps");
+  SetDefaultOutputParameter("units:PortGroupTrafficShapingPolicy.Burst Size", "Kib");
+}
+
+VirtualSwitchPortGroupPolicyShapingGet::~VirtualSwitchPortGroupPolicyShapingGet() = default;
+
+std::shared_ptr<MetaStruct> VirtualSwitchPortGroupPolicyShapingGet::GetOutputStructure() {
+  auto result = MetaStruct::New("PortGroupTrafficShapingPolicy");
+  AddShapingFields(*result);
+  result->SetField(kOverrideEnabled, MetaBool::New());
+  result->SetField(kOverrideAverage, MetaBool::New());
+  result->SetField(kOverridePeak, MetaBool::New());
+  result->SetField(kOverrideBurst, MetaBool::New());
+  return result;
+}
+
+std::shared_ptr<InputSpec> VirtualSwitchPortGroupPolicyShapingGet::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  auto name = ParameterSpec::New(kPortgroupName, Toolbase::CallSpec::String);
+  name->SetRequired(true);
+  name->SetShortName("p");
+  name->SetDescription(
+      "The name of the port group to use when fetching the port group shaping policy.");
+  spec->AddParameter(name);
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> VirtualSwitchPortGroupPolicyShapingGet::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(GetOutputStructure());
+  return spec;
+}
+
+void VirtualSwitchPortGroupPolicyShapingGet::ExecuteInternal(
+    std::shared_ptr<Input> const& input, std::shared_ptr<Output> const& output) {
+  try {
+    std::string const& name = input->GetParameter(kPortgroupName);
+    auto group = HostCtl::Network::NetworkFactory::GetPortGroupByName(name);
+    if (!group) {
+      output->AddErrorMessage(kNotFound + name);
+      return;
+    }
+    HostCtl::Network::ShapingPolicy effective = group->GetEffectiveShapingPolicy();
+    HostCtl::Network::ShapingPolicy configured = group->GetConfiguredShapingPolicy();
+    auto result = GetOutputStructure();
+    FillShapingFields(*result, effective);
+    using HostCtl::Network::ShapingPolicy;
+    uint32_t mask = configured.setMask;
+    result->SetField(kOverrideEnabled, (mask & ShapingPolicy::ENABLED_BIT) != 0);
+    result->SetField(kOverrideAverage, (mask & ShapingPolicy::AVERAGE_BIT) != 0);
+    result->SetField(kOverridePeak, (mask & ShapingPolicy::PEAK_BIT) != 0);
+    result->SetField(kOverrideBurst, (mask & ShapingPolicy::BURST_BIT) != 0);
+    output->SetRootObject(result);
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

@@ -1,0 +1,76 @@
+#include "vswitch/VirtualSwitchPortGroupSet.h"
+
+#include <cstdint>
+#include <string>
+
+#include "hostctl/network_info.h"
+#include "hostctl/port_group.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kPortgroupName = "portgroup-name";
+const std::string kVlanId = "vlan-id";
+const std::string kNotFound = "Unable to find a port group with the name ";
+}  // namespace
+
+std::shared_ptr<VirtualSwitchPortGroupSet> VirtualSwitchPortGroupSet::New() {
+  return std::shared_ptr<VirtualSwitchPortGroupSet>(new VirtualSwitchPortGroupSet());
+}
+
+VirtualSwitchPortGroupSet::VirtualSwitchPortGroupSet() {
+  SetDescription("Set the vlan id for the given port group");
+}
+
+VirtualSwitchPortGroupSet::~VirtualSwitchPortGroupSet() = default;
+
+std::shared_ptr<InputSpec> VirtualSwitchPortGroupSet::GetInputSpecInternal() {
+  using HostCtl::Network::PortGroup;
+  auto spec = InputSpec::New();
+  auto portgroupName = ParameterSpec::New(kPortgroupName, Toolbase::CallSpec::String);
+  portgroupName->SetRequired(true);
+  portgroupName->SetShortName("p");
+  portgroupName->SetDescription("The name of the port group to set vlan id for.");
+  spec->AddParameter(portgroupName);
+  auto vlanId = ParameterSpec::New(kVlanId, Int);
+  vlanId->SetRequired(false);
+  vlanId->SetShortName("v");
+  vlanId->SetDescription("The vlan id for this port group. This value is in the range (" +
+                         std::to_string(PortGroup::MIN_VLAN_ID) + " - " +
+                         std::to_string(PortGroup::MAX_VLAN_ID) + ")");
+  auto range = ParameterConstraint::New(IntRange);
+  range->SetIntRange(PortGroup::MIN_VLAN_ID, PortGroup::MAX_VLAN_ID);
+  vlanId->SetConstraint(range);
+  spec->AddParameter(vlanId);
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> VirtualSwitchPortGroupSet::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaBool::New());
+  return spec;
+}
+
+void VirtualSwitchPortGroupSet::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                                std::shared_ptr<Output> const& output) {
+  try {
+    std::string const& name = input->GetParameter(kPortgroupName);
+    long vlanId = input->GetParameterInt(kVlanId);
+    auto group = HostCtl::Network::NetworkFactory::GetPortGroupByName(name);
+    if (!group) {
+      output->AddErrorMessage(kNotFound + name);
+      return;
+    }
+    group->SetVlanId(static_cast<uint16_t>(vlanId & 0xffff));
+    output->SetRootObject(MetaBool::New(true));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

@@ -1,0 +1,63 @@
+#include "vswitch/VirtualSwitchStandardRemove.h"
+
+#include <sstream>
+#include <string>
+
+#include "hostctl/virtual_switch.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kVswitchName = "vswitch-name";
+}  // namespace
+
+std::shared_ptr<VirtualSwitchStandardRemove> VirtualSwitchStandardRemove::New() {
+  return std::shared_ptr<VirtualSwitchStandardRemove>(new VirtualSwitchStandardRemove());
+}
+
+VirtualSwitchStandardRemove::VirtualSwitchStandardRemove() {
+  SetDescription("Remove a virtual switch from the Haldeni networking system.");
+}
+
+VirtualSwitchStandardRemove::~VirtualSwitchStandardRemove() = default;
+
+std::shared_ptr<InputSpec> VirtualSwitchStandardRemove::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  auto name = ParameterSpec::New(kVswitchName, Toolbase::CallSpec::String);
+  name->SetRequired(true);
+  name->SetShortName("v");
+  name->SetDescription("The name of the virtual switch to remove.");
+  spec->AddParameter(name);
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> VirtualSwitchStandardRemove::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaBool::New());
+  return spec;
+}
+
+void VirtualSwitchStandardRemove::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                                  std::shared_ptr<Output> const& output) {
+  try {
+    OrvkCtl::Network::VirtualSwitchInfoImpl switchInfo;
+    std::string const& name = input->GetParameter(kVswitchName);
+    if (!OrvkCtl::Network::PortsetImpl::IsValidVirtualSwitch(name)) {
+      std::ostringstream message;
+      message << "Unable to find virtual switch with the name " << name;
+      output->AddErrorMessage(message.str());
+      return;
+    }
+    switchInfo.RemoveVirtualSwitch(name);
+    output->SetRootObject(MetaBool::New(true));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

@@ -1,0 +1,108 @@
+#include "vswitch/VirtualSwitchStandardSet.h"
+
+#include <cstdint>
+#include <string>
+
+#include "hostctl/virtual_switch.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kVswitchName = "vswitch-name";
+const std::string kMtu = "mtu";
+const std::string kCdpStatus = "cdp-status";
+const std::string kDown = "down";
+const std::string kListen = "listen";
+const std::string kAdvertise = "advertise";
+const std::string kBoth = "both";
+
+// The library's number for a CDP status word; anything else is "both".
+int CdpStatusNumber(std::string const& word) {
+  if (word == kDown) return 0;
+  if (word == kListen) return 1;
+  if (word == kAdvertise) return 2;
+  return 3;
+}
+}  // namespace
+
+std::shared_ptr<VirtualSwitchStandardSet> VirtualSwitchStandardSet::New() {
+  return std::shared_ptr<VirtualSwitchStandardSet>(new VirtualSwitchStandardSet());
+}
+
+VirtualSwitchStandardSet::VirtualSwitchStandardSet() {
+  SetDescription("This command sets the MTU size and CDP status of a given virtual switch.");
+}
+
+VirtualSwitchStandardSet::~VirtualSwitchStandardSet() = default;
+
+std::shared_ptr<InputSpec> VirtualSwitchStandardSet::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  auto name = ParameterSpec::New(kVswitchName, Toolbase::CallSpec::String);
+  name->SetRequired(true);
+  name->SetShortName("v");
+  name->SetDescription("The name of virtual switch to apply the configurations.");
+  spec->AddParameter(name);
+  auto mtu = ParameterSpec::New(kMtu, Int);
+  mtu->SetRequired(false);
+  mtu->SetShortName("m");
+  mtu->SetDescription("The MTU size of the given virtual switch. ");
+  spec->AddParameter(mtu);
+  auto cdp = ParameterSpec::New(kCdpStatus, Toolbase::CallSpec::String);
+  cdp->SetRequired(false);
+  cdp->SetShortName("c");
+  cdp->SetDescription(
+      "The CDP status of the given virtual switch. It can be 'down', 'listen', 'advertise' or "
+      "'both'");
+  auto words = ParameterConstraint::New(StringEnum);
+  words->AddStringEnum(kDown, "CDP status is 'down'");
+  words->AddStringEnum(kListen, "CDP status is 'listen'");
+  words->AddStringEnum(kAdvertise, "CDP status is 'advertise'");
+  words->AddStringEnum(kBoth, "CDP status is 'both'");
+  cdp->SetConstraint(words);
+  spec->AddParameter(cdp);
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> VirtualSwitchStandardSet::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaBool::New());
+  return spec;
+}
+
+void VirtualSwitchStandardSet::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                               std::shared_ptr<Output> const& output) {
+  try {
+    OrvkCtl::Network::VirtualSwitchInfoImpl switchInfo;
+    std::string const& name = input->GetParameter(kVswitchName);
+    if (!OrvkCtl::Network::PortsetImpl::IsValidVirtualSwitch(name)) {
+      output->AddErrorMessage(name + " is not a valid name for a virtual switch");
+      return;
+    }
+    auto vswitch = switchInfo.GetVirtualSwitchByName(name);
+    if (!vswitch) {
+      output->AddErrorMessage("Unable to find a virtual switch with name " + name);
+      return;
+    }
+    if (input->HasParameter(kMtu)) {
+      auto mtu = static_cast<int32_t>(input->GetParameterInt(kMtu));
+      if (mtu < 0) {
+        output->AddErrorMessage("MTU size should be a positive value");
+        return;
+      }
+      vswitch->SetMTU(mtu);
+    }
+    if (input->HasParameter(kCdpStatus)) {
+      vswitch->SetCdpStatus(CdpStatusNumber(input->GetParameter(kCdpStatus)));
+    }
+    output->SetRootObject(MetaBool::New(true));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace
