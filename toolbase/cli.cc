@@ -171,7 +171,7 @@ void LoadPlugins(std::string const& directory, NamespaceNode& root) {
   }
   std::sort(files.begin(), files.end());
   for (auto const& file : files) {
-    void* handle = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* handle = dlopen(file.c_str(), RTLD_LAZY | RTLD_LOCAL);
     if (!handle) throw std::runtime_error("cannot load plug-in " + file.string() + ": " + dlerror());
     auto entry = reinterpret_cast<AutoCliRegisterNamespacesFn>(
         dlsym(handle, "AutoCli_RegisterNamespaces"));
