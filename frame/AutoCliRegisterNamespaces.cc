@@ -8,17 +8,59 @@
 #include "firewall/FirewallRefresh.h"
 #include "firewall/FirewallSet.h"
 #include "firewall/FirewallUnload.h"
+#include "ip/IpGet.h"
+#include "ip/IpInterfaceAdd.h"
+#include "ip/IpInterfaceIpv4Get.h"
+#include "ip/IpInterfaceIpv4Set.h"
+#include "ip/IpInterfaceIpv6AddressAdd.h"
+#include "ip/IpInterfaceIpv6AddressList.h"
+#include "ip/IpInterfaceIpv6AddressRemove.h"
+#include "ip/IpInterfaceIpv6Get.h"
+#include "ip/IpInterfaceIpv6Set.h"
+#include "ip/IpInterfaceList.h"
+#include "ip/IpInterfaceRemove.h"
+#include "ip/IpInterfaceSet.h"
+#include "ip/IpNetstackInstanceAdd.h"
+#include "ip/IpNetstackInstanceGet.h"
+#include "ip/IpNetstackInstanceList.h"
+#include "ip/IpNetstackInstanceRemove.h"
+#include "ip/IpNetstackInstanceSet.h"
 #include "ip/IpRouteIpv4Add.h"
 #include "ip/IpRouteIpv4List.h"
 #include "ip/IpRouteIpv4Remove.h"
 #include "ip/IpRouteIpv6Add.h"
 #include "ip/IpRouteIpv6List.h"
 #include "ip/IpRouteIpv6Remove.h"
+#include "ip/IpSet.h"
+#include "nic/NicCoalesceGet.h"
+#include "nic/NicCoalesceHighGet.h"
+#include "nic/NicCoalesceHighSet.h"
+#include "nic/NicCoalesceLowGet.h"
+#include "nic/NicCoalesceLowSet.h"
+#include "nic/NicCoalesceSet.h"
+#include "nic/NicCsoGet.h"
+#include "nic/NicCsoSet.h"
 #include "nic/NicDown.h"
 #include "nic/NicGet.h"
 #include "nic/NicList.h"
 #include "nic/NicNegotiationRestart.h"
+#include "nic/NicPauseParamsList.h"
+#include "nic/NicPauseParamsSet.h"
+#include "nic/NicRingCurrentGet.h"
+#include "nic/NicRingCurrentSet.h"
+#include "nic/NicRingPresetGet.h"
+#include "nic/NicSet.h"
+#include "nic/NicSgGet.h"
+#include "nic/NicSgSet.h"
+#include "nic/NicStatsGet.h"
+#include "nic/NicTsoGet.h"
+#include "nic/NicTsoSet.h"
 #include "nic/NicUp.h"
+#include "nic/NicVlanStatsGet.h"
+#include "nic/NicVlanStatsSet.h"
+#include "runtime/PortFilterStatsGet.h"
+#include "runtime/PortStatsGet.h"
+#include "vswitch/VirtualSwitchDVSCorvaneList.h"
 #include "vswitch/VirtualSwitchPortGroupAdd.h"
 #include "vswitch/VirtualSwitchPortGroupList.h"
 #include "vswitch/VirtualSwitchPortGroupPolicyFailoverGet.h"
@@ -51,6 +93,8 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   network->SetDescription("Operations that pertain to the maintenance of networking on an Halden host. This includes a wide variety of commands to manipulate virtual networking components (vswitch, portgroup, etc) as well as local host IP, DNS and general host networking settings.");
   auto ip = Namespace::New();
   ip->SetDescription("Operations that can be performed on orvknics");
+  ip->RegisterNamespaceNode(IpGet::New(), "get");
+  ip->RegisterNamespaceNode(IpSet::New(), "set");
   auto ip_neighbor = Namespace::New();
   ip_neighbor->SetDescription("Operations that can be performed on arp tables");
   ip->RegisterNamespaceNode(ip_neighbor, "neighbor");
@@ -92,16 +136,28 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   ip->RegisterNamespaceNode(ip_ipsec, "ipsec");
   auto ip_interface = Namespace::New();
   ip_interface->SetDescription("Operations having to do with the creation, management and deletion of Orvik network interfaces (orvknic).");
+  ip_interface->RegisterNamespaceNode(IpInterfaceAdd::New(), "add");
+  ip_interface->RegisterNamespaceNode(IpInterfaceRemove::New(), "remove");
+  ip_interface->RegisterNamespaceNode(IpInterfaceList::New(), "list");
+  ip_interface->RegisterNamespaceNode(IpInterfaceSet::New(), "set");
   auto ip_interface_ipv4 = Namespace::New();
   ip_interface_ipv4->SetDescription("Commands to get and set IPv4 settings for orvknic.");
+  ip_interface_ipv4->RegisterNamespaceNode(IpInterfaceIpv4Get::New(), "get");
+  ip_interface_ipv4->RegisterNamespaceNode(IpInterfaceIpv4Set::New(), "set");
   ip_interface->RegisterNamespaceNode(ip_interface_ipv4, "ipv4");
   auto ip_interface_ipv4_address = Namespace::New();
   ip_interface_ipv4_address->SetDescription("Commands for managing IPv4 addresses assigned to Orvik network interfaces.");
+  ip_interface_ipv4_address->RegisterNamespaceNode(IpInterfaceIpv4Get::New(), "list");
   ip_interface_ipv4->RegisterNamespaceNode(ip_interface_ipv4_address, "address");
   auto ip_interface_ipv6 = Namespace::New();
   ip_interface_ipv6->SetDescription("Commands to get and set IPv6 settings for orvknic.");
+  ip_interface_ipv6->RegisterNamespaceNode(IpInterfaceIpv6Set::New(), "set");
+  ip_interface_ipv6->RegisterNamespaceNode(IpInterfaceIpv6Get::New(), "get");
   auto ip_interface_ipv6_address = Namespace::New();
   ip_interface_ipv6_address->SetDescription("Commands to list and update IPv6 addresses assigned to the system.");
+  ip_interface_ipv6_address->RegisterNamespaceNode(IpInterfaceIpv6AddressList::New(), "list");
+  ip_interface_ipv6_address->RegisterNamespaceNode(IpInterfaceIpv6AddressAdd::New(), "add");
+  ip_interface_ipv6_address->RegisterNamespaceNode(IpInterfaceIpv6AddressRemove::New(), "remove");
   ip_interface_ipv6->RegisterNamespaceNode(ip_interface_ipv6_address, "address");
   ip_interface->RegisterNamespaceNode(ip_interface_ipv6, "ipv6");
   auto ip_interface_tag = Namespace::New();
@@ -111,6 +167,11 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   network->RegisterNamespaceNode(ip, "ip");
   auto ip_netstack = Namespace::New();
   ip_netstack->SetDescription("Operations having to do with the creation, management and deletion of Orvik Netstack Instances.");
+  ip_netstack->RegisterNamespaceNode(IpNetstackInstanceList::New(), "list");
+  ip_netstack->RegisterNamespaceNode(IpNetstackInstanceAdd::New(), "add");
+  ip_netstack->RegisterNamespaceNode(IpNetstackInstanceRemove::New(), "remove");
+  ip_netstack->RegisterNamespaceNode(IpNetstackInstanceGet::New(), "get");
+  ip_netstack->RegisterNamespaceNode(IpNetstackInstanceSet::New(), "set");
   ip->RegisterNamespaceNode(ip_netstack, "netstack");
   auto ip_hosts = Namespace::New();
   ip_hosts->SetDescription("Operations pertaining to /etc/hosts");
@@ -126,36 +187,54 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   nic->RegisterNamespaceNode(NicList::New(), "list");
   nic->RegisterNamespaceNode(NicUp::New(), "up");
   nic->RegisterNamespaceNode(NicGet::New(), "get");
+  nic->RegisterNamespaceNode(NicSet::New(), "set");
   nic->RegisterNamespaceNode(NicDown::New(), "down");
   auto nic_stats = Namespace::New();
   nic_stats->SetDescription("Get packet statistics for a NIC");
+  nic_stats->RegisterNamespaceNode(NicStatsGet::New(), "get");
   nic->RegisterNamespaceNode(nic_stats, "stats");
   auto nic_vlan = Namespace::New();
   nic_vlan->SetDescription("Get VLAN information for a NIC");
   nic->RegisterNamespaceNode(nic_vlan, "vlan");
   auto nic_vlan_stats = Namespace::New();
   nic_vlan_stats->SetDescription("Commands to access VLAN statistics for a NIC");
+  nic_vlan_stats->RegisterNamespaceNode(NicVlanStatsGet::New(), "get");
+  nic_vlan_stats->RegisterNamespaceNode(NicVlanStatsSet::New(), "set");
   nic_vlan->RegisterNamespaceNode(nic_vlan_stats, "stats");
   auto nic_coalesce = Namespace::New();
   nic_coalesce->SetDescription("Commands to access coalesce paramaters for a NIC");
+  nic_coalesce->RegisterNamespaceNode(NicCoalesceGet::New(), "get");
+  nic_coalesce->RegisterNamespaceNode(NicCoalesceSet::New(), "set");
   nic->RegisterNamespaceNode(nic_coalesce, "coalesce");
   auto nic_coalesce_low = Namespace::New();
   nic_coalesce_low->SetDescription("Commands to access coalesce parameters for a NIC at low packet rate");
+  nic_coalesce_low->RegisterNamespaceNode(NicCoalesceLowGet::New(), "get");
+  nic_coalesce_low->RegisterNamespaceNode(NicCoalesceLowSet::New(), "set");
   nic_coalesce->RegisterNamespaceNode(nic_coalesce_low, "low");
   auto nic_coalesce_high = Namespace::New();
   nic_coalesce_high->SetDescription("Commands to access coalesce parameters for a NIC at high packet rate");
+  nic_coalesce_high->RegisterNamespaceNode(NicCoalesceHighGet::New(), "get");
+  nic_coalesce_high->RegisterNamespaceNode(NicCoalesceHighSet::New(), "set");
   nic_coalesce->RegisterNamespaceNode(nic_coalesce_high, "high");
   auto nic_cso = Namespace::New();
   nic_cso->SetDescription("Commands to access checksum offload settings for a NIC");
+  nic_cso->RegisterNamespaceNode(NicCsoGet::New(), "get");
+  nic_cso->RegisterNamespaceNode(NicCsoSet::New(), "set");
   nic->RegisterNamespaceNode(nic_cso, "cso");
   auto nic_tso = Namespace::New();
   nic_tso->SetDescription("Commands to access TCP segmentation offload settings for a NIC");
+  nic_tso->RegisterNamespaceNode(NicTsoGet::New(), "get");
+  nic_tso->RegisterNamespaceNode(NicTsoSet::New(), "set");
   nic->RegisterNamespaceNode(nic_tso, "tso");
   auto nic_sg = Namespace::New();
   nic_sg->SetDescription("Commands to access scatter-gather settings for a NIC");
+  nic_sg->RegisterNamespaceNode(NicSgGet::New(), "get");
+  nic_sg->RegisterNamespaceNode(NicSgSet::New(), "set");
   nic->RegisterNamespaceNode(nic_sg, "sg");
   auto nic_pauseparams = Namespace::New();
   nic_pauseparams->SetDescription("Commands to access pause parameters for a NIC");
+  nic_pauseparams->RegisterNamespaceNode(NicPauseParamsList::New(), "list");
+  nic_pauseparams->RegisterNamespaceNode(NicPauseParamsSet::New(), "set");
   nic->RegisterNamespaceNode(nic_pauseparams, "pauseParams");
   auto nic_register = Namespace::New();
   nic_register->SetDescription("Commands to access registers for a NIC");
@@ -195,9 +274,12 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   nic_ring->SetDescription("Commands to access NIC RX/TX ring buffer parameters");
   auto nic_ring_preset = Namespace::New();
   nic_ring_preset->SetDescription("Commands to access preset maximums for NIC RX/TX ring buffer parameters.");
+  nic_ring_preset->RegisterNamespaceNode(NicRingPresetGet::New(), "get");
   nic_ring->RegisterNamespaceNode(nic_ring_preset, "preset");
   auto nic_ring_current = Namespace::New();
   nic_ring_current->SetDescription("Commands to access current NIC RX/TX ring buffer parameters");
+  nic_ring_current->RegisterNamespaceNode(NicRingCurrentGet::New(), "get");
+  nic_ring_current->RegisterNamespaceNode(NicRingCurrentSet::New(), "set");
   nic_ring->RegisterNamespaceNode(nic_ring_current, "current");
   nic->RegisterNamespaceNode(nic_ring, "ring");
   auto nic_hwcap = Namespace::New();
@@ -286,6 +368,7 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   vswitch_dvs->SetDescription("Commands to retrieve Distributed Virtual Switch information");
   auto vswitch_dvs_corvane = Namespace::New();
   vswitch_dvs_corvane->SetDescription("Commands to retrieve Corvane Tamarisk Distributed Switch information");
+  vswitch_dvs_corvane->RegisterNamespaceNode(VirtualSwitchDVSCorvaneList::New(), "list");
   vswitch_dvs->RegisterNamespaceNode(vswitch_dvs_corvane, "corvane");
   vswitch->RegisterNamespaceNode(vswitch_dvs, "dvs");
   network->RegisterNamespaceNode(vswitch, "vswitch");
@@ -314,12 +397,14 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   network->RegisterNamespaceNode(port, "port");
   auto port_stats = Namespace::New();
   port_stats->SetDescription("Commands to get port statistics");
+  port_stats->RegisterNamespaceNode(PortStatsGet::New(), "get");
   port->RegisterNamespaceNode(port_stats, "stats");
   auto port_filter = Namespace::New();
   port_filter->SetDescription("Commands to get port filter information");
   port->RegisterNamespaceNode(port_filter, "filter");
   auto port_filter_stats = Namespace::New();
   port_filter_stats->SetDescription("Commands to get port filter statistics");
+  port_filter_stats->RegisterNamespaceNode(PortFilterStatsGet::New(), "get");
   port_filter->RegisterNamespaceNode(port_filter_stats, "stats");
   auto vm = Namespace::New();
   vm->SetDescription("A set of commands for VM related operations");

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "hostctl/routing.h"
+#include "ip/NetstackOption.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -12,8 +13,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kNetstack = "netstack";
-const std::string kDefaultNetstack = "defaultTcpipStack";
 const std::string kNetwork = "Network";
 const std::string kNetmask = "Netmask";
 const std::string kGateway = "Gateway";
@@ -45,12 +44,7 @@ std::shared_ptr<MetaStruct> IpRouteIpv4List::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> IpRouteIpv4List::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto netstack = ParameterSpec::New(kNetstack, ParameterType::String);
-  netstack->SetRequired(false);
-  netstack->SetShortName("N");
-  netstack->SetDescription(
-      "The network stack instance; if unspecified, use the default netstack instance");
-  spec->AddParameter(netstack);
+  spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
   return spec;
 }
 
@@ -64,9 +58,9 @@ void IpRouteIpv4List::ExecuteInternal(std::shared_ptr<Input> const& input,
                                       std::shared_ptr<Output> const& output) {
   using OrvkCtl::Network::RoutingInfoImpl;
   try {
-    RoutingInfoImpl routingInfo(kDefaultNetstack);
-    if (input->HasParameter(kNetstack) && !input->GetParameter(kNetstack).empty()) {
-      routingInfo.SetNetstackInstanceKey(input->GetParameter(kNetstack));
+    RoutingInfoImpl routingInfo(kDefaultNetstackKey);
+    if (IsNetstackGiven(*input)) {
+      routingInfo.SetNetstackInstanceKey(NetstackOrDefault(*input));
     }
     auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
     for (auto const& route : routingInfo.GetCurrentOrvikRoutes()) {

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "hostctl/routing.h"
+#include "ip/NetstackOption.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -14,8 +15,6 @@ using namespace Toolbase::MetaObj;
 namespace {
 const std::string kNetwork = "network";
 const std::string kGateway = "gateway";
-const std::string kNetstack = "netstack";
-const std::string kDefaultNetstack = "defaultTcpipStack";
 }  // namespace
 
 std::shared_ptr<IpRouteIpv4Remove> IpRouteIpv4Remove::New() {
@@ -40,12 +39,7 @@ std::shared_ptr<InputSpec> IpRouteIpv4Remove::GetInputSpecInternal() {
   gateway->SetShortName("g");
   gateway->SetDescription("The Ipv4 address of the gateway through which a route to be removed");
   spec->AddParameter(gateway);
-  auto netstack = ParameterSpec::New(kNetstack, ParameterType::String);
-  netstack->SetRequired(false);
-  netstack->SetShortName("N");
-  netstack->SetDescription(
-      "The network stack instance; if unspecified, use the default netstack instance");
-  spec->AddParameter(netstack);
+  spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
   return spec;
 }
 
@@ -59,9 +53,9 @@ void IpRouteIpv4Remove::ExecuteInternal(std::shared_ptr<Input> const& input,
                                         std::shared_ptr<Output> const& output) {
   using OrvkCtl::Network::RoutingInfoImpl;
   try {
-    RoutingInfoImpl routingInfo(kDefaultNetstack);
-    if (input->HasParameter(kNetstack) && !input->GetParameter(kNetstack).empty()) {
-      routingInfo.SetNetstackInstanceKey(input->GetParameter(kNetstack));
+    RoutingInfoImpl routingInfo(kDefaultNetstackKey);
+    if (IsNetstackGiven(*input)) {
+      routingInfo.SetNetstackInstanceKey(NetstackOrDefault(*input));
     }
     HostCtl::Network::Ipv4Address gateway(input->GetParameter(kGateway));
     std::string const& text = input->GetParameter(kNetwork);

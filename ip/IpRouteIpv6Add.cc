@@ -3,6 +3,7 @@
 #include <string>
 
 #include "hostctl/routing.h"
+#include "ip/NetstackOption.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -14,8 +15,6 @@ using namespace Toolbase::MetaObj;
 namespace {
 const std::string kNetwork = "network";
 const std::string kGateway = "gateway";
-const std::string kNetstack = "netstack";
-const std::string kDefaultNetstack = "defaultTcpipStack";
 }  // namespace
 
 std::shared_ptr<IpRouteIpv6Add> IpRouteIpv6Add::New() {
@@ -40,12 +39,7 @@ std::shared_ptr<InputSpec> IpRouteIpv6Add::GetInputSpecInternal() {
   gateway->SetShortName("g");
   gateway->SetDescription("The Ipv6 address of the gateway through which a route to be added.");
   spec->AddParameter(gateway);
-  auto netstack = ParameterSpec::New(kNetstack, ParameterType::String);
-  netstack->SetRequired(false);
-  netstack->SetShortName("N");
-  netstack->SetDescription(
-      "The network stack instance; if unspecified, use the default netstack instance");
-  spec->AddParameter(netstack);
+  spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
   return spec;
 }
 
@@ -58,9 +52,9 @@ std::shared_ptr<OutputSpec> IpRouteIpv6Add::GetOutputSpecInternal() {
 void IpRouteIpv6Add::ExecuteInternal(std::shared_ptr<Input> const& input,
                                      std::shared_ptr<Output> const& output) {
   try {
-    OrvkCtl::Network::RoutingInfoImpl routingInfo(kDefaultNetstack);
-    if (input->HasParameter(kNetstack) && !input->GetParameter(kNetstack).empty()) {
-      routingInfo.SetNetstackInstanceKey(input->GetParameter(kNetstack));
+    OrvkCtl::Network::RoutingInfoImpl routingInfo(kDefaultNetstackKey);
+    if (IsNetstackGiven(*input)) {
+      routingInfo.SetNetstackInstanceKey(NetstackOrDefault(*input));
     }
     HostCtl::Network::Ipv6Address gateway(input->GetParameter(kGateway));
     std::string const& network = input->GetParameter(kNetwork);

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "hostctl/routing.h"
+#include "ip/NetstackOption.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -14,8 +15,6 @@ using namespace Toolbase::MetaObj;
 namespace {
 const std::string kNetwork = "network";
 const std::string kGateway = "gateway";
-const std::string kNetstack = "netstack";
-const std::string kDefaultNetstack = "defaultTcpipStack";
 }  // namespace
 
 std::shared_ptr<IpRouteIpv6Remove> IpRouteIpv6Remove::New() {
@@ -40,12 +39,7 @@ std::shared_ptr<InputSpec> IpRouteIpv6Remove::GetInputSpecInternal() {
   gateway->SetShortName("g");
   gateway->SetDescription("The Ipv6 address of the gateway through which a route to be removed");
   spec->AddParameter(gateway);
-  auto netstack = ParameterSpec::New(kNetstack, ParameterType::String);
-  netstack->SetRequired(false);
-  netstack->SetShortName("N");
-  netstack->SetDescription(
-      "The network stack instance; if unspecified, use the default netstack instance");
-  spec->AddParameter(netstack);
+  spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
   return spec;
 }
 
@@ -59,14 +53,14 @@ void IpRouteIpv6Remove::ExecuteInternal(std::shared_ptr<Input> const& input,
                                         std::shared_ptr<Output> const& output) {
   using OrvkCtl::Network::RoutingInfoImpl;
   try {
-    RoutingInfoImpl routingInfo(kDefaultNetstack);
+    RoutingInfoImpl routingInfo(kDefaultNetstackKey);
     // Both addresses are read before the instance is chosen.
     HostCtl::Network::Ipv6Address gateway(input->GetParameter(kGateway));
     std::string const& text = input->GetParameter(kNetwork);
     HostCtl::Network::Ipv6Network network = text == "default" ? RoutingInfoImpl::DEFAULT_IPV6_ROUTE
                                                               : HostCtl::Network::Ipv6Network(text);
-    if (input->HasParameter(kNetstack) && !input->GetParameter(kNetstack).empty()) {
-      routingInfo.SetNetstackInstanceKey(input->GetParameter(kNetstack));
+    if (IsNetstackGiven(*input)) {
+      routingInfo.SetNetstackInstanceKey(NetstackOrDefault(*input));
     }
     if (!(network == RoutingInfoImpl::DEFAULT_IPV6_ROUTE)) {
       routingInfo.RemoveIpv6OrvikRoute(network, gateway);

@@ -6,13 +6,36 @@ namespace OrvkCtl::Sim {
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(LinkModeState, speed, duplex, media)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(PauseState, supported, auto_negotiation, rx, tx,
                                                 rx_resolution, tx_resolution)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(OffloadState, rx_checksum, tx_checksum,
+                                                scatter_gather, tcp_segmentation, large_receive,
+                                                generic_receive, engine, can_checksum,
+                                                can_scatter_gather, can_tcp_segmentation)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(CoalesceState, supported, max_microseconds,
+                                                max_frames, adaptive_rx, adaptive_tx,
+                                                stats_block_usecs, sample_interval, pkt_rate_low,
+                                                pkt_rate_high, rx_usecs, rx_frames, rx_usecs_irq,
+                                                rx_frames_irq, tx_usecs, tx_frames, tx_usecs_irq,
+                                                tx_frames_irq, rx_usecs_low, rx_frames_low,
+                                                tx_usecs_low, tx_frames_low, rx_usecs_high,
+                                                rx_frames_high, tx_usecs_high, tx_frames_high)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(RingState, supported, max_rx, max_rx_mini,
+                                                max_rx_jumbo, max_tx, rx, rx_mini, rx_jumbo, tx)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(NicStatsState, tx_packets, rx_packets, tx_bytes,
+                                                rx_bytes, tx_errors, rx_errors, tx_dropped,
+                                                rx_dropped, rx_multicast, rx_broadcast,
+                                                tx_multicast, tx_broadcast, rx_length_errors,
+                                                rx_over_errors, rx_crc_errors, rx_frame_errors,
+                                                rx_fifo_errors, rx_missed_errors, tx_aborted_errors,
+                                                tx_fifo_errors, tx_carrier_errors,
+                                                tx_heartbeat_errors, tx_window_errors, collisions)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(VlanStatsState, vlan_id, rx_packets, tx_packets)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(
     PnicState, name, pci_address, pci_vendor, pci_device, pseudo_descriptor, driver, driver_version,
     firmware_version, mac, mtu, admin_up, carrier, speed, duplex, supported_ports, port,
     supported_link_modes, advertised_link_modes, supports_auto_negotiation,
     advertised_auto_negotiation, auto_negotiation, phy_address, transceiver, supports_wake_on,
     supported_wake_on, wake_on, supports_message_level, message_level, virtual_address, pause,
-    negotiation_restarts)
+    negotiation_restarts, offload, coalesce, ring, stats, vlan_stats_enabled, vlan_stats)
 
 void to_json(nlohmann::json& j, NicArea const& area) {
   j = nlohmann::json::object();

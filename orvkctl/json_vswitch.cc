@@ -19,15 +19,24 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(StandardSwitchState, name, confi
                                                 vlan_tagging, uplinks, teaming, security, shaping,
                                                 port_groups)
 
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(DVPortState, id, portgroup_id, connection_id)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(DistributedSwitchState, name, id, configured_ports,
+                                                mtu, cdp_status, beacon_timeout, corvane_branded,
+                                                uplinks, ports)
+
 void to_json(nlohmann::json& j, VswitchArea const& area) {
   j = nlohmann::json::object();
   j["standard_switches"] = area.standard_switches;
+  j["distributed_switches"] = area.distributed_switches;
 }
 
 void from_json(nlohmann::json const& j, VswitchArea& area) {
   area = VswitchArea();
   if (j.contains("standard_switches")) {
     area.standard_switches = j.at("standard_switches").get<std::vector<StandardSwitchState>>();
+  }
+  if (j.contains("distributed_switches")) {
+    j.at("distributed_switches").get_to(area.distributed_switches);
   }
 }
 

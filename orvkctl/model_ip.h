@@ -37,13 +37,119 @@ struct NetstackRoutes {
   bool operator==(NetstackRoutes const&) const = default;
 };
 
-struct IpArea {
-  // One routing table per netstack instance, by key.
-  std::vector<NetstackRoutes> routes;
+// One IPv6 address of an interface: "<address>/<prefix length>" with the
+// address as configured, and the type and status numbers the host reports
+// (type 0 static, 7 autoconf, 9 DHCP; status 0 preferred, 2 tentative, 3
+// duplicated, 5 deprecated).
+struct Ipv6AddressState {
+  std::string address;
+  uint32_t type = 0;
+  uint32_t status = 0;
+
+  bool operator==(Ipv6AddressState const&) const = default;
 };
+
+// The IP configuration of one interface. `ipv4_mode` is "static", "dhcp" or
+// "none"; addresses are canonical texts, "0.0.0.0" and "::" for none.
+struct IpConfigState {
+  std::string ipv4_mode = "none";
+  std::string ipv4_address = "0.0.0.0";
+  std::string ipv4_netmask = "0.0.0.0";
+  std::string ipv4_gateway = "0.0.0.0";
+  bool dhcp_dns = false;
+  bool ipv6_enabled = false;
+  bool ipv6_dhcp = false;
+  bool ipv6_router_adv = false;
+  bool ipv6_dhcp_dns = false;
+  std::string ipv6_gateway = "::";
+  std::vector<Ipv6AddressState> ipv6_addresses;
+
+  bool operator==(IpConfigState const&) const = default;
+};
+
+// One Orvik network interface. It hangs on a connection point: a port group
+// of a standard switch (`connection_type` 1, `portgroup`), a port of a
+// distributed switch (2: `dvs_uuid`, `dvport_id`, `connection_id`) or an
+// opaque network (3: `opaque_network_id`, `opaque_network_type`,
+// `external_id`). `portset` is the switch behind it: the standard switch's
+// name, or the distributed switch's name. Its switch port is the port of the
+// runtime area whose client is the interface.
+struct InterfaceState {
+  std::string name;
+  std::string mac;
+  std::string netstack = "defaultTcpipStack";
+  uint32_t mtu = 1500;
+  uint32_t num_rx_queue = 1;
+  uint32_t tso_mss = 65535;
+  bool enabled = true;
+  int connection_type = 1;
+  std::string portset;
+  std::string portgroup;
+  std::string dvs_uuid;
+  std::string dvport_id;
+  uint32_t connection_id = 0;
+  std::string opaque_network_id;
+  std::string opaque_network_type;
+  std::string external_id;
+  // Tag numbers, in the order they were set.
+  std::vector<int> tags;
+  // The configuration in force, and the one stored for the next boot.
+  IpConfigState ip;
+  IpConfigState configured_ip;
+
+  bool operator==(InterfaceState const&) const = default;
+};
+
+// The state word of a netstack instance that is up (created in the kernel);
+// an instance that exists only in the configuration has state 0.
+constexpr uint32_t kNetstackStateUp = 0x1234;
+
+// One netstack instance. Some settings apply only when the instance is
+// created in the kernel: for those the configured value and the value in
+// force are kept apart.
+struct NetstackState {
+  std::string key;
+  std::string name;
+  uint32_t state = 0;
+  uint32_t max_connections = 11000;
+  uint32_t current_max_connections = 0;
+  std::string cc_algorithm = "newreno";
+  bool ipv6_enabled = true;
+  bool current_ipv6_enabled = false;
+  // "disabled", "enabled" or "echo-only".
+  std::string ecn_status = "enabled";
+  // Passed through from the creator; the host keeps it with the instance.
+  uint32_t flags = 0;
+
+  bool operator==(NetstackState const&) const = default;
+};
+
+struct IpArea {
+  // Whether IPv6 is on for the whole IP stack, as configured: it takes
+  // effect at the next boot.
+  bool ipv6_enabled = true;
+  // All netstack instances, configured and running, in the order made.
+  std::vector<NetstackState> netstacks;
+  // One routing table per netstack instance, by key: exactly one for each
+  // instance of `netstacks`.
+  std::vector<NetstackRoutes> routes;
+  // The host's Orvik network interfaces, in the order they were made.
+  std::vector<InterfaceState> interfaces;
+  // Command lines the library was asked to run, oldest first. The simulated
+  // host records them and runs nothing.
+  std::vector<std::string> executed_commands;
+};
+
+// The netstack instance with that key, or null.
+NetstackState* FindNetstack(IpArea& area, std::string const& key);
+NetstackState const* FindNetstack(IpArea const& area, std::string const& key);
 
 // The routing state of the netstack instance with that key, or null.
 NetstackRoutes* FindNetstackRoutes(IpArea& area, std::string const& netstack);
 NetstackRoutes const* FindNetstackRoutes(IpArea const& area, std::string const& netstack);
+
+// The interface of that name, or null.
+InterfaceState* FindInterface(IpArea& area, std::string const& name);
+InterfaceState const* FindInterface(IpArea const& area, std::string const& name);
 
 }  // namespace OrvkCtl::Sim

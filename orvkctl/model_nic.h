@@ -28,6 +28,108 @@ struct PauseState {
   bool operator==(PauseState const&) const = default;
 };
 
+// Offloads of a device: what it can do and what is on.
+struct OffloadState {
+  bool rx_checksum = false;
+  bool tx_checksum = false;
+  bool scatter_gather = false;
+  bool tcp_segmentation = false;
+  bool large_receive = false;
+  bool generic_receive = false;
+  std::string engine;  // the driver's word for its offload engine
+  bool can_checksum = false;
+  bool can_scatter_gather = false;
+  bool can_tcp_segmentation = false;
+
+  bool operator==(OffloadState const&) const = default;
+};
+
+// Interrupt coalescing of a device. `supported` false: the driver has none,
+// and every read or write fails.
+struct CoalesceState {
+  bool supported = false;
+  uint32_t max_microseconds = 0;  // hardware limits of every *_usecs value
+  uint32_t max_frames = 0;        // and of every *_frames value
+  bool adaptive_rx = false;
+  bool adaptive_tx = false;
+  uint32_t stats_block_usecs = 0;
+  uint32_t sample_interval = 0;
+  uint32_t pkt_rate_low = 0;
+  uint32_t pkt_rate_high = 0;
+  uint32_t rx_usecs = 0;
+  uint32_t rx_frames = 0;
+  uint32_t rx_usecs_irq = 0;
+  uint32_t rx_frames_irq = 0;
+  uint32_t tx_usecs = 0;
+  uint32_t tx_frames = 0;
+  uint32_t tx_usecs_irq = 0;
+  uint32_t tx_frames_irq = 0;
+  uint32_t rx_usecs_low = 0;
+  uint32_t rx_frames_low = 0;
+  uint32_t tx_usecs_low = 0;
+  uint32_t tx_frames_low = 0;
+  uint32_t rx_usecs_high = 0;
+  uint32_t rx_frames_high = 0;
+  uint32_t tx_usecs_high = 0;
+  uint32_t tx_frames_high = 0;
+
+  bool operator==(CoalesceState const&) const = default;
+};
+
+// Ring sizes in entries. A maximum of 0 means the device has no such ring.
+struct RingState {
+  bool supported = false;
+  uint32_t max_rx = 0;
+  uint32_t max_rx_mini = 0;
+  uint32_t max_rx_jumbo = 0;
+  uint32_t max_tx = 0;
+  uint32_t rx = 0;
+  uint32_t rx_mini = 0;
+  uint32_t rx_jumbo = 0;
+  uint32_t tx = 0;
+
+  bool operator==(RingState const&) const = default;
+};
+
+// Counters of a device since its driver was loaded.
+struct NicStatsState {
+  uint64_t tx_packets = 0;
+  uint64_t rx_packets = 0;
+  uint64_t tx_bytes = 0;
+  uint64_t rx_bytes = 0;
+  uint64_t tx_errors = 0;
+  uint64_t rx_errors = 0;
+  uint64_t tx_dropped = 0;
+  uint64_t rx_dropped = 0;
+  uint64_t rx_multicast = 0;
+  uint64_t rx_broadcast = 0;
+  uint64_t tx_multicast = 0;
+  uint64_t tx_broadcast = 0;
+  uint64_t rx_length_errors = 0;
+  uint64_t rx_over_errors = 0;
+  uint64_t rx_crc_errors = 0;
+  uint64_t rx_frame_errors = 0;
+  uint64_t rx_fifo_errors = 0;
+  uint64_t rx_missed_errors = 0;
+  uint64_t tx_aborted_errors = 0;
+  uint64_t tx_fifo_errors = 0;
+  uint64_t tx_carrier_errors = 0;
+  uint64_t tx_heartbeat_errors = 0;
+  uint64_t tx_window_errors = 0;
+  uint64_t collisions = 0;
+
+  bool operator==(NicStatsState const&) const = default;
+};
+
+// Packets of one VLAN through an uplink while VLAN statistics are on.
+struct VlanStatsState {
+  uint16_t vlan_id = 0;
+  uint64_t rx_packets = 0;
+  uint64_t tx_packets = 0;
+
+  bool operator==(VlanStatsState const&) const = default;
+};
+
 // One physical uplink. A device on the PCI bus has a PCI address; one without
 // (USB, ACPI) has an empty address and a pseudo descriptor of the form
 // "<kind>:<vendor>:<device>", e.g. "USB-NIC:Acme:Net100".
@@ -68,6 +170,14 @@ struct PnicState {
   std::string virtual_address;
 
   PauseState pause;
+  OffloadState offload;
+  CoalesceState coalesce;
+  RingState ring;
+  NicStatsState stats;
+  // Per-VLAN counters, kept by the switch the uplink is connected to; empty
+  // while collection is off.
+  bool vlan_stats_enabled = false;
+  std::vector<VlanStatsState> vlan_stats;
   // How often the driver was asked to negotiate the link again.
   uint32_t negotiation_restarts = 0;
 

@@ -35,4 +35,16 @@ PortGroupState const* FindPortGroup(VswitchArea const& area, std::string const& 
   return group;
 }
 
+DistributedSwitchState* FindDistributedSwitch(VswitchArea& area, std::string const& name) {
+  for (auto& dvs : area.distributed_switches) {
+    if (dvs.name == name) return &dvs;
+  }
+  return nullptr;
+}
+
+DistributedSwitchState const* FindDistributedSwitch(VswitchArea const& area,
+                                                    std::string const& name) {
+  return FindDistributedSwitch(const_cast<VswitchArea&>(area), name);
+}
+
 }  // namespace OrvkCtl::Sim

@@ -69,9 +69,41 @@ struct StandardSwitchState {
   std::vector<PortGroupState> port_groups;
 };
 
+// One port of a distributed switch. Whether it is in use, and by whom, is
+// told by the switch ports of the runtime area that carry its id.
+struct DVPortState {
+  std::string id;
+  std::string portgroup_id;
+  // The connection id of the interface or VM attached to it; 0 for none.
+  uint32_t connection_id = 0;
+};
+
+// A distributed switch the host takes part in. It is configured from outside
+// the host: the host only reports it.
+struct DistributedSwitchState {
+  std::string name;
+  // The switch's UUID, as 16 hex bytes separated by blanks and a dash.
+  std::string id;
+  int configured_ports = 0;
+  int mtu = 1500;
+  int cdp_status = 1;  // 0 down, 1 listen, 2 advertise, 3 both
+  // Seconds; -1 while beaconing is off.
+  int beacon_timeout = -1;
+  bool corvane_branded = true;
+  // Uplink ports, physical NICs or not (LAG members), in the switch's order.
+  std::vector<std::string> uplinks;
+  std::vector<DVPortState> ports;
+};
+
 struct VswitchArea {
   std::vector<StandardSwitchState> standard_switches;
+  std::vector<DistributedSwitchState> distributed_switches;
 };
+
+// The distributed switch of that name, or null.
+DistributedSwitchState* FindDistributedSwitch(VswitchArea& area, std::string const& name);
+DistributedSwitchState const* FindDistributedSwitch(VswitchArea const& area,
+                                                    std::string const& name);
 
 // The standard switch of that name, or null.
 StandardSwitchState* FindStandardSwitch(VswitchArea& area, std::string const& name);

@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <iterator>
+
 #include "fault.h"
 #include "host_store.h"
 #include "hostctl/pnic.h"
@@ -56,6 +59,18 @@ std::vector<HostCtl::Network::WakeOnMode> WakeOnModes(std::vector<uint32_t> cons
   return result;
 }
 
+char const* WakeOnWord(HostCtl::Network::WakeOnMode mode) {
+  static char const* const kWords[] = {"PHY activity",      "unicast",     "multicast",
+                                       "broadcast",         "ARP",         "magic packet",
+                                       "SecureOn password", "unsupported", "disabled"};
+  auto value = static_cast<uint32_t>(mode);
+  return value < std::size(kWords) ? kWords[value] : "unknown";
+}
+
+bool Contains(std::vector<uint32_t> const& values, uint32_t value) {
+  return std::find(values.begin(), values.end(), value) != values.end();
+}
+
 }  // namespace
 
 PnicImpl::PnicImpl(std::string const& name) : name_(name) {}
@@ -71,6 +86,15 @@ void PnicImpl::Refresh() {
 PnicState const& PnicImpl::Cached() {
   EnsureFresh();
   return *cached_;
+}
+
+void PnicImpl::Change(std::function<void(PnicState&)> const& change) {
+  Sim::ChangeHost([&](Sim::HostModel& host) {
+    auto* nic = Sim::FindPnic(host.nic, name_);
+    if (!nic) throw NotFound(name_);
+    change(*nic);
+  });
+  MarkStale();
 }
 
 std::string PnicImpl::GetName() {
@@ -135,12 +159,7 @@ bool PnicImpl::IsLinkStatusUp() {
 
 void PnicImpl::SetAdminUp(bool up) {
   CheckFault("PnicImpl::SetAdminUp");
-  Sim::ChangeHost([&](Sim::HostModel& host) {
-    auto* nic = Sim::FindPnic(host.nic, name_);
-    if (!nic) throw NotFound(name_);
-    nic->admin_up = up;
-  });
-  MarkStale();
+  Change([&](PnicState& nic) { nic.admin_up = up; });
 }
 
 void PnicImpl::GetInfo(HostCtl::Network::PnicInfo& info) {
@@ -162,6 +181,138 @@ void PnicImpl::GetInfo(HostCtl::Network::PnicInfo& info) {
   info.messageLevel = nic.message_level;
   info.virtualAddress = nic.virtual_address;
   info.linkStatus = LinkUp(nic) ? "Up" : "Down";
+}
+
+void PnicImpl::SetInfo(HostCtl::Network::PnicInfo const& info) {
+  CheckFault("PnicImpl::SetInfo");
+  Change([&](PnicState& nic) {
+    if (info.portChanged) {
+      if (!Contains(nic.supported_ports, info.port)) {
+        throw HostCtlException("Port type " + std::to_string(info.port) + " is not supported by " +
+                               name_);
+      }
+      nic.port = info.port;
+    }
+    if (info.phyAddressChanged) {
+      if (info.phyAddress > 31) {
+        throw HostCtlException("PHY address " + std::to_string(info.phyAddress) + " of " + name_ +
+                               " is out of range 0 to 31");
+      }
+      nic.phy_address = info.phyAddress;
+    }
+    if (info.virtualAddressChanged) {
+      if (!HostCtl::Network::MacAddress::IsValid(info.virtualAddress)) {
+        throw HostCtlException("Invalid virtual address " + info.virtualAddress + " for " + name_);
+      }
+      HostCtl::Network::MacAddress address(info.virtualAddress);
+      if (address.GetBytes()[0] & 1) {
+        throw HostCtlException("Virtual address " + info.virtualAddress + " for " + name_ +
+                               " is not a unicast address");
+      }
+      nic.virtual_address = address.GetStringAddress();
+    }
+    if (info.transceiverChanged) {
+      if (info.transceiver > 1) {
+        throw HostCtlException("Transceiver type " + std::to_string(info.transceiver) +
+                               " is not supported by " + name_);
+      }
+      nic.transceiver = info.transceiver;
+    }
+    if (info.wakeOnChanged) {
+      if (!nic.supports_wake_on) throw HostCtlException(name_ + " does not support wake-on-LAN");
+      std::vector<uint32_t> modes;
+      for (auto mode : info.wakeOnModes) {
+        auto value = static_cast<uint32_t>(mode);
+        if (!Contains(nic.supported_wake_on, value)) {
+          throw HostCtlException(std::string("Wake-on-LAN by ") + WakeOnWord(mode) +
+                                 " is not supported by " + name_);
+        }
+        if (!Contains(modes, value)) modes.push_back(value);
+      }
+      std::sort(modes.begin(), modes.end());
+      nic.wake_on = modes;
+    }
+    if (info.messageLevelChanged) {
+      if (!nic.supports_message_level) {
+        throw HostCtlException("The driver of " + name_ + " has no message level");
+      }
+      nic.message_level = info.messageLevel;
+    }
+  });
+}
+
+void PnicImpl::SetSpeedAndDuplex(uint32_t speed, int32_t duplex) {
+  CheckFault("PnicImpl::SetSpeedAndDuplex");
+  Change([&](PnicState& nic) {
+    if (speed == 0 && duplex == HostCtl::Network::DUPLEX_AUTO) {
+      if (!nic.supports_auto_negotiation) {
+        throw HostCtlException(name_ + " does not support auto negotiation");
+      }
+      nic.auto_negotiation = true;
+      nic.advertised_auto_negotiation = true;
+      nic.advertised_link_modes = nic.supported_link_modes;
+      // The partner agrees on the best mode both sides offer.
+      nic.speed = 0;
+      nic.duplex = HostCtl::Network::DUPLEX_HALF;
+      for (auto const& mode : nic.supported_link_modes) {
+        auto fast = static_cast<uint32_t>(mode.speed);
+        if (fast > nic.speed ||
+            (fast == nic.speed && mode.duplex == HostCtl::Network::DUPLEX_FULL)) {
+          nic.speed = fast;
+          nic.duplex = mode.duplex;
+        }
+      }
+      return;
+    }
+    if (duplex != HostCtl::Network::DUPLEX_FULL && duplex != HostCtl::Network::DUPLEX_HALF) {
+      throw HostCtlException("Invalid duplex " + std::to_string(duplex) + " for " + name_);
+    }
+    std::vector<Sim::LinkModeState> matching;
+    for (auto const& mode : nic.supported_link_modes) {
+      if (static_cast<uint32_t>(mode.speed) == speed &&
+          mode.duplex == static_cast<uint32_t>(duplex)) {
+        matching.push_back(mode);
+      }
+    }
+    if (matching.empty()) {
+      throw HostCtlException("Speed " + std::to_string(speed) + " Mbps " +
+                             (duplex == HostCtl::Network::DUPLEX_FULL ? "full" : "half") +
+                             " duplex is not supported by " + name_);
+    }
+    nic.auto_negotiation = false;
+    nic.advertised_auto_negotiation = false;
+    nic.advertised_link_modes = matching;
+    nic.speed = speed;
+    nic.duplex = static_cast<uint32_t>(duplex);
+    // Without negotiation there is nothing to resolve pause frames with.
+    nic.pause.auto_negotiation = false;
+    nic.pause.rx_resolution = 0;
+    nic.pause.tx_resolution = 0;
+  });
+}
+
+void PnicImpl::SetPauseParams(HostCtl::Network::PnicPauseParams& params) {
+  CheckFault("PnicImpl::SetPauseParams");
+  Change([&](PnicState& nic) {
+    if (!nic.pause.supported) {
+      throw HostCtlException("Pause parameters are not supported by " + name_);
+    }
+    if (params.autoNegotiation && !nic.auto_negotiation) {
+      throw HostCtlException("Unable to negotiate pause frames on " + name_ +
+                             ": link auto negotiation is disabled");
+    }
+    nic.pause.auto_negotiation = params.autoNegotiation;
+    nic.pause.rx = params.rx;
+    nic.pause.tx = params.tx;
+    if (params.autoNegotiation) {
+      // The partner takes what is advertised.
+      nic.pause.rx_resolution = params.rx ? 1 : 2;
+      nic.pause.tx_resolution = params.tx ? 1 : 2;
+    } else {
+      nic.pause.rx_resolution = 0;
+      nic.pause.tx_resolution = 0;
+    }
+  });
 }
 
 void PnicImpl::GetPauseParams(HostCtl::Network::PnicPauseParams& params) {
@@ -186,19 +337,16 @@ void PnicImpl::GetDriverInfo(HostCtl::Network::PnicDriverInfo& info) {
 
 void PnicImpl::RestartNegotiation() {
   CheckFault("PnicImpl::RestartNegotiation");
-  Sim::ChangeHost([&](Sim::HostModel& host) {
-    auto* nic = Sim::FindPnic(host.nic, name_);
-    if (!nic) throw NotFound(name_);
-    if (!nic->admin_up) {
+  Change([&](PnicState& nic) {
+    if (!nic.admin_up) {
       throw HostCtlException("Unable to restart negotiation on " + name_ + ": device is down");
     }
-    if (!nic->auto_negotiation) {
+    if (!nic.auto_negotiation) {
       throw HostCtlException("Unable to restart negotiation on " + name_ +
                              ": auto negotiation is disabled");
     }
-    ++nic->negotiation_restarts;
+    ++nic.negotiation_restarts;
   });
-  MarkStale();
 }
 
 }  // namespace OrvkCtl::Network

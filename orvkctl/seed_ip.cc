@@ -1,12 +1,29 @@
 // The default host's IP stack: the management interface orvk0 holds
 // 192.168.10.21/24 and 2001:db8:10::21/64 on the default netstack instance,
 // with a default gateway for each family and a static route to the backup
-// network behind 192.168.10.254.
+// network behind 192.168.10.254. Beside the default instance, the dedicated
+// instance "livehop" is up, with no interface yet. orvk0 hangs on port group
+// "Management Network" of vSwitch0.
 #include "host_model.h"
 
 namespace OrvkCtl::Sim {
 
 void SeedIp(HostModel& host) {
+  InterfaceState orvk0;
+  orvk0.name = "orvk0";
+  orvk0.mac = "d2:6e:a0:00:10:00";
+  orvk0.portset = "vSwitch0";
+  orvk0.portgroup = "Management Network";
+  orvk0.tags = {1};  // management
+  orvk0.ip.ipv4_mode = "static";
+  orvk0.ip.ipv4_address = "192.168.10.21";
+  orvk0.ip.ipv4_netmask = "255.255.255.0";
+  orvk0.ip.ipv4_gateway = "192.168.10.1";
+  orvk0.ip.ipv6_enabled = true;
+  orvk0.ip.ipv6_addresses = {{"fe80::d06e:a0ff:fe00:1000/64", 0, 0}, {"2001:db8:10::21/64", 0, 0}};
+  orvk0.configured_ip = orvk0.ip;
+  host.ip.interfaces = {orvk0};
+
   NetstackRoutes routes;
   routes.netstack = "defaultTcpipStack";
   routes.ipv4 = {
@@ -21,7 +38,37 @@ void SeedIp(HostModel& host) {
       {"2001:db8:10::/64", "::", "orvk0", "MANUAL"},
   };
   routes.ipv6_config_gateway = "fe80::1";
-  host.ip.routes = {routes};
+  NetstackRoutes livehopRoutes;
+  livehopRoutes.netstack = "livehop";
+  host.ip.routes = {routes, livehopRoutes};
+
+  NetstackState defaultStack;
+  defaultStack.key = "defaultTcpipStack";
+  defaultStack.name = "defaultTcpipStack";
+  defaultStack.state = kNetstackStateUp;
+  defaultStack.max_connections = 11000;
+  defaultStack.current_max_connections = 11000;
+  defaultStack.cc_algorithm = "newreno";
+  defaultStack.current_ipv6_enabled = true;
+  defaultStack.flags = 2;
+  NetstackState livehop = defaultStack;
+  livehop.key = "livehop";
+  livehop.name = "livehop";
+  livehop.max_connections = livehop.current_max_connections = 5000;
+  livehop.cc_algorithm = "cubic";
+  host.ip.ipv6_enabled = true;
+  host.ip.netstacks = {defaultStack, livehop};
+}
+
+NetstackState* FindNetstack(IpArea& area, std::string const& key) {
+  for (auto& netstack : area.netstacks) {
+    if (netstack.key == key) return &netstack;
+  }
+  return nullptr;
+}
+
+NetstackState const* FindNetstack(IpArea const& area, std::string const& key) {
+  return FindNetstack(const_cast<IpArea&>(area), key);
 }
 
 NetstackRoutes* FindNetstackRoutes(IpArea& area, std::string const& netstack) {
@@ -33,6 +80,17 @@ NetstackRoutes* FindNetstackRoutes(IpArea& area, std::string const& netstack) {
 
 NetstackRoutes const* FindNetstackRoutes(IpArea const& area, std::string const& netstack) {
   return FindNetstackRoutes(const_cast<IpArea&>(area), netstack);
+}
+
+InterfaceState* FindInterface(IpArea& area, std::string const& name) {
+  for (auto& nic : area.interfaces) {
+    if (nic.name == name) return &nic;
+  }
+  return nullptr;
+}
+
+InterfaceState const* FindInterface(IpArea const& area, std::string const& name) {
+  return FindInterface(const_cast<IpArea&>(area), name);
 }
 
 }  // namespace OrvkCtl::Sim

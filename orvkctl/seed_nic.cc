@@ -44,6 +44,28 @@ PnicState GigabitCopperPort(std::string name, std::string pci, std::string mac, 
   nic.supports_message_level = true;
   nic.message_level = 7;
   nic.pause = {true, true, true, true, 1, 1};
+  nic.offload = {true, true, true, true, false, true, "bwgbe-hw", true, true, true};
+  nic.coalesce.supported = true;
+  nic.coalesce.max_microseconds = 8191;
+  nic.coalesce.max_frames = 4096;
+  nic.coalesce.adaptive_rx = true;
+  nic.coalesce.adaptive_tx = false;
+  nic.coalesce.sample_interval = 2;
+  nic.coalesce.pkt_rate_low = 20000;
+  nic.coalesce.pkt_rate_high = 400000;
+  nic.coalesce.rx_usecs = 3;
+  nic.coalesce.rx_frames = 32;
+  nic.coalesce.tx_usecs = 10;
+  nic.coalesce.tx_frames = 32;
+  nic.coalesce.rx_usecs_low = 0;
+  nic.coalesce.rx_frames_low = 1;
+  nic.coalesce.tx_usecs_low = 0;
+  nic.coalesce.tx_frames_low = 1;
+  nic.coalesce.rx_usecs_high = 100;
+  nic.coalesce.rx_frames_high = 128;
+  nic.coalesce.tx_usecs_high = 125;
+  nic.coalesce.tx_frames_high = 128;
+  nic.ring = {true, 4096, 0, 0, 4096, 1024, 0, 0, 1024};
   return nic;
 }
 
@@ -76,6 +98,28 @@ PnicState Sfp28Port(std::string name, std::string pci, std::string mac) {
   nic.supports_wake_on = false;
   nic.supports_message_level = false;
   nic.pause = {true, false, true, true, 0, 0};
+  nic.offload = {true, true, true, true, true, true, "kmnet-tpa", true, true, true};
+  nic.coalesce.supported = true;
+  nic.coalesce.max_microseconds = 1023;
+  nic.coalesce.max_frames = 255;
+  nic.coalesce.adaptive_rx = true;
+  nic.coalesce.adaptive_tx = true;
+  nic.coalesce.sample_interval = 1;
+  nic.coalesce.pkt_rate_low = 50000;
+  nic.coalesce.pkt_rate_high = 1000000;
+  nic.coalesce.rx_usecs = 50;
+  nic.coalesce.rx_frames = 64;
+  nic.coalesce.tx_usecs = 80;
+  nic.coalesce.tx_frames = 64;
+  nic.coalesce.rx_usecs_low = 8;
+  nic.coalesce.rx_frames_low = 4;
+  nic.coalesce.tx_usecs_low = 16;
+  nic.coalesce.tx_frames_low = 4;
+  nic.coalesce.rx_usecs_high = 200;
+  nic.coalesce.rx_frames_high = 255;
+  nic.coalesce.tx_usecs_high = 250;
+  nic.coalesce.tx_frames_high = 255;
+  nic.ring = {true, 8192, 0, 4096, 8192, 4096, 0, 1024, 4096};
   return nic;
 }
 
@@ -104,6 +148,12 @@ PnicState UsbAdapter() {
   nic.supported_wake_on = {kMagic};
   nic.supports_message_level = true;
   nic.message_level = 0;
+  // Checksums only; no coalescing and fixed rings.
+  nic.offload = {true, true, false, false, false, false, "olusb", true, false, false};
+  nic.stats.tx_packets = 4;
+  nic.stats.tx_bytes = 1312;
+  nic.stats.tx_errors = 4;
+  nic.stats.tx_carrier_errors = 4;
   return nic;
 }
 
@@ -115,6 +165,43 @@ void SeedNic(HostModel& host) {
   PnicState ornic2 = Sfp28Port("ornic2", "0000:3b:00.0", "d2:6e:a0:00:25:00");
   PnicState ornic3 = Sfp28Port("ornic3", "0000:3b:00.1", "d2:6e:a0:00:25:01");
   ornic3.admin_up = false;
+
+  // ornic0 carries vSwitch0's traffic, ornic1 stands by and sees broadcasts.
+  ornic0.stats = {9120477, 18442311, 3411872650, 22190334871, 0, 27, 0,  112,
+                  183004,  420918,   6112,       9870,        0, 0,  21, 6,
+                  0,       0,        0,          0,           0, 0,  0,  0};
+  ornic0.vlan_stats_enabled = true;
+  ornic0.vlan_stats = {{0, 18442311, 9120477}};
+  ornic1.stats = {0, 421544, 0, 36102877, 0, 0, 0, 0, 601, 420918, 0, 0,
+                  0, 0,      0, 0,        0, 0, 0, 0, 0,   0,      0, 0};
+  // ornic2 carries jumbo-frame storage traffic; ornic3 counted until it was
+  // taken down.
+  ornic2.stats = {512884190,
+                  498210662,
+                  4102217903120,
+                  3985112044889,
+                  0,
+                  4,
+                  0,
+                  1840,
+                  2210,
+                  96,
+                  14,
+                  12,
+                  0,
+                  1,
+                  3,
+                  0,
+                  0,
+                  1840,
+                  0,
+                  0,
+                  0,
+                  0,
+                  0,
+                  0};
+  ornic3.stats = {88210, 90114, 7905340, 8203411, 0, 0, 0, 0, 12, 31, 4, 2,
+                  0,     0,     0,       0,       0, 0, 0, 0, 0,  0,  0, 0};
   host.nic.pnics = {ornic0, ornic1, ornic2, ornic3, UsbAdapter()};
 }
 

@@ -1,6 +1,7 @@
 // The default host's standard switches: vSwitch0 carries management and VM
 // traffic over ornic0 (active) and ornic1 (standby); vSwitch1 is an internal
 // switch without uplinks. Every port group inherits its switch's policies.
+// The host also takes part in the distributed switch DSwitch-Prod.
 #include "host_model.h"
 
 namespace OrvkCtl::Sim {
@@ -45,6 +46,26 @@ void SeedVswitch(HostModel& host) {
   vswitch1.port_groups = {NewGroup("Storage Network", 20, 0)};
 
   host.vswitch.standard_switches = {vswitch0, vswitch1};
+
+  // The distributed switch: production VM traffic over ornic2 and ornic3,
+  // plus the LAG member lag1-0; ports 0-7 form the VM port group, 8-11 the
+  // replication port group.
+  DistributedSwitchState dvs;
+  dvs.name = "DSwitch-Prod";
+  dvs.id = "50 1e 7a 3c 9d 42 b1 08-6f 55 c2 e9 10 a4 7d 33";
+  dvs.configured_ports = 12;
+  dvs.mtu = 9000;
+  dvs.cdp_status = 1;
+  dvs.beacon_timeout = -1;
+  dvs.uplinks = {"ornic2", "ornic3", "lag1-0"};
+  for (int port = 0; port < 12; ++port) {
+    dvs.ports.push_back({std::to_string(port), port < 8 ? "dvportgroup-1001" : "dvportgroup-1002",
+                         0});
+  }
+  dvs.ports[0].connection_id = 1418027611;
+  dvs.ports[1].connection_id = 1418027612;
+  dvs.ports[8].connection_id = 1418027640;
+  host.vswitch.distributed_switches = {dvs};
 }
 
 }  // namespace OrvkCtl::Sim

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "fault.h"
+#include "hostctl/dvswitch.h"
 #include "host_store.h"
 #include "hostctl/orvk_nic.h"
 #include "hostctl/port_group_impl.h"
@@ -410,8 +411,12 @@ VirtualSwitchInfoImpl::GetVirtualSwitches() {
 std::vector<std::unique_ptr<HostCtl::Network::Portset>> VirtualSwitchInfoImpl::GetAllSwitches() {
   CheckFault("VirtualSwitchInfoImpl::GetAllSwitches");
   std::vector<std::unique_ptr<HostCtl::Network::Portset>> switches;
-  for (auto const& vswitch : Sim::ReadHost().vswitch.standard_switches) {
+  HostModel const& host = Sim::ReadHost();
+  for (auto const& vswitch : host.vswitch.standard_switches) {
     switches.push_back(std::make_unique<VirtualSwitchImpl>(vswitch.name));
+  }
+  for (auto const& dvs : host.vswitch.distributed_switches) {
+    switches.push_back(std::make_unique<DVSwitchImpl>(dvs.name));
   }
   return switches;
 }

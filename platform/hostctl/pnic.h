@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -103,6 +104,92 @@ struct PnicPauseParams {
   uint32_t txResolution = 0;
 };
 
+// Offloads of an uplink. On a write, `mask` selects the settings to apply;
+// the fields it does not select are left as the device has them.
+struct PnicOffloadParams {
+  enum : uint8_t {
+    MASK_RX_CHECKSUM = 1,
+    MASK_TX_CHECKSUM = 2,
+    MASK_SCATTER_GATHER = 4,
+    MASK_TCP_SEGMENTATION = 8,
+  };
+  uint8_t mask = 0;
+  bool rxChecksum = false;
+  bool txChecksum = false;
+  bool scatterGather = false;
+  bool tcpSegmentation = false;
+  bool largeReceive = false;    // read only
+  bool genericReceive = false;  // read only
+  std::string offloadEngine;    // read only: the driver's word for its engine
+};
+
+// Interrupt coalescing of an uplink. A write hands back the whole record.
+struct PnicCoalesceParams {
+  bool adaptiveRx = false;
+  bool adaptiveTx = false;
+  uint32_t statsBlockMicroseconds = 0;
+  uint32_t sampleInterval = 0;  // seconds between packet rate samples
+  uint32_t lowPacketRate = 0;   // packets per second
+  uint32_t highPacketRate = 0;  // packets per second
+  uint32_t rxMicroseconds = 0;
+  uint32_t rxMaxFrames = 0;
+  uint32_t rxMicrosecondsIrq = 0;  // while an interrupt is served
+  uint32_t rxMaxFramesIrq = 0;
+  uint32_t txMicroseconds = 0;
+  uint32_t txMaxFrames = 0;
+  uint32_t txMicrosecondsIrq = 0;
+  uint32_t txMaxFramesIrq = 0;
+  uint32_t rxMicrosecondsLow = 0;  // below the low packet rate
+  uint32_t rxMaxFramesLow = 0;
+  uint32_t txMicrosecondsLow = 0;
+  uint32_t txMaxFramesLow = 0;
+  uint32_t rxMicrosecondsHigh = 0;  // above the high packet rate
+  uint32_t rxMaxFramesHigh = 0;
+  uint32_t txMicrosecondsHigh = 0;
+  uint32_t txMaxFramesHigh = 0;
+};
+
+// Ring sizes of an uplink, in entries. On a write, `mask` selects the rings
+// to resize.
+struct PnicRingParams {
+  enum : uint8_t { MASK_RX = 1, MASK_RX_MINI = 2, MASK_RX_JUMBO = 4, MASK_TX = 8 };
+  uint8_t mask = 0;
+  uint32_t rx = 0;
+  uint32_t rxMini = 0;
+  uint32_t rxJumbo = 0;
+  uint32_t tx = 0;
+};
+
+// Packet and error counters of an uplink since the driver was loaded.
+struct PnicStats {
+  uint64_t packetsSent = 0;
+  uint64_t packetsReceived = 0;
+  uint64_t bytesSent = 0;
+  uint64_t bytesReceived = 0;
+  uint64_t transmitErrors = 0;
+  uint64_t receiveErrors = 0;
+  uint64_t transmitDropped = 0;
+  uint64_t receiveDropped = 0;
+  uint64_t multicastReceived = 0;
+  uint64_t broadcastReceived = 0;
+  uint64_t multicastSent = 0;
+  uint64_t broadcastSent = 0;
+  uint64_t receiveLengthErrors = 0;
+  uint64_t receiveOverErrors = 0;
+  uint64_t receiveCrcErrors = 0;
+  uint64_t receiveFrameErrors = 0;
+  uint64_t receiveFifoErrors = 0;
+  uint64_t receiveMissedErrors = 0;
+  uint64_t transmitAbortedErrors = 0;
+  uint64_t transmitFifoErrors = 0;
+  uint64_t transmitCarrierErrors = 0;
+  uint64_t transmitHeartbeatErrors = 0;
+  uint64_t transmitWindowErrors = 0;
+  uint64_t collisions = 0;
+  uint64_t receiveCompressed = 0;
+  uint64_t transmitCompressed = 0;
+};
+
 // The PCI function of an uplink, as the host read it when the object was
 // made. Each accessor throws Lib::HostCtlException when the host fails.
 class PciDevice : public virtual Lib::HostCtlObject {
@@ -150,11 +237,42 @@ class Pnic : public virtual Lib::HostCtlObject {
   // changes nothing.
   virtual void SetAdminUp(bool up) = 0;
   virtual void GetInfo(PnicInfo& info) = 0;
+  // Applies the fields of `info` whose *Changed flag is set. Refuses a port
+  // the device does not have, a PHY address beyond 31, a virtual address
+  // that is not a unicast MAC address, and wake-on modes or a message level
+  // the device does not support; nothing is applied then.
+  virtual void SetInfo(PnicInfo const& info) = 0;
+  // Speed 0 with DUPLEX_AUTO turns auto negotiation on; any other pair forces
+  // that speed (Mbps) and Duplex and turns it off. Refuses a pair that is not
+  // among the device's supported link modes, and auto negotiation on a device
+  // without it.
+  virtual void SetSpeedAndDuplex(uint32_t speed, int32_t duplex) = 0;
   virtual void GetPauseParams(PnicPauseParams& params) = 0;
+  // Applies auto negotiation, RX and TX; the rest of the record is ignored.
+  // Refuses a device without pause support, and pause auto negotiation while
+  // the link does not negotiate.
+  virtual void SetPauseParams(PnicPauseParams& params) = 0;
   virtual void GetDriverInfo(PnicDriverInfo& info) = 0;
   // Asks the driver to negotiate the link again. Throws if the device is
   // down or does not use auto negotiation.
   virtual void RestartNegotiation() = 0;
+  virtual void GetOffloadParams(PnicOffloadParams& params) = 0;
+  // Applies what `params.mask` selects. Refuses to turn on an offload the
+  // device does not have.
+  virtual void SetOffloadParams(PnicOffloadParams& params) = 0;
+  // Throws for a device that cannot coalesce interrupts.
+  virtual void GetCoalesceParams(PnicCoalesceParams& params) = 0;
+  // Replaces the whole record. Refuses microseconds or frame counts beyond
+  // the device's maximums, a sample interval outside 1 to 3600 seconds, and a
+  // low packet rate above the high one.
+  virtual void SetCoalesceParams(PnicCoalesceParams& params) = 0;
+  // Fills `preset` with the largest ring sizes of the device and `current`
+  // with those in use. Throws for a device without configurable rings.
+  virtual void GetRingParams(PnicRingParams& preset, PnicRingParams& current) = 0;
+  // Resizes the rings that `params.mask` selects. Refuses a size of 0, one
+  // above the preset maximum, and a ring the device does not have.
+  virtual void SetRingParams(PnicRingParams& params) = 0;
+  virtual void GetPnicStats(PnicStats& stats) = 0;
 };
 
 }  // namespace HostCtl::Network
@@ -189,12 +307,25 @@ class PnicImpl : public virtual HostCtl::Network::Pnic, public virtual Lib::Orvk
   bool IsLinkStatusUp() override;
   void SetAdminUp(bool up) override;
   void GetInfo(HostCtl::Network::PnicInfo& info) override;
+  void SetInfo(HostCtl::Network::PnicInfo const& info) override;
+  void SetSpeedAndDuplex(uint32_t speed, int32_t duplex) override;
   void GetPauseParams(HostCtl::Network::PnicPauseParams& params) override;
+  void SetPauseParams(HostCtl::Network::PnicPauseParams& params) override;
   void GetDriverInfo(HostCtl::Network::PnicDriverInfo& info) override;
   void RestartNegotiation() override;
+  void GetOffloadParams(HostCtl::Network::PnicOffloadParams& params) override;
+  void SetOffloadParams(HostCtl::Network::PnicOffloadParams& params) override;
+  void GetCoalesceParams(HostCtl::Network::PnicCoalesceParams& params) override;
+  void SetCoalesceParams(HostCtl::Network::PnicCoalesceParams& params) override;
+  void GetRingParams(HostCtl::Network::PnicRingParams& preset,
+                     HostCtl::Network::PnicRingParams& current) override;
+  void SetRingParams(HostCtl::Network::PnicRingParams& params) override;
+  void GetPnicStats(HostCtl::Network::PnicStats& stats) override;
 
  private:
   Sim::PnicState const& Cached();
+  // Applies `change` to this NIC on the host; the cache is dropped after.
+  void Change(std::function<void(Sim::PnicState&)> const& change);
 
   std::string name_;
   std::unique_ptr<Sim::PnicState> cached_;

@@ -13,6 +13,8 @@
 
 namespace HostCtl::Network {
 
+class DVSwitch;
+
 // A standard virtual switch. Its policies are the defaults of its port
 // groups: the effective value is the switch's own fields over the defaults of
 // a new switch; the configured value is what is set on the switch, marked by
@@ -81,6 +83,7 @@ class PortsetImpl : public virtual HostCtl::Network::Portset, public virtual Lib
   std::vector<std::string> GetConnectedUplinks() override;
   int GetNumUsedPorts() override;
   std::string GetClass() override;
+  std::vector<std::unique_ptr<HostCtl::Network::Port>> GetPorts() override;
 
  protected:
   std::string name_;
@@ -146,8 +149,13 @@ class VirtualSwitchInfoImpl : public virtual Lib::OrvkCtlObject {
   std::unique_ptr<HostCtl::Network::VirtualSwitch> GetVirtualSwitchByName(std::string const& name);
   // All standard switches, in the order they were made.
   std::vector<std::unique_ptr<HostCtl::Network::VirtualSwitch>> GetVirtualSwitches();
-  // All switches of the host, of every kind.
+  // All switches of the host, of every kind: the standard ones, then the
+  // distributed ones.
   std::vector<std::unique_ptr<HostCtl::Network::Portset>> GetAllSwitches();
+  // The distributed switches the host takes part in, owned by the caller.
+  std::vector<std::unique_ptr<HostCtl::Network::DVSwitch>> GetDVSwitches();
+  // Null when no distributed switch has that name.
+  std::unique_ptr<HostCtl::Network::DVSwitch> GetDVSwitchByName(std::string const& name);
 };
 
 }  // namespace OrvkCtl::Network

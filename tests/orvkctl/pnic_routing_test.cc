@@ -162,10 +162,10 @@ TEST_F(RoutingInfoTest, RemovingTheDefaultRouteAlsoForgetsItsConfiguration) {
 
 TEST_F(RoutingInfoTest, SwitchingToAnUnknownInstanceKeepsTheOldOne) {
   RoutingInfoImpl routing("defaultTcpipStack");
-  EXPECT_THROW(routing.SetNetstackInstanceKey("livehop"), HostCtlException);
+  EXPECT_THROW(routing.SetNetstackInstanceKey("nowhere"), HostCtlException);
   EXPECT_EQ(routing.GetNetstackInstanceKey(), "defaultTcpipStack");
   EXPECT_EQ(Ipv4Routes(routing).size(), 3u);
-  RoutingInfoImpl unknown("livehop");
+  RoutingInfoImpl unknown("nowhere");
   EXPECT_THROW(unknown.GetCurrentOrvikRoutes(), HostCtlException);
 }
 

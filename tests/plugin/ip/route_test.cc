@@ -248,8 +248,8 @@ TEST_F(RouteTest, BadInputShowsTheHostTextAndChangesNothing) {
        "Gateway 2001:db8:11::1 is not reachable from netstack defaultTcpipStack"},
       {{"ipv6", "remove", "-n", "2001:db8:20::/64", "-g", "fe80::9"},
        "No route to 2001:db8:20::/64 via fe80::9 in netstack defaultTcpipStack"},
-      {{"ipv4", "add", "-n", "172.20.0.0/16", "-g", "192.168.10.9", "-N", "livehop"},
-       "Netstack instance livehop does not exist"},
+      {{"ipv4", "add", "-n", "172.20.0.0/16", "-g", "192.168.10.9", "-N", "nowhere"},
+       "Netstack instance nowhere does not exist"},
       {{"ipv6", "remove", "-n", "default", "-g", "fe80::1", "--netstack", "nosuch"},
        "Netstack instance nosuch does not exist"},
       // IPv4 switches the instance before reading the addresses, IPv6 after.

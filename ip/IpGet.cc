@@ -1,0 +1,53 @@
+#include "ip/IpGet.h"
+
+#include <string>
+
+#include "hostctl/network_info.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kIpv6Enabled = "IPv6 Enabled";
+}  // namespace
+
+std::shared_ptr<IpGet> IpGet::New() { return std::shared_ptr<IpGet>(new IpGet()); }
+
+IpGet::IpGet() {
+  SetDescription("Get global IP settings");
+  SetDefaultOutputFormatter("simple");
+}
+
+IpGet::~IpGet() = default;
+
+std::shared_ptr<MetaStruct> IpGet::GetOutputStructure() {
+  auto result = MetaStruct::New("IPInfo");
+  result->SetField(kIpv6Enabled, MetaBool::New());
+  return result;
+}
+
+std::shared_ptr<InputSpec> IpGet::GetInputSpecInternal() { return InputSpec::New(); }
+
+std::shared_ptr<OutputSpec> IpGet::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(GetOutputStructure());
+  return spec;
+}
+
+void IpGet::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,
+                            std::shared_ptr<Output> const& output) {
+  OrvkCtl::Network::NetworkInfoImpl networkInfo;
+  try {
+    auto result = GetOutputStructure();
+    result->SetField(kIpv6Enabled, networkInfo.IsOrvkIpv6Enabled());
+    output->SetRootObject(result);
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

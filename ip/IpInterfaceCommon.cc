@@ -1,0 +1,83 @@
+#include "ip/IpInterfaceCommon.h"
+
+#include <cstdint>
+#include <ctime>
+#include <string>
+
+#include "hostctl/dvswitch.h"
+#include "hostctl/network_info.h"
+#include "hostctl/port_group_impl.h"
+#include "toolbase/call_spec.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+namespace {
+const std::string kPortgroupName = "portgroup-name";
+const std::string kDvsName = "dvs-name";
+const std::string kDvportId = "dvport-id";
+const std::string kErrorWas = ". Error was: ";
+}  // namespace
+
+std::string OptionalText(Toolbase::CallSpec::Input const& input, std::string const& name) {
+  return input.HasParameter(name) ? input.GetParameter(name) : std::string();
+}
+
+std::unique_ptr<HostCtl::Network::ConnectionPoint> BuildConnectionPoint(
+    Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output) {
+  bool const portgroup = input.HasParameter(kPortgroupName);
+  bool const dvs = input.HasParameter(kDvsName);
+  bool const dvport = input.HasParameter(kDvportId);
+  if (portgroup && dvs && dvport) {
+    output.AddErrorMessage(
+        "Only one connection point can be specified, vswitch port group or DVPort.");
+    return nullptr;
+  }
+  if (dvs != dvport || (!portgroup && !dvs)) {
+    output.AddErrorMessage(
+        "A connection point of either vswitch port group name or dvs-name/dvport-id should be "
+        "specified. If connection point is DVPort, --dvs-name and --dvport-id must be specified "
+        "at the same time.");
+    return nullptr;
+  }
+
+  std::unique_ptr<HostCtl::Network::ConnectionPoint> point;
+  if (portgroup) {
+    std::string const& name = input.GetParameter(kPortgroupName);
+    try {
+      point.reset(new OrvkCtl::Network::PortGroupImpl(name));
+    } catch (HostCtl::Lib::HostCtlException const& e) {
+      output.AddErrorMessage("Invalid vswitch port group name " + name + kErrorWas + e.message);
+      return nullptr;
+    }
+  } else {
+    std::string const& name = input.GetParameter(kDvsName);
+    try {
+      HostCtl::Network::DVPortParam param;
+      auto dvSwitch = HostCtl::Network::NetworkFactory::GetDVSwitchByName(name);
+      param.switchUuid = dvSwitch->GetDvsId();
+      param.portId = input.GetParameter(kDvportId);
+      {
+        OrvkCtl::Network::DVPortImpl probe(param);
+        if (probe.IsValid()) {
+          if (probe.GetConnectionId() == 0) {
+            probe.SetConnectionId(static_cast<uint32_t>(time(0)));
+          }
+          param.connectionId = probe.GetConnectionId();
+        }
+      }
+      point.reset(new OrvkCtl::Network::DVPortImpl(param));
+    } catch (HostCtl::Lib::HostCtlException const& e) {
+      output.AddErrorMessage("Unable to retrieve DVS info by specified DVS name " + name +
+                             kErrorWas + e.message);
+      return nullptr;
+    }
+  }
+
+  if (!point->IsValid()) {
+    output.AddErrorMessage("Invalid vswitch port group or DVPort parameters.");
+    return nullptr;
+  }
+  return point;
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

@@ -1,0 +1,33 @@
+// What the interface commands share: the text of an optional parameter, and
+// the connection point of `network ip interface add` and `remove` (which of
+// --portgroup-name, --dvs-name and --dvport-id name it, and the object built
+// from them).
+#pragma once
+
+#include <memory>
+#include <string>
+
+namespace HostCtl::Network {
+class ConnectionPoint;
+}  // namespace HostCtl::Network
+
+namespace Toolbase::CallSpec {
+class Input;
+class Output;
+}  // namespace Toolbase::CallSpec
+
+namespace CorvaneCli::NetworkNamespace {
+
+// The parameter's text; empty when it was not given.
+std::string OptionalText(Toolbase::CallSpec::Input const& input, std::string const& name);
+
+// Builds the connection point the options name: a port group for
+// --portgroup-name alone, a DVPort for --dvs-name with --dvport-id. A DVPort
+// that has no connection id yet gets one. Any other combination, a name the
+// host does not know, or a connection point that is not valid adds its error
+// to `output` and gives null. A HostCtlException from the final validity check
+// passes on.
+std::unique_ptr<HostCtl::Network::ConnectionPoint> BuildConnectionPoint(
+    Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output);
+
+}  // namespace CorvaneCli::NetworkNamespace

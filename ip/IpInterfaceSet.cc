@@ -1,0 +1,94 @@
+#include "ip/IpInterfaceSet.h"
+
+#include <string>
+
+#include "hostctl/orvk_nic.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kInterfaceName = "interface-name";
+const std::string kEnabled = "enabled";
+const std::string kMtu = "mtu";
+}  // namespace
+
+std::shared_ptr<IpInterfaceSet> IpInterfaceSet::New() {
+  return std::shared_ptr<IpInterfaceSet>(new IpInterfaceSet());
+}
+
+IpInterfaceSet::IpInterfaceSet() {
+  SetDescription("This command sets the enabled status and MTU size of a given IP interface ");
+}
+
+IpInterfaceSet::~IpInterfaceSet() = default;
+
+std::shared_ptr<InputSpec> IpInterfaceSet::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  auto name = ParameterSpec::New(kInterfaceName, ParameterType::String);
+  name->SetRequired(true);
+  name->SetShortName("i");
+  name->SetDescription("The name of the interface to apply the configurations.");
+  spec->AddParameter(name);
+  auto enabled = ParameterSpec::New(kEnabled, ParameterType::Bool);
+  enabled->SetRequired(false);
+  enabled->SetShortName("e");
+  enabled->SetDescription("Set to true to enable the interface, set to false to disable it.");
+  spec->AddParameter(enabled);
+  auto mtu = ParameterSpec::New(kMtu, ParameterType::Int);
+  mtu->SetRequired(false);
+  mtu->SetShortName("m");
+  mtu->SetDescription("The MTU size of the IP interface. ");
+  spec->AddParameter(mtu);
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> IpInterfaceSet::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaBool::New());
+  return spec;
+}
+
+void IpInterfaceSet::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                     std::shared_ptr<Output> const& output) {
+  try {
+    std::string const& name = input->GetParameter(kInterfaceName);
+    OrvkCtl::Network::OrvikNicInfoImpl nicInfo;
+    auto nics = nicInfo.GetOrvikNics();
+    HostCtl::Network::OrvkNic* target = nullptr;
+    for (auto const& nic : nics) {
+      if (nic->GetInterfaceName() == name) {
+        target = nic.get();
+        break;
+      }
+    }
+    if (!target) {
+      output->AddErrorMessage("Unable to find an interface with name " + name);
+      return;
+    }
+    if (input->HasParameter(kEnabled)) {
+      if (input->GetParameterBool(kEnabled)) {
+        target->Enable();
+      } else {
+        target->Disable();
+      }
+    }
+    if (input->HasParameter(kMtu)) {
+      long const mtu = input->GetParameterInt(kMtu);
+      if (mtu < 0) {
+        output->AddErrorMessage("MTU size should be a positive value");
+        return;
+      }
+      target->SetMtu(static_cast<uint32_t>(mtu));
+    }
+    output->SetRootObject(MetaBool::New(true));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

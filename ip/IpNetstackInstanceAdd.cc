@@ -1,0 +1,71 @@
+#include "ip/IpNetstackInstanceAdd.h"
+
+#include <string>
+
+#include "hostctl/netstack.h"
+#include "hostctl/network_info.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kNetstack = "netstack";
+const std::string kDisabled = "disabled";
+// The settings of a new instance.
+constexpr uint32_t kNewMaxConnections = 11000;
+const std::string kNewCcAlgorithm = "newreno";
+constexpr bool kNewIpv6Enabled = true;
+constexpr uint32_t kNewFlags = 2;
+const std::string kNewEcnStatus = "enabled";
+}  // namespace
+
+std::shared_ptr<IpNetstackInstanceAdd> IpNetstackInstanceAdd::New() {
+  return std::shared_ptr<IpNetstackInstanceAdd>(new IpNetstackInstanceAdd());
+}
+
+IpNetstackInstanceAdd::IpNetstackInstanceAdd() { SetDescription("Add a new Netstack Instance."); }
+
+IpNetstackInstanceAdd::~IpNetstackInstanceAdd() = default;
+
+std::shared_ptr<InputSpec> IpNetstackInstanceAdd::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  auto netstack = ParameterSpec::New(kNetstack, ParameterType::String);
+  netstack->SetRequired(true);
+  netstack->SetShortName("N");
+  netstack->SetDescription("The network stack instance");
+  spec->AddParameter(netstack);
+  auto disabled = ParameterSpec::New(kDisabled, ParameterType::Flag);
+  disabled->SetRequired(false);
+  disabled->SetShortName("d");
+  disabled->SetDescription(
+      "Create the netstack instance only in config i.e. in disabled state. Does not create in "
+      "kernel.");
+  spec->AddParameter(disabled);
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> IpNetstackInstanceAdd::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaBool::New());
+  return spec;
+}
+
+void IpNetstackInstanceAdd::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                            std::shared_ptr<Output> const& output) {
+  try {
+    std::string const& key = input->GetParameter(kNetstack);
+    OrvkCtl::Network::NetworkInfoImpl networkInfo;
+    OrvkCtl::Network::NetstackInstanceImpl instance(key, kNewMaxConnections, kNewCcAlgorithm,
+                                                    kNewIpv6Enabled, kNewFlags, kNewEcnStatus);
+    networkInfo.AddNetstackInstance(&instance, input->HasParameter(kDisabled));
+    output->SetRootObject(MetaBool::New(true));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage("Unable to add Netstack Instance. Error was : " + e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

@@ -1,0 +1,116 @@
+#include "nic/NicCoalesceGet.h"
+
+#include <memory>
+#include <string>
+
+#include "hostctl/network_info.h"
+#include "hostctl/pnic.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kOrnic = "ornic";
+const std::string kStructure = "CoalesceParams";
+const std::string kNic = "NIC";
+const std::string kRxMicroseconds = "RX microseconds";
+const std::string kRxMaximumFrames = "RX maximum frames";
+const std::string kTxMicroseconds = "TX microseconds";
+const std::string kTxMaximumFrames = "TX Maximum frames";
+const std::string kAdaptiveRx = "Adaptive RX";
+const std::string kAdaptiveTx = "Adaptive TX";
+const std::string kSampleInterval = "Sample interval seconds";
+const std::string kOn = "On";
+const std::string kOff = "Off";
+const std::string kNotAvailable = "N/A";
+
+// The value fields, in the order of the record's columns.
+const std::string* const kValueFields[] = {&kRxMicroseconds,  &kRxMaximumFrames, &kTxMicroseconds,
+                                           &kTxMaximumFrames, &kAdaptiveRx,      &kAdaptiveTx,
+                                           &kSampleInterval};
+}  // namespace
+
+std::shared_ptr<NicCoalesceGet> NicCoalesceGet::New() {
+  return std::shared_ptr<NicCoalesceGet>(new NicCoalesceGet());
+}
+
+NicCoalesceGet::NicCoalesceGet() {
+  SetDescription("Get coalesce parameters");
+  SetDefaultOutputFormatter("table");
+  SetDefaultOutputParameter("fields:" + kStructure, kNic + "," + kRxMicroseconds + "," +
+                                                        kRxMaximumFrames + "," + kTxMicroseconds +
+                                                        "," + kTxMaximumFrames + "," + kAdaptiveRx +
+                                                        "," + kAdaptiveTx + "," + kSampleInterval);
+}
+
+NicCoalesceGet::~NicCoalesceGet() = default;
+
+std::shared_ptr<MetaStruct> NicCoalesceGet::GetOutputStructure() {
+  auto result = MetaStruct::New(kStructure);
+  result->SetField(kNic, MetaString::New());
+  for (auto const* field : kValueFields) result->SetField(*field, MetaString::New());
+  return result;
+}
+
+std::shared_ptr<InputSpec> NicCoalesceGet::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  auto ornic = ParameterSpec::New(kOrnic, ParameterType::String);
+  ornic->SetRequired(false);
+  ornic->SetShortName("n");
+  ornic->SetDescription("The name of pnic to get coalesce parameters");
+  spec->AddParameter(ornic);
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> NicCoalesceGet::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
+  return spec;
+}
+
+void NicCoalesceGet::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                     std::shared_ptr<Output> const& output) {
+  try {
+    OrvkCtl::Network::NetworkInfoImpl networkInfo;
+    auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
+    HostCtl::Network::PnicList pnics;
+    if (input->HasParameter(kOrnic)) {
+      std::string const& name = input->GetParameter(kOrnic);
+      auto pnic = networkInfo.GetPnicByName(name);
+      if (!pnic) {
+        output->AddErrorMessage("Pnic with name " + name + " not found");
+        return;
+      }
+      pnics.push_back(std::move(pnic));
+    } else {
+      pnics = networkInfo.GetPnics();
+    }
+    for (auto const& pnic : pnics) {
+      auto nic = GetOutputStructure();
+      nic->SetField(kNic, pnic->GetName());
+      try {
+        HostCtl::Network::PnicCoalesceParams params;
+        pnic->GetCoalesceParams(params);
+        nic->SetField(kRxMicroseconds, std::to_string(params.rxMicroseconds));
+        nic->SetField(kRxMaximumFrames, std::to_string(params.rxMaxFrames));
+        nic->SetField(kTxMicroseconds, std::to_string(params.txMicroseconds));
+        nic->SetField(kTxMaximumFrames, std::to_string(params.txMaxFrames));
+        nic->SetField(kAdaptiveRx, params.adaptiveRx ? kOn : kOff);
+        nic->SetField(kAdaptiveTx, params.adaptiveTx ? kOn : kOff);
+        nic->SetField(kSampleInterval, std::to_string(params.sampleInterval));
+      } catch (HostCtl::Lib::HostCtlException const&) {
+        for (auto const* field : kValueFields) nic->SetField(*field, kNotAvailable);
+      }
+      list->Add(nic);
+    }
+    output->SetRootObject(list);
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

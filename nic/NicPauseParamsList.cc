@@ -1,0 +1,142 @@
+#include "nic/NicPauseParamsList.h"
+
+#include <memory>
+#include <string>
+
+#include "hostctl/network_info.h"
+#include "hostctl/pnic.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kNicName = "nic-name";
+const std::string kStructure = "PauseParamsSettings";
+const std::string kNic = "NIC";
+const std::string kSupported = "Pause Params Supported";
+const std::string kAutoNegotiation = "Auto Negotiation";
+const std::string kPauseRx = "Pause RX";
+const std::string kPauseTx = "Pause TX";
+const std::string kResolutionAvail = "Auto Negotiation Resolution Avail";
+const std::string kRxResolution = "RX Auto Negotiation Resolution";
+const std::string kTxResolution = "TX Auto Negotiation Resolution";
+
+// The seven settings of a row, in the order they are set.
+struct PauseRow {
+  bool supported = false;
+  bool rx = false;
+  bool tx = false;
+  bool autoNegotiation = false;
+  bool resolutionAvail = false;
+  bool rxResolution = false;
+  bool txResolution = false;
+};
+
+PauseRow RowOf(HostCtl::Network::PnicPauseParams const& params) {
+  PauseRow row;
+  if (!params.supported) return row;
+  row.supported = true;
+  row.rx = params.rx;
+  row.tx = params.tx;
+  row.autoNegotiation = params.autoNegotiation;
+  if (params.rxResolution != 0 && params.txResolution != 0) {
+    row.resolutionAvail = true;
+    row.rxResolution = params.rxResolution == 1;
+    row.txResolution = params.txResolution == 1;
+  }
+  return row;
+}
+}  // namespace
+
+std::shared_ptr<NicPauseParamsList> NicPauseParamsList::New() {
+  return std::shared_ptr<NicPauseParamsList>(new NicPauseParamsList());
+}
+
+NicPauseParamsList::NicPauseParamsList() {
+  SetDescription("List pause parameters of all NICs");
+  SetDefaultOutputFormatter("table");
+  SetDefaultOutputParameter(
+      "fields:PauseParamsSettings",
+      "NIC,Pause Params Supported,Pause RX,Pause TX,Auto Negotiation,Auto Negotiation Resolution "
+      "Avail,RX Auto Negotiation Resolution,TX Auto Negotiation Resolution");
+}
+
+NicPauseParamsList::~NicPauseParamsList() = default;
+
+std::shared_ptr<MetaStruct> NicPauseParamsList::GetOutputStructure() {
+  auto result = MetaStruct::New(kStructure);
+  result->SetField(kNic, MetaString::New());
+  result->SetField(kSupported, MetaBool::New());
+  result->SetField(kAutoNegotiation, MetaBool::New());
+  result->SetField(kPauseRx, MetaBool::New());
+  result->SetField(kPauseTx, MetaBool::New());
+  result->SetField(kResolutionAvail, MetaBool::New());
+  result->SetField(kRxResolution, MetaBool::New());
+  result->SetField(kTxResolution, MetaBool::New());
+  return result;
+}
+
+std::shared_ptr<InputSpec> NicPauseParamsList::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  auto nicName = ParameterSpec::New(kNicName, ParameterType::String);
+  nicName->SetRequired(false);
+  nicName->SetShortName("n");
+  nicName->SetDescription("The name of the NIC whose pause parameters should be retrieved.");
+  spec->AddParameter(nicName);
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> NicPauseParamsList::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
+  return spec;
+}
+
+void NicPauseParamsList::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                         std::shared_ptr<Output> const& output) {
+  try {
+    auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
+    auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
+    HostCtl::Network::PnicList pnics;
+    if (input->HasParameter(kNicName)) {
+      std::string const& name = input->GetParameter(kNicName);
+      auto pnic = networkInfo->GetPnicByName(name);
+      if (!pnic) {
+        output->AddErrorMessage("NIC with name " + name + " not found");
+        return;
+      }
+      pnics.push_back(std::move(pnic));
+    } else {
+      pnics = networkInfo->GetPnics();
+    }
+    for (auto const& pnic : pnics) {
+      auto nic = GetOutputStructure();
+      nic->SetField(kNic, pnic->GetName());
+      PauseRow row;
+      try {
+        HostCtl::Network::PnicPauseParams params;
+        pnic->GetPauseParams(params);
+        row = RowOf(params);
+      } catch (HostCtl::Lib::HostCtlException const&) {
+        row = PauseRow();
+      }
+      nic->SetField(kSupported, row.supported);
+      nic->SetField(kPauseRx, row.rx);
+      nic->SetField(kPauseTx, row.tx);
+      nic->SetField(kAutoNegotiation, row.autoNegotiation);
+      nic->SetField(kResolutionAvail, row.resolutionAvail);
+      nic->SetField(kRxResolution, row.rxResolution);
+      nic->SetField(kTxResolution, row.txResolution);
+      list->Add(nic);
+    }
+    output->SetRootObject(list);
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

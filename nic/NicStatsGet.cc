@@ -1,0 +1,119 @@
+#include "nic/NicStatsGet.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "hostctl/pnic.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+using HostCtl::Network::PnicStats;
+
+const std::string kNicName = "nic-name";
+const std::string kStructure = "Nic";
+const std::string kNicNameField = "NIC Name";
+
+// The counters as shown, in the order shown, with the field of the record
+// behind each.
+struct Counter {
+  char const* field;
+  uint64_t PnicStats::*member;
+};
+const Counter kCounters[] = {
+    {"Packets received", &PnicStats::packetsReceived},
+    {"Packets sent", &PnicStats::packetsSent},
+    {"Bytes received", &PnicStats::bytesReceived},
+    {"Bytes sent", &PnicStats::bytesSent},
+    {"Receive packets dropped", &PnicStats::receiveDropped},
+    {"Transmit packets dropped", &PnicStats::transmitDropped},
+    {"Multicast packets received", &PnicStats::multicastReceived},
+    {"Broadcast packets received", &PnicStats::broadcastReceived},
+    {"Multicast packets sent", &PnicStats::multicastSent},
+    {"Broadcast packets sent", &PnicStats::broadcastSent},
+    {"Total receive errors", &PnicStats::receiveErrors},
+    {"Receive length errors", &PnicStats::receiveLengthErrors},
+    {"Receive over errors", &PnicStats::receiveOverErrors},
+    {"Receive CRC errors", &PnicStats::receiveCrcErrors},
+    {"Receive frame errors", &PnicStats::receiveFrameErrors},
+    {"Receive FIFO errors", &PnicStats::receiveFifoErrors},
+    {"Receive missed errors", &PnicStats::receiveMissedErrors},
+    {"Total transmit errors", &PnicStats::transmitErrors},
+    {"Transmit aborted errors", &PnicStats::transmitAbortedErrors},
+    {"Transmit carrier errors", &PnicStats::transmitCarrierErrors},
+    {"Transmit FIFO errors", &PnicStats::transmitFifoErrors},
+    {"Transmit heartbeat errors", &PnicStats::transmitHeartbeatErrors},
+    {"Transmit window errors", &PnicStats::transmitWindowErrors},
+};
+
+std::string FieldList() {
+  std::string fields;
+  for (auto const& counter : kCounters)
+    fields += (fields.empty() ? "" : ",") + std::string(counter.field);
+  return fields;
+}
+}  // namespace
+
+std::shared_ptr<NicStatsGet> NicStatsGet::New() {
+  return std::shared_ptr<NicStatsGet>(new NicStatsGet());
+}
+
+NicStatsGet::NicStatsGet() {
+  SetDescription("Get NIC statistics for a given interface.");
+  SetDefaultOutputFormatter("simple");
+  SetDefaultOutputParameter("header:" + kStructure, "NIC statistics for %" + kNicNameField + "%");
+  SetDefaultOutputParameter("fields:" + kStructure, FieldList());
+}
+
+NicStatsGet::~NicStatsGet() = default;
+
+std::shared_ptr<MetaStruct> NicStatsGet::GetOutputStructure() {
+  auto result = MetaStruct::New(kStructure);
+  result->SetField(kNicNameField, MetaString::New());
+  for (auto const& counter : kCounters) result->SetField(counter.field, MetaInt::New());
+  return result;
+}
+
+std::shared_ptr<InputSpec> NicStatsGet::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  auto nicName = ParameterSpec::New(kNicName, ParameterType::String);
+  nicName->SetRequired(true);
+  nicName->SetShortName("n");
+  nicName->SetDescription("Name of the NIC to get statistics from.");
+  spec->AddParameter(nicName);
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> NicStatsGet::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
+  return spec;
+}
+
+void NicStatsGet::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                  std::shared_ptr<Output> const& output) {
+  try {
+    auto nic = GetOutputStructure();
+    auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
+    std::string const& name = input->GetParameter(kNicName);
+    OrvkCtl::Network::PnicImpl pnic(name);
+    PnicStats stats;
+    pnic.GetPnicStats(stats);
+    nic->SetField(kNicNameField, pnic.GetName());
+    for (auto const& counter : kCounters) {
+      nic->SetField(counter.field, static_cast<unsigned long>(stats.*counter.member));
+    }
+    list->Add(nic);
+    output->SetRootObject(list);
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage("Unable to get stats for NIC: " + e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace
