@@ -30,6 +30,12 @@ std::shared_ptr<ParameterSpec> ParameterSpec::New(std::string const& name, Param
   return std::shared_ptr<ParameterSpec>(new ParameterSpec(name, type));
 }
 
+void ParameterSpec::SetShortName(char const* short_name) { short_name_ = short_name; }
+void ParameterSpec::SetDescription(char const* description) { description_ = description; }
+void ParameterSpec::SetDescription(std::string description) {
+  description_ = std::move(description);
+}
+
 std::shared_ptr<InputSpec> InputSpec::New() { return std::shared_ptr<InputSpec>(new InputSpec()); }
 void InputSpec::AddParameter(std::shared_ptr<ParameterSpec> const& parameter) {
   parameters_.push_back(parameter);

@@ -60,9 +60,9 @@ class ParameterSpec {
   static std::shared_ptr<ParameterSpec> New(std::string const& name, ParameterType type);
 
   void SetRequired(bool required) { required_ = required; }
-  void SetShortName(char const* short_name) { short_name_ = short_name; }
-  void SetDescription(char const* description) { description_ = description; }
-  void SetDescription(std::string description) { description_ = std::move(description); }
+  void SetShortName(char const* short_name);
+  void SetDescription(char const* description);
+  void SetDescription(std::string description);
   void SetConstraint(std::shared_ptr<ParameterConstraint> const& constraint) {
     constraint_ = constraint;
   }
