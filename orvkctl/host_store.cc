@@ -24,6 +24,11 @@ struct Store {
   std::string path;
   int lock_fd = -1;
   std::optional<HostModel> host;
+  // Changes held in memory: the host at HoldChanges and at the savepoint.
+  bool holding = false;
+  bool dirty = false;
+  std::optional<HostModel> at_begin;
+  std::optional<HostModel> savepoint;
 };
 
 Store& TheStore() {
@@ -137,13 +142,65 @@ void ChangeHost(std::function<void(HostModel&)> const& change) {
   HostModel& host = Loaded();
   HostModel changed = host;
   change(changed);
-  SaveAtomically(TheStore().path, HostToJson(changed));
+  Store& store = TheStore();
+  if (store.holding) {
+    store.dirty = true;
+  } else {
+    SaveAtomically(store.path, HostToJson(changed));
+  }
   host = std::move(changed);
+}
+
+void HoldChanges() {
+  Store& store = TheStore();
+  store.at_begin = Loaded();
+  store.savepoint = store.at_begin;
+  store.holding = true;
+  store.dirty = false;
+}
+
+void MarkSavepoint() {
+  Store& store = TheStore();
+  if (store.holding) store.savepoint = Loaded();
+}
+
+void RollbackToSavepoint() {
+  Store& store = TheStore();
+  if (store.holding && store.savepoint) store.host = store.savepoint;
+}
+
+void CommitHeld() {
+  Store& store = TheStore();
+  if (!store.holding) return;
+  if (store.dirty) {
+    try {
+      SaveAtomically(store.path, HostToJson(*store.host));
+    } catch (...) {
+      store.host = store.at_begin;
+      store.holding = false;
+      throw;
+    }
+  }
+  store.holding = false;
+  store.at_begin.reset();
+  store.savepoint.reset();
+}
+
+void AbortHeld() {
+  Store& store = TheStore();
+  if (!store.holding) return;
+  store.host = store.at_begin;
+  store.holding = false;
+  store.at_begin.reset();
+  store.savepoint.reset();
 }
 
 void ResetHostForTest() {
   Store& store = TheStore();
   store.host.reset();
+  store.holding = false;
+  store.at_begin.reset();
+  store.savepoint.reset();
   if (store.lock_fd >= 0) {
     close(store.lock_fd);
     store.lock_fd = -1;

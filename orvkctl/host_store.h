@@ -29,6 +29,15 @@ HostModel const& ReadHost();
 // and the file stay as they were and the exception passes on.
 void ChangeHost(std::function<void(HostModel&)> const& change);
 
+// Holding changes in memory (see hostctl/transaction.h). While held,
+// ChangeHost changes only the loaded host; CommitHeld writes it once (only if
+// anything changed) and AbortHeld returns to the host as it was at HoldChanges.
+void HoldChanges();
+void MarkSavepoint();
+void RollbackToSavepoint();
+void CommitHeld();
+void AbortHeld();
+
 // Forgets the loaded host and releases the lock, so that the next use loads
 // the file again (from the path then in force). For tests.
 void ResetHostForTest();
