@@ -7,10 +7,14 @@
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
+#include <iostream>
 #include <list>
 #include <ostream>
 #include <stdexcept>
 
+#include "batch.h"
+#include "build_config.h"
+#include "completion.h"
 #include "format.h"
 #include "help.h"
 #include "params.h"
@@ -29,7 +33,24 @@ struct GlobalOptions {
   std::string host_state;
   bool help = false;
   bool list_commands = false;
+  // Workflow options: a batch file, the completion script, the version, and
+  // the candidates the completion script asks for (all words after it).
+  std::string batch;
+  bool batch_continue = false;
+  std::string completion;
+  bool version = false;
+  bool complete = false;
+  std::vector<std::string> complete_words;
+
+  bool Workflow() const {
+    return !batch.empty() || batch_continue || !completion.empty() || version || complete;
+  }
 };
+
+std::vector<LoadedPlugin>& Plugins() {
+  static std::vector<LoadedPlugin> plugins;
+  return plugins;
+}
 
 std::string JoinWords(std::list<std::string> const& words) {
   std::string text;
@@ -57,6 +78,20 @@ size_t ParseGlobalOptions(std::vector<std::string> const& args, GlobalOptions& o
       options.formatter = value_of("--formatter");
     } else if (arg.rfind("--host-state", 0) == 0 && (arg.size() == 12 || arg[12] == '=')) {
       options.host_state = value_of("--host-state");
+    } else if (arg == "--batch" || arg.rfind("--batch=", 0) == 0) {
+      options.batch = value_of("--batch");
+      if (options.batch.empty()) throw UsageError("Option --batch needs a file name or -");
+    } else if (arg == "--batch-continue") {
+      options.batch_continue = true;
+    } else if (arg == "--completion" || arg.rfind("--completion=", 0) == 0) {
+      options.completion = value_of("--completion");
+    } else if (arg == "--version") {
+      options.version = true;
+    } else if (arg == "--complete") {
+      options.complete = true;
+      size_t first = i + 1 < args.size() && args[i + 1] == "--" ? i + 2 : i + 1;
+      options.complete_words.assign(args.begin() + static_cast<long>(first), args.end());
+      return args.size();
     } else {
       break;
     }
@@ -178,21 +213,82 @@ void LoadPlugins(std::string const& directory, NamespaceNode& root) {
     if (!entry) {
       throw std::runtime_error("plug-in " + file.string() + " has no AutoCli_RegisterNamespaces");
     }
+    auto before = root.GetNamespaceNodeNames();
     void* word = &root;
     entry(&word);
+    LoadedPlugin loaded{file.string(), handle, {}};
+    for (auto const& name : root.GetNamespaceNodeNames()) {
+      if (std::find(before.begin(), before.end(), name) == before.end()) {
+        loaded.words.push_back(name);
+      }
+    }
+    auto& plugins = Plugins();
+    auto same = std::find_if(plugins.begin(), plugins.end(),
+                             [&](LoadedPlugin const& other) { return other.file == loaded.file; });
+    if (same != plugins.end()) {
+      *same = std::move(loaded);
+    } else {
+      plugins.push_back(std::move(loaded));
+    }
   }
 }
+
+std::vector<LoadedPlugin> const& LoadedPlugins() { return Plugins(); }
 
 std::string DefaultPluginDirectory() {
   if (char const* dir = std::getenv("TOOLBASE_PLUGIN_DIR"); dir && *dir) return dir;
   std::error_code error;
   auto exe = std::filesystem::read_symlink("/proc/self/exe", error);
   if (error) return "plugins";
-  return (exe.parent_path() / "plugins").string();
+  // In the build tree the plug-ins stand beside the executable; installed,
+  // in the library folder.
+  auto beside = exe.parent_path() / "plugins";
+  if (std::filesystem::is_directory(beside, error)) return beside.string();
+  return (exe.parent_path() / kInstalledPluginDir).lexically_normal().string();
 }
 
-int Run(std::vector<std::string> const& args, NamespaceNode& root, std::ostream& out,
-        std::ostream& err) {
+namespace {
+
+// The loaded plug-ins under the top-level help: file name and words.
+void PrintPlugins(std::ostream& out) {
+  out << "\nLoaded Plug-ins:\n";
+  if (Plugins().empty()) out << "  (none)\n";
+  for (auto const& plugin : Plugins()) {
+    std::string words;
+    for (auto const& word : plugin.words) words += (words.empty() ? "" : ", ") + word;
+    out << "  " << std::filesystem::path(plugin.file).filename().string()
+        << (words.empty() ? "" : " (" + words + ")") << '\n';
+  }
+}
+
+int RunWorkflow(GlobalOptions const& options, NamespaceNode& root, std::ostream& out,
+                std::ostream& err) {
+  if (options.complete) {
+    for (auto const& candidate : CompletionCandidates(root, options.complete_words)) {
+      out << candidate << '\n';
+    }
+    return kSuccess;
+  }
+  if (options.version) {
+    out << "toolbase " << kVersion << '\n';
+    return kSuccess;
+  }
+  if (!options.completion.empty()) {
+    if (PrintCompletionScript(options.completion, out)) return kSuccess;
+    return Usage("Unknown shell '" + options.completion + "' for --completion; valid: bash, zsh",
+                 "", err);
+  }
+  if (options.batch.empty()) return Usage("Option --batch-continue needs --batch FILE", "", err);
+  if (!options.host_state.empty()) setenv("TOOLBASE_HOST_STATE", options.host_state.c_str(), 1);
+  BatchOptions batch;
+  batch.file = options.batch;
+  batch.formatter = options.formatter;
+  batch.keep_going = options.batch_continue;
+  return RunBatch(batch, std::cin, root, out, err);
+}
+
+int RunLine(std::vector<std::string> const& args, NamespaceNode& root, std::ostream& out,
+            std::ostream& err, bool in_batch) {
   GlobalOptions options;
   size_t first_word = 0;
   try {
@@ -205,6 +301,19 @@ int Run(std::vector<std::string> const& args, NamespaceNode& root, std::ostream&
     for (auto const& name : Format::FormatterNames()) names += (names.empty() ? "" : ", ") + name;
     return Usage("Unknown formatter '" + options.formatter + "'. Valid formatters: " + names, "",
                  err);
+  }
+
+  if (options.Workflow()) {
+    if (in_batch) {
+      return Usage("--batch, --batch-continue, --completion and --version cannot stand in a batch",
+                   "", err);
+    }
+    if (!options.complete && first_word < args.size()) {
+      return Usage("'" + args[first_word] +
+                       "' cannot follow --batch, --batch-continue, --completion or --version",
+                   "", err);
+    }
+    if (!options.help || !options.batch.empty()) return RunWorkflow(options, root, out, err);
   }
 
   std::list<std::string> words;
@@ -242,6 +351,7 @@ int Run(std::vector<std::string> const& args, NamespaceNode& root, std::ostream&
   if (!command) {
     if (help) {
       PrintNamespaceHelp(*node, out);
+      if (node.get() == &root) PrintPlugins(out);
       return kSuccess;
     }
     if (!rest.empty()) {
@@ -256,6 +366,18 @@ int Run(std::vector<std::string> const& args, NamespaceNode& root, std::ostream&
     return kSuccess;
   }
   return RunCommand(*command, rest, options, out, err);
+}
+
+}  // namespace
+
+int Run(std::vector<std::string> const& args, NamespaceNode& root, std::ostream& out,
+        std::ostream& err) {
+  return RunLine(args, root, out, err, false);
+}
+
+int RunBatchLine(std::vector<std::string> const& args, NamespaceNode& root, std::ostream& out,
+                 std::ostream& err) {
+  return RunLine(args, root, out, err, true);
 }
 
 }  // namespace Toolbase::Cli

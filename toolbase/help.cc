@@ -92,6 +92,14 @@ void PrintNamespaceHelp(AutoCli::NamespaceNode& node, std::ostream& out) {
     PrintEntry("--host-state=<path>",
                "Host state file of the simulated host (also TOOLBASE_HOST_STATE).", out);
     PrintEntry("--list-commands", "List every command path.", out);
+    PrintEntry("--batch=<file>",
+               "Run one command a line from the file (- for standard input), all or nothing.",
+               out);
+    PrintEntry("--batch-continue",
+               "With --batch: run every line, keeping the changes of the lines that succeed.",
+               out);
+    PrintEntry("--completion=<shell>", "Print the completion script for bash or zsh.", out);
+    PrintEntry("--version", "Show the version of toolbase.", out);
     PrintEntry("--help", "Show help for a namespace or command.", out);
   }
   std::vector<std::shared_ptr<AutoCli::NamespaceNode>> namespaces;

@@ -1,0 +1,219 @@
+// Batches through the toolbase executable: all or nothing against the state
+// file, the same end state as the lines run one by one, keep-going mode, the
+// JSON array, and the splitting of lines into words.
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "batch.h"
+#include "support/harness.h"
+
+namespace {
+
+using TestSupport::RunProcess;
+using TestSupport::RunResult;
+
+// Builds a switch with an uplink, a port group with a VLAN and a failover
+// order, an interface on it with a static address, and a route through it.
+const std::vector<std::string> kBuildLines = {
+    "# a new switch for the backend",
+    "network vswitch standard add --vswitch-name vSwitch2",
+    "network vswitch standard uplink add --vswitch-name vSwitch2 --uplink-name ornic4",
+    "",
+    "network vswitch standard portgroup add --vswitch-name vSwitch2 --portgroup-name 'Backend Net'",
+    "network vswitch standard portgroup set -p \"Backend Net\" --vlan-id 30",
+    "network vswitch standard portgroup policy failover set -p Backend\\ Net \\",
+    "    --active-uplinks ornic4",
+    "network ip interface add --interface-name orvk1 --portgroup-name 'Backend Net'",
+    "network ip interface ipv4 set -i orvk1 --type static --ipv4 10.30.0.5 --netmask 255.255.255.0",
+    "network ip route ipv4 add --network 10.60.0.0/16 --gateway 10.30.0.1",
+};
+
+class BatchTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    char dir_template[] = "/tmp/toolbase-batch-XXXXXX";
+    ASSERT_NE(mkdtemp(dir_template), nullptr);
+    dir_ = dir_template;
+  }
+  void TearDown() override { std::filesystem::remove_all(dir_); }
+
+  std::string State(std::string const& name) const { return dir_ + "/" + name + ".json"; }
+
+  // A state file seeded with the default host.
+  std::string Seeded(std::string const& name) const {
+    std::string path = State(name);
+    EXPECT_EQ(RunLine("network firewall get", path).status, 0);
+    return path;
+  }
+
+  std::string WriteBatch(std::vector<std::string> const& lines) {
+    std::string path = dir_ + "/batch" + std::to_string(++batches_) + ".txt";
+    std::ofstream file(path);
+    for (auto const& line : lines) file << line << '\n';
+    return path;
+  }
+
+  static RunResult RunLine(std::string const& line, std::string const& state) {
+    std::vector<std::string> words;
+    EXPECT_TRUE(Toolbase::Cli::SplitWords(line, words));
+    words.insert(words.begin(), {"--host-state", state});
+    return RunProcess(words);
+  }
+
+  static std::string Text(std::string const& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::stringstream text;
+    text << file.rdbuf();
+    return text.str();
+  }
+
+  std::string dir_;
+  int batches_ = 0;
+};
+
+TEST_F(BatchTest, FailingLastLineLeavesTheStateFileUntouched) {
+  struct Case {
+    char const* name;
+    std::string bad_line;
+    int status;
+    char const* message;
+  };
+  for (auto const& c : std::vector<Case>{
+           {"command error", "network vswitch standard add --vswitch-name vSwitch2", 1, ""},
+           {"usage error", "network vswitch standard frobnicate", 2, "Unknown word 'frobnicate'"},
+           {"open quote", "network vswitch standard list --vswitch-name 'vSwitch2", 2,
+            "unterminated quote"},
+       }) {
+    SCOPED_TRACE(c.name);
+    std::string state = Seeded(c.name);
+    std::string before = Text(state);
+    auto lines = kBuildLines;
+    lines.push_back(c.bad_line);
+    auto result = RunProcess({"--host-state", state, "--batch", WriteBatch(lines)});
+    EXPECT_EQ(result.status, c.status);
+    EXPECT_NE(result.err.find(c.message), std::string::npos) << result.err;
+    EXPECT_NE(result.err.find("batch line 12 failed; no change of the batch was applied"),
+              std::string::npos)
+        << result.err;
+    EXPECT_EQ(Text(state), before);
+  }
+}
+
+TEST_F(BatchTest, SucceedingBatchEqualsTheLinesRunOneByOne) {
+  std::string batched = Seeded("batched");
+  std::string by_line = Seeded("by-line");
+  auto result = RunProcess({"--host-state", batched, "--batch", WriteBatch(kBuildLines)});
+  ASSERT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(result.err, "");
+
+  std::string pending;
+  std::string outputs;
+  for (auto const& line : kBuildLines) {
+    pending += line;
+    std::vector<std::string> words;
+    if (!Toolbase::Cli::SplitWords(pending, words)) {
+      pending += '\n';
+      continue;
+    }
+    pending.clear();
+    if (words.empty()) continue;
+    words.insert(words.begin(), {"--host-state", by_line});
+    auto one = RunProcess(words);
+    ASSERT_EQ(one.status, 0) << line << ": " << one.err;
+    outputs += one.out;
+  }
+  EXPECT_EQ(result.out, outputs);
+  EXPECT_EQ(Text(batched), Text(by_line));
+  auto list = RunLine("network vswitch standard portgroup list", batched);
+  EXPECT_NE(list.out.find("Backend Net"), std::string::npos) << list.out;
+}
+
+TEST_F(BatchTest, ContinueKeepsTheLinesThatSucceed) {
+  std::string state = Seeded("continue");
+  auto result = RunProcess({"--host-state", state, "--batch-continue", "--batch",
+                            WriteBatch({
+                                "network vswitch standard add --vswitch-name vSwitch2",
+                                "network vswitch standard add --vswitch-name vSwitch2",
+                                "network vswitch standard bogus",
+                                "network vswitch standard add --vswitch-name vSwitch3",
+                            })});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_NE(result.err.find("batch line 2 failed; its changes were not applied"),
+            std::string::npos);
+  EXPECT_NE(result.err.find("batch line 3 failed"), std::string::npos);
+  auto list = RunLine("--formatter json network vswitch standard list", state);
+  auto switches = nlohmann::json::parse(list.out);
+  std::vector<std::string> names;
+  for (auto const& entry : switches) names.push_back(entry["Name"]);
+  EXPECT_EQ(names, (std::vector<std::string>{"vSwitch0", "vSwitch1", "vSwitch2", "vSwitch3"}));
+}
+
+TEST_F(BatchTest, JsonPrintsOneArrayElementPerLine) {
+  std::string state = Seeded("json");
+  auto result = RunProcess({"--host-state", state, "--formatter", "json", "--batch",
+                            WriteBatch({"network firewall get",
+                                        "network vswitch standard add --vswitch-name vSwitch2",
+                                        "network vswitch standard list"})});
+  ASSERT_EQ(result.status, 0) << result.err;
+  auto array = nlohmann::json::parse(result.out);
+  ASSERT_TRUE(array.is_array());
+  ASSERT_EQ(array.size(), 3u);
+  EXPECT_EQ(array[0],
+            nlohmann::json::parse(RunLine("--formatter json network firewall get", state).out));
+  EXPECT_EQ(array[1], true);
+  EXPECT_EQ(array[2], nlohmann::json::parse(
+                          RunLine("--formatter json network vswitch standard list", state).out));
+}
+
+TEST_F(BatchTest, RefusesWhatCannotStandInABatch) {
+  std::string state = Seeded("refuse");
+  std::string before = Text(state);
+  auto nested = RunProcess({"--host-state", state, "--batch",
+                            WriteBatch({"network vswitch standard add --vswitch-name vSwitch2",
+                                        "--batch other.txt"})});
+  EXPECT_EQ(nested.status, 2);
+  EXPECT_EQ(Text(state), before);
+  auto missing = RunProcess({"--host-state", state, "--batch", dir_ + "/none.txt"});
+  EXPECT_EQ(missing.status, 2);
+  EXPECT_NE(missing.err.find("cannot read batch file"), std::string::npos);
+  auto words = RunProcess({"--batch", dir_ + "/none.txt", "network", "nic", "list"});
+  EXPECT_EQ(words.status, 2);
+}
+
+TEST(SplitWordsTest, SplitsAsAShellDoes) {
+  struct Case {
+    char const* text;
+    bool complete;
+    std::vector<std::string> words;
+  };
+  for (auto const& c : std::vector<Case>{
+           {"", true, {}},
+           {"   # only a comment", true, {}},
+           {"a  b\tc", true, {"a", "b", "c"}},
+           {"-p 'VM Network' x", true, {"-p", "VM Network", "x"}},
+           {"-p \"VM Network\"", true, {"-p", "VM Network"}},
+           {"VM\\ Network", true, {"VM Network"}},
+           {"a'b'\"c\"d", true, {"abcd"}},
+           {"'' \"\"", true, {"", ""}},
+           {"\"a \\\"q\\\" \\$x \\n\"", true, {"a \"q\" $x \\n"}},
+           {"'a \\ b'", true, {"a \\ b"}},
+           {"a#b # comment 'x", true, {"a#b"}},
+           {"a \\\nb", true, {"a", "b"}},
+           {"'open", false, {}},
+           {"\"open", false, {}},
+           {"trailing \\", false, {}},
+       }) {
+    SCOPED_TRACE(c.text);
+    std::vector<std::string> words;
+    EXPECT_EQ(Toolbase::Cli::SplitWords(c.text, words), c.complete);
+    if (c.complete) {
+      EXPECT_EQ(words, c.words);
+    }
+  }
+}
+
+}  // namespace
