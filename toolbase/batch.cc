@@ -82,6 +82,13 @@ bool ReadCommand(std::istream& in, int& line_number, BatchLine& command) {
   return true;
 }
 
+bool NamesHostState(std::vector<std::string> const& words) {
+  for (auto const& word : words) {
+    if (word == "--host-state" || word.rfind("--host-state=", 0) == 0) return true;
+  }
+  return false;
+}
+
 // Indents every line of `text` by two blanks and drops its final newline.
 std::string AsArrayElement(std::string const& text) {
   if (text.empty()) return "  null";
@@ -193,6 +200,10 @@ int RunBatch(BatchOptions const& options, std::istream& standard_input,
     int line_status;
     if (!command.complete) {
       err << "Error: unterminated quote or trailing backslash\n";
+      line_status = kUsageError;
+    } else if (NamesHostState(command.words)) {
+      // The host is loaded once for the whole batch, from one file.
+      err << "Error: --host-state cannot stand on a batch line; give it before --batch\n";
       line_status = kUsageError;
     } else {
       std::vector<std::string> args;

@@ -177,6 +177,13 @@ TEST_F(BatchTest, RefusesWhatCannotStandInABatch) {
                                         "--batch other.txt"})});
   EXPECT_EQ(nested.status, 2);
   EXPECT_EQ(Text(state), before);
+  std::string other = Seeded("other");
+  auto elsewhere = RunProcess(
+      {"--host-state", state, "--batch",
+       WriteBatch({"network vswitch standard add --vswitch-name vSwitch2 --host-state " + other})});
+  EXPECT_EQ(elsewhere.status, 2);
+  EXPECT_NE(elsewhere.err.find("--host-state cannot stand on a batch line"), std::string::npos);
+  EXPECT_EQ(Text(state), before);
   auto missing = RunProcess({"--host-state", state, "--batch", dir_ + "/none.txt"});
   EXPECT_EQ(missing.status, 2);
   EXPECT_NE(missing.err.find("cannot read batch file"), std::string::npos);

@@ -1,0 +1,48 @@
+// A batch of 1,000 `portgroup add` lines on the default host, in one process:
+// reading the batch, running every line, and the one write at the end. The
+// host starts afresh (default host) for every round. Target: under 100 ms.
+#include <benchmark/benchmark.h>
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "cli.h"
+#include "host_store.h"
+#include "support/harness.h"
+
+namespace {
+
+void BM_BatchThousandPortgroupAdds(benchmark::State& state) {
+  char dir_template[] = "/tmp/toolbase-bench-batch-XXXXXX";
+  std::string dir = mkdtemp(dir_template);
+  std::string host_state = dir + "/state.json";
+  std::string batch = dir + "/batch.txt";
+  {
+    std::ofstream file(batch);
+    for (int i = 0; i < 1000; ++i) {
+      file << "network vswitch standard portgroup add --vswitch-name vSwitch0 --portgroup-name pg-"
+           << i << '\n';
+    }
+  }
+  setenv("TOOLBASE_HOST_STATE", host_state.c_str(), 1);
+  auto& root = TestSupport::PluginRoot();
+  for (auto _ : state) {
+    state.PauseTiming();
+    OrvkCtl::Sim::ResetHostForTest();
+    std::filesystem::remove(host_state);
+    state.ResumeTiming();
+    std::ostringstream out;
+    std::ostringstream err;
+    if (Toolbase::Cli::Run({"--batch", batch}, root, out, err) != 0) {
+      state.SkipWithError(err.str().c_str());
+      break;
+    }
+  }
+  OrvkCtl::Sim::ResetHostForTest();
+  std::filesystem::remove_all(dir);
+}
+BENCHMARK(BM_BatchThousandPortgroupAdds)->Unit(benchmark::kMillisecond);
+
+}  // namespace
