@@ -264,6 +264,14 @@ void PrintPlugins(std::ostream& out) {
 int RunWorkflow(GlobalOptions const& options, NamespaceNode& root, std::ostream& out,
                 std::ostream& err) {
   if (options.complete) {
+    // Names on the host come from the state file the line being typed names.
+    auto const& words = options.complete_words;
+    for (size_t i = 0; i + 1 < words.size(); ++i) {
+      std::string state;
+      if (words[i] == "--host-state" && i + 2 < words.size()) state = words[i + 1];
+      if (words[i].rfind("--host-state=", 0) == 0) state = words[i].substr(13);
+      if (!state.empty()) setenv("TOOLBASE_HOST_STATE", state.c_str(), 1);
+    }
     for (auto const& candidate : CompletionCandidates(root, options.complete_words)) {
       out << candidate << '\n';
     }

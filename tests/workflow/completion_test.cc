@@ -19,6 +19,10 @@ class CompletionTest : public ::testing::Test {
     auto script = TestSupport::RunProcess({"--completion", "bash"});
     ASSERT_EQ(script.status, 0);
     std::ofstream(dir_ + "/toolbase.bash") << script.out;
+    auto other = TestSupport::RunProcess({"--host-state", dir_ + "/other.json", "network",
+                                          "vswitch", "standard", "add", "--vswitch-name",
+                                          "vSwitch7"});
+    ASSERT_EQ(other.status, 0) << other.err;
   }
   void TearDown() override { std::filesystem::remove_all(dir_); }
 
@@ -79,6 +83,10 @@ TEST_F(CompletionTest, OffersWordsParametersAndValues) {
            {{"network", "ip", "interface", "list", "--netstack", ""},
             "defaultTcpipStack\nlivehop\n"},
            {{"network", "nic", "list", "--formatter", "j"}, "json\n"},
+           // The switches of the state file the line names, not the default one.
+           {{"--host-state", dir_ + "/other.json", "network", "vswitch", "standard", "list",
+             "--vswitch-name", "vSwitch"},
+            "vSwitch0\nvSwitch1\nvSwitch7\n"},
        }) {
     std::string line;
     for (auto const& word : c.words) line += "[" + word + "]";
