@@ -45,7 +45,7 @@ void CheckMagic(PnicState const& nic, uint32_t magic) {
 // Refuses [offset, offset + length) beyond the EEPROM.
 void CheckRange(PnicState const& nic, uint64_t offset, uint64_t length) {
   uint64_t size = nic.eeprom.bytes.size();
-  if (offset >= size || length > size - offset) {
+  if (offset > size || length > size - offset) {
     throw HostCtlException("EEPROM range " + std::to_string(offset) + "+" + std::to_string(length) +
                            " is beyond the " + std::to_string(size) + " bytes of " + nic.name +
                            "'s EEPROM");
@@ -93,7 +93,8 @@ void PnicImpl::GetEepromDump(std::vector<unsigned char>& bytes, uint32_t length,
   auto const& nic = Cached();
   CheckEeprom(nic);
   uint64_t size = nic.eeprom.bytes.size();
-  uint64_t count = length == 0 && offset < size ? size - offset : length;
+  // Length 0 reads to the end, which at the very end is nothing.
+  uint64_t count = length == 0 && offset <= size ? size - offset : length;
   CheckRange(nic, offset, count);
   auto first = nic.eeprom.bytes.begin() + offset;
   bytes.insert(bytes.end(), first, first + static_cast<std::ptrdiff_t>(count));

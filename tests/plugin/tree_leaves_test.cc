@@ -241,9 +241,9 @@ TEST(TreeLeavesTest, EveryLeafStandsAtItsPathWithItsClass) {
   for (auto const& [path, command_class] : commands) {
     extra << "\n  " << path << " (" << command_class << ")";
   }
-  EXPECT_EQ(missing.str(), "") << "leaves missing from the tree:" << missing.str();
-  EXPECT_EQ(wrong.str(), "") << "leaves of the wrong class:" << wrong.str();
-  EXPECT_EQ(extra.str(), "") << "leaves the table does not know:" << extra.str();
+  EXPECT_TRUE(missing.str().empty()) << "leaves missing from the tree:" << missing.str();
+  EXPECT_TRUE(wrong.str().empty()) << "leaves of the wrong class:" << wrong.str();
+  EXPECT_TRUE(extra.str().empty()) << "leaves the table does not know:" << extra.str();
 }
 
 // The executable lists exactly the leaves of the table.
@@ -261,8 +261,8 @@ TEST(TreeLeavesTest, ListCommandsPrintsEveryLeaf) {
   }
   std::ostringstream extra;
   for (auto const& path : listed) extra << "\n  " << path;
-  EXPECT_EQ(missing.str(), "") << "not listed:" << missing.str();
-  EXPECT_EQ(extra.str(), "") << "listed beyond the table:" << extra.str();
+  EXPECT_TRUE(missing.str().empty()) << "not listed:" << missing.str();
+  EXPECT_TRUE(extra.str().empty()) << "listed beyond the table:" << extra.str();
 }
 
 }  // namespace

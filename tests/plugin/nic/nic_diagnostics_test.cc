@@ -41,7 +41,7 @@ class NicDiagnosticsTest : public HostTest {
   // Runs a command that must fail with `message` alone, without a root, and
   // leave the host as it was.
   void ExpectRefused(std::vector<std::string> const& args, std::string const& message) {
-    Root({"network", "nic", "register", "dump", "-n", "ornic0"});
+    OrvkCtl::Sim::ReadHost();  // the state file exists from here on
     std::string before = StateFileText();
     auto output = Execute(args);
     EXPECT_EQ(output->GetErrorMessages(), std::vector<std::string>{message});
@@ -160,8 +160,8 @@ TEST_F(NicDiagnosticsTest, RegistersComeSixteenToARowCountedInValues) {
   auto second = rows.find("{Offset=0010,Value=");
   ASSERT_NE(second, std::string::npos) << rows;
   EXPECT_EQ(rows.find("{Offset=", second + 1), std::string::npos) << rows;
-  // The counters of ornic0 follow: 18442311 packets received is 0x1197a47.
-  EXPECT_NE(rows.find(" 1197a47 "), std::string::npos) << rows;
+  // The counters of ornic0 follow: 18442311 packets received is 0x1196847.
+  EXPECT_NE(rows.find(" 1196847 "), std::string::npos) << rows;
 
   // A port taken down shows neither the set-link-up bit nor the link.
   auto down = Root({"network", "nic", "register", "dump", "-n", "ornic3"});
@@ -247,7 +247,7 @@ TEST_F(NicDiagnosticsTest, EepromValueIsWrittenLittleEndianAndKeptSound) {
   auto result = Run({"network", "nic", "eeprom", "change", "-n", "ornic0", "-m", kGigabitMagic,
                      "-o", "32", "-v", "3735928559"});  // 0xdeadbeef
   ASSERT_EQ(result.status, 0) << result.err;
-  EXPECT_EQ(result.out, "true\n");
+  EXPECT_EQ(result.out, "");
   Reload();
   EXPECT_EQ(Dump("ornic0", "32", "4"), "[" + Row("0020", "ef be ad de ") + "]");
   // The checksum word was brought along, so the self test still passes.
