@@ -13,6 +13,7 @@
 #include <sstream>
 #include <string>
 #include <typeinfo>
+#include <vector>
 
 #include "support/harness.h"
 #include "toolbase/auto_cli.h"
@@ -193,15 +194,21 @@ std::string ClassName(Toolbase::AutoCli::Command& command) {
   return name;
 }
 
-// Every command of the tree under `network`, by path, with its class.
-std::map<std::string, std::string> CommandsOfTheTree() {
+std::string ParentOf(std::string const& path) { return path.substr(0, path.rfind(' ')); }
+
+// Every command of the tree under `network`, by path, with its class; and
+// each parent's commands in the order the parent lists them.
+std::map<std::string, std::string> CommandsOfTheTree(
+    std::map<std::string, std::vector<std::string>>* order = nullptr) {
   std::map<std::string, std::string> commands;
   std::list<std::string> words = {"network"};
   auto network = TestSupport::PluginRoot().ResolveNode(words);
   std::function<void(NamespaceNode&)> walk = [&](NamespaceNode& node) {
     if (node.GetType() == NodeType::Command) {
       auto command = node.GetDispatcher();
-      commands[node.GetPathString(' ')] = command ? ClassName(*command) : "(no dispatcher)";
+      std::string path = node.GetPathString(' ');
+      commands[path] = command ? ClassName(*command) : "(no dispatcher)";
+      if (order) (*order)[ParentOf(path)].push_back(path);
     }
     for (auto const& child : node.GetNamespaceNodes()) walk(*child);
   };
@@ -244,6 +251,21 @@ TEST(TreeLeavesTest, EveryLeafStandsAtItsPathWithItsClass) {
   EXPECT_TRUE(missing.str().empty()) << "leaves missing from the tree:" << missing.str();
   EXPECT_TRUE(wrong.str().empty()) << "leaves of the wrong class:" << wrong.str();
   EXPECT_TRUE(extra.str().empty()) << "leaves the table does not know:" << extra.str();
+}
+
+// Each parent receives its commands in the order of the table (leaves not
+// in the tree yet are left out of the comparison).
+TEST(TreeLeavesTest, ParentsHoldTheirCommandsInTableOrder) {
+  std::map<std::string, std::vector<std::string>> order;
+  auto commands = CommandsOfTheTree(&order);
+  std::map<std::string, std::vector<std::string>> expected;
+  for (auto const& leaf : kLeaves) {
+    if (commands.count(leaf.path)) expected[ParentOf(leaf.path)].push_back(leaf.path);
+  }
+  for (auto const& [parent, paths] : order) {
+    SCOPED_TRACE(parent);
+    EXPECT_EQ(paths, expected[parent]);
+  }
 }
 
 // The executable lists exactly the leaves of the table.
