@@ -1,6 +1,7 @@
 // Uplink attachments and the SR-IOV views of the default host.
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -200,6 +201,34 @@ TEST_F(AttachmentSriovTest, VirtualFunctionsAndTheirCounters) {
   auto output = Execute({"network", "sriovnic", "vf", "list", "-n", "ornic2"});
   EXPECT_EQ(output->GetErrorMessages(),
             std::vector<std::string>{"Unable to get VF Info. Error:VF table locked"});
+}
+
+// The executable itself: exit status and the bytes on each stream.
+TEST_F(AttachmentSriovTest, ExecutableExitStatusAndStreams) {
+  std::map<std::string, std::string> env = {{"TOOLBASE_HOST_STATE", state_path_}};
+  auto refused = TestSupport::RunProcess(Add("ornic0", "ornic4", "4095"), env);
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_EQ(refused.out, "");
+  EXPECT_EQ(refused.err.rfind("Error: Parameter --vlan-id value 4095 is out of range", 0), 0u)
+      << refused.err;
+
+  env["TOOLBASE_HOST_FAULTS"] = "PnicImpl::AddAttachment=driver busy";
+  auto failed = TestSupport::RunProcess(Add("ornic0", "ornic4", "12"), env);
+  EXPECT_EQ(failed.status, 1);
+  EXPECT_EQ(failed.out, "");
+  EXPECT_EQ(failed.err, "Failed to attach uplink ornic4 to ornic0: driver busy\n");
+
+  env.erase("TOOLBASE_HOST_FAULTS");
+  auto vfs = TestSupport::RunProcess({"--formatter", "csv", "network", "sriovnic", "vf", "list",
+                                      "-n", "ornic2"},
+                                     env);
+  EXPECT_EQ(vfs.status, 0) << vfs.err;
+  EXPECT_EQ(vfs.out,
+            "VF ID,Active,PCI Address,Owner World ID\n"
+            "0,true,0000:3b:02.0,1000412\n"
+            "1,true,0000:3b:02.1,1000458\n"
+            "2,false,0000:3b:02.2,0\n"
+            "3,false,0000:3b:02.3,0\n");
 }
 
 }  // namespace
