@@ -64,7 +64,8 @@ std::shared_ptr<MetaList> NicEepromDump::DumpBinary(unsigned int offset,
   unsigned int address = offset & ~0xfu;
   size_t next = 0;
   auto fillRow = [&](unsigned columns) {
-    for (; next < bytes.size() && columns < kRowBytes; ++next, ++columns) text += HexByte(bytes[next]);
+    for (; next < bytes.size() && columns < kRowBytes; ++next, ++columns)
+      text += HexByte(bytes[next]);
   };
   auto addRow = [&]() {
     auto row = GetOutputStructure();
@@ -121,7 +122,8 @@ void NicEepromDump::ExecuteInternal(std::shared_ptr<Input> const& input,
     }
     long offset = input->HasParameter(kOffset) ? input->GetParameterInt(kOffset) : 0;
     long length = input->HasParameter(kLength) ? input->GetParameterInt(kLength) : 0;
-    if (!CheckParamUint32(*output, kOffset, offset) || !CheckParamUint32(*output, kLength, length)) {
+    if (!CheckParamUint32(*output, kOffset, offset) ||
+        !CheckParamUint32(*output, kLength, length)) {
       return;
     }
     std::vector<unsigned char> bytes;

@@ -29,11 +29,13 @@ std::string Hex(uint32_t value) {
 }
 
 void CheckDiagnostics(PnicState const& nic, char const* what) {
-  if (!nic.diagnostics) throw HostCtlException(std::string(what) + " is not supported by " + nic.name);
+  if (!nic.diagnostics)
+    throw HostCtlException(std::string(what) + " is not supported by " + nic.name);
 }
 
 void CheckEeprom(PnicState const& nic) {
-  if (nic.eeprom.bytes.empty()) throw HostCtlException("EEPROM access is not supported by " + nic.name);
+  if (nic.eeprom.bytes.empty())
+    throw HostCtlException("EEPROM access is not supported by " + nic.name);
 }
 
 void CheckMagic(PnicState const& nic, uint32_t magic) {
@@ -74,18 +76,33 @@ void PnicImpl::GetRegisterDump(std::vector<uint32_t>& values) {
   uint32_t status = 0x00080080 | (up ? 0x2 | speed | fullDuplex : 0);
   HostCtl::Network::MacAddress mac(nic.mac);
   auto const& b = mac.GetBytes();
-  uint32_t receiveAddressLow = uint32_t{b[0]} | uint32_t{b[1]} << 8 | uint32_t{b[2]} << 16 |
-                               uint32_t{b[3]} << 24;
+  uint32_t receiveAddressLow =
+      uint32_t{b[0]} | uint32_t{b[1]} << 8 | uint32_t{b[2]} << 16 | uint32_t{b[3]} << 24;
   uint32_t receiveAddressHigh = uint32_t{b[4]} | uint32_t{b[5]} << 8 | 0x80000000;
   uint32_t receiveControl = (nic.admin_up ? 0x2 : 0) | (nic.mtu > 1500 ? 0x20 : 0) | 0x8000;
   uint32_t flowControl = (nic.pause.rx ? 0x08000000 : 0) | (nic.pause.tx ? 0x10000000 : 0);
-  values.insert(values.end(),
-                {control, status, 0x00000110, 0x10000000, nic.phy_address << 21, receiveControl,
-                 0x0103f0fa, receiveAddressLow, receiveAddressHigh, static_cast<uint32_t>(nic.mtu),
-                 nic.ring.rx * 16, nic.ring.tx * 16, nic.coalesce.rx_usecs * 4, flowControl,
-                 Low(nic.stats.rx_packets), Low(nic.stats.tx_packets), Low(nic.stats.rx_bytes),
-                 High(nic.stats.rx_bytes), Low(nic.stats.tx_bytes), High(nic.stats.tx_bytes),
-                 Low(nic.stats.rx_crc_errors), Low(nic.stats.rx_missed_errors)});
+  values.insert(values.end(), {control,
+                               status,
+                               0x00000110,
+                               0x10000000,
+                               nic.phy_address << 21,
+                               receiveControl,
+                               0x0103f0fa,
+                               receiveAddressLow,
+                               receiveAddressHigh,
+                               static_cast<uint32_t>(nic.mtu),
+                               nic.ring.rx * 16,
+                               nic.ring.tx * 16,
+                               nic.coalesce.rx_usecs * 4,
+                               flowControl,
+                               Low(nic.stats.rx_packets),
+                               Low(nic.stats.tx_packets),
+                               Low(nic.stats.rx_bytes),
+                               High(nic.stats.rx_bytes),
+                               Low(nic.stats.tx_bytes),
+                               High(nic.stats.tx_bytes),
+                               Low(nic.stats.rx_crc_errors),
+                               Low(nic.stats.rx_missed_errors)});
 }
 
 void PnicImpl::GetEepromDump(std::vector<unsigned char>& bytes, uint32_t length, uint32_t offset) {

@@ -15,7 +15,8 @@ using Sim::CheckFault;
 Sim::PnicState const& SriovNic(std::string const& name) {
   auto const* nic = Sim::FindPnic(Sim::ReadHost().nic, name);
   if (!nic) throw HostCtlException("Physical NIC " + name + " not found");
-  if (!nic->sriov.enabled) throw HostCtlException("Physical NIC " + name + " is not SR-IOV enabled");
+  if (!nic->sriov.enabled)
+    throw HostCtlException("Physical NIC " + name + " is not SR-IOV enabled");
   return *nic;
 }
 
@@ -55,13 +56,11 @@ void NetworkInfoImpl::GetSriovNicVFStats(HostCtl::Network::SriovNicVFStats* stat
   for (auto const& vf : SriovNic(name).sriov.vfs) {
     if (vfId < 0 || vf.vf_id != static_cast<uint32_t>(vfId)) continue;
     auto const& s = vf.stats;
-    *stats = {s.rx_unicast_pkts,    s.rx_unicast_bytes,   s.rx_multicast_pkts,
-              s.rx_multicast_bytes, s.rx_broadcast_pkts,  s.rx_broadcast_bytes,
-              s.rx_out_of_buffer,   s.rx_error_drops,     s.rx_lro_pkts,
-              s.rx_lro_bytes,       s.tx_unicast_pkts,    s.tx_unicast_bytes,
-              s.tx_multicast_pkts,  s.tx_multicast_bytes, s.tx_broadcast_pkts,
-              s.tx_broadcast_bytes, s.tx_errors,          s.tx_discards,
-              s.tx_tso_pkts,        s.tx_tso_bytes};
+    *stats = {s.rx_unicast_pkts,   s.rx_unicast_bytes,   s.rx_multicast_pkts, s.rx_multicast_bytes,
+              s.rx_broadcast_pkts, s.rx_broadcast_bytes, s.rx_out_of_buffer,  s.rx_error_drops,
+              s.rx_lro_pkts,       s.rx_lro_bytes,       s.tx_unicast_pkts,   s.tx_unicast_bytes,
+              s.tx_multicast_pkts, s.tx_multicast_bytes, s.tx_broadcast_pkts, s.tx_broadcast_bytes,
+              s.tx_errors,         s.tx_discards,        s.tx_tso_pkts,       s.tx_tso_bytes};
     return;
   }
   throw HostCtlException("Physical NIC " + name + " has no VF " + std::to_string(vfId));

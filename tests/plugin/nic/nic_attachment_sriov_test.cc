@@ -121,9 +121,11 @@ TEST_F(AttachmentSriovTest, AttachmentFaultsCarryTheirPrefix) {
        "Failed to attach uplink ornic4 to ornic0: bus error"},
       {"PnicImpl::RemoveAttachment", Remove("ornic2", "ornic3"),
        "Failed to detach uplink ornic3 from ornic2: bus error"},
-      {"NetworkFactory::GetNetworkInfo", {"network", "nic", "attachment", "list"},
+      {"NetworkFactory::GetNetworkInfo",
+       {"network", "nic", "attachment", "list"},
        "Unable to list uplink's attachment info: bus error"},
-      {"PnicImpl::GetMacAddress", {"network", "nic", "attachment", "list"},
+      {"PnicImpl::GetMacAddress",
+       {"network", "nic", "attachment", "list"},
        "Unable to list uplink's attachment info: bus error"},
   };
   for (auto const& c : cases) {
@@ -164,8 +166,8 @@ TEST_F(AttachmentSriovTest, VirtualFunctionsAndTheirCounters) {
             "{VF ID=2,Active=false,PCI Address=0000:3b:02.2,Owner World ID=0},"
             "{VF ID=3,Active=false,PCI Address=0000:3b:02.3,Owner World ID=0}]");
   auto stats = Root({"network", "sriovnic", "vf", "stats", "-n", "ornic2", "-v", "1"});
-  EXPECT_EQ(stats.find("[{NIC Name=ornic2,VF ID=1,Rx Unicast Pkt=882104,Rx Unicast Bytes=711209983,"),
-            0u)
+  EXPECT_EQ(
+      stats.find("[{NIC Name=ornic2,VF ID=1,Rx Unicast Pkt=882104,Rx Unicast Bytes=711209983,"), 0u)
       << stats;
   EXPECT_NE(stats.find("Tx Discards=0,Tx TSO Pkts=512330,Tx TSO Bytes=7302211876}]"),
             std::string::npos)
@@ -184,10 +186,12 @@ TEST_F(AttachmentSriovTest, VirtualFunctionsAndTheirCounters) {
     std::string message;
   };
   std::vector<Case> cases = {
-      {{"network", "sriovnic", "vf", "list", "-n", "ornic9"}, "There is no SRIOV Nic with name ornic9"},
+      {{"network", "sriovnic", "vf", "list", "-n", "ornic9"},
+       "There is no SRIOV Nic with name ornic9"},
       {{"network", "sriovnic", "vf", "stats", "-n", "ornic9", "-v", "0"},
        "There is no SRIOV Nic with name ornic9"},
-      {{"network", "sriovnic", "vf", "list", "-n", "ornic0"}, "There is no SRIOV Nic with name ornic0"},
+      {{"network", "sriovnic", "vf", "list", "-n", "ornic0"},
+       "There is no SRIOV Nic with name ornic0"},
       {{"network", "sriovnic", "vf", "stats", "-n", "ornic2", "-v", "9"},
        "Unable to get VF Stats. Error:Physical NIC ornic2 has no VF 9"},
   };
@@ -219,9 +223,8 @@ TEST_F(AttachmentSriovTest, ExecutableExitStatusAndStreams) {
   EXPECT_EQ(failed.err, "Failed to attach uplink ornic4 to ornic0: driver busy\n");
 
   env.erase("TOOLBASE_HOST_FAULTS");
-  auto vfs = TestSupport::RunProcess({"--formatter", "csv", "network", "sriovnic", "vf", "list",
-                                      "-n", "ornic2"},
-                                     env);
+  auto vfs = TestSupport::RunProcess(
+      {"--formatter", "csv", "network", "sriovnic", "vf", "list", "-n", "ornic2"}, env);
   EXPECT_EQ(vfs.status, 0) << vfs.err;
   EXPECT_EQ(vfs.out,
             "VF ID,Active,PCI Address,Owner World ID\n"

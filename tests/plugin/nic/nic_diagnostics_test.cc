@@ -211,8 +211,8 @@ TEST_F(NicDiagnosticsTest, SelfTestReportsResultThenInfo) {
 }
 
 TEST_F(NicDiagnosticsTest, EepromChangeOptionRules) {
-  std::vector<std::string> const base = {"network", "nic", "eeprom", "change", "-n", "ornic0",
-                                         "-m",      kGigabitMagic};
+  std::vector<std::string> const base = {"network", "nic",    "eeprom", "change",
+                                         "-n",      "ornic0", "-m",     kGigabitMagic};
   struct Case {
     std::vector<std::string> options;
     std::string message;
@@ -235,12 +235,12 @@ TEST_F(NicDiagnosticsTest, EepromChangeOptionRules) {
     args.insert(args.end(), c.options.begin(), c.options.end());
     ExpectRefused(args, c.message);
   }
-  ExpectRefused({"network", "nic", "eeprom", "change", "-n", "ornic0", "-m", kSfp28Magic, "-o",
-                 "0", "-v", "1"},
+  ExpectRefused({"network", "nic", "eeprom", "change", "-n", "ornic0", "-m", kSfp28Magic, "-o", "0",
+                 "-v", "1"},
                 "Invalid EEPROM magic key 0x0c251f3a for ornic0");
   // Magic is required: the line is refused before the command runs.
-  EXPECT_EQ(Run({"network", "nic", "eeprom", "change", "-n", "ornic0", "-o", "0", "-v", "1"}).status,
-            2);
+  EXPECT_EQ(
+      Run({"network", "nic", "eeprom", "change", "-n", "ornic0", "-o", "0", "-v", "1"}).status, 2);
 }
 
 TEST_F(NicDiagnosticsTest, EepromValueIsWrittenLittleEndianAndKeptSound) {
@@ -257,8 +257,8 @@ TEST_F(NicDiagnosticsTest, EepromValueIsWrittenLittleEndianAndKeptSound) {
 }
 
 TEST_F(NicDiagnosticsTest, EepromFileIsReadByTheLibrary) {
-  std::vector<std::string> const base = {"network", "nic", "eeprom", "change", "-n", "ornic0",
-                                         "-m",      kGigabitMagic, "-f"};
+  std::vector<std::string> const base = {"network", "nic", "eeprom",      "change", "-n",
+                                         "ornic0",  "-m",  kGigabitMagic, "-f"};
   auto change = [&](std::string const& file) {
     auto args = base;
     args.push_back(file);
