@@ -6,7 +6,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 
 #include "fault.h"
@@ -161,6 +160,7 @@ void PnicImpl::SetEepromFile(uint32_t magic, std::string const& file) {
   }
   Change([&](PnicState& nic) {
     CheckEeprom(nic);
+    CheckRange(nic, 0, image.size());
     std::copy(image.begin(), image.end(), nic.eeprom.bytes.begin());
   });
 }
