@@ -32,6 +32,9 @@
 #include "ip/IpRouteIpv6List.h"
 #include "ip/IpRouteIpv6Remove.h"
 #include "ip/IpSet.h"
+#include "nic/NicAttachmentAdd.h"
+#include "nic/NicAttachmentList.h"
+#include "nic/NicAttachmentRemove.h"
 #include "nic/NicCoalesceGet.h"
 #include "nic/NicCoalesceHighGet.h"
 #include "nic/NicCoalesceHighSet.h"
@@ -41,14 +44,18 @@
 #include "nic/NicCsoGet.h"
 #include "nic/NicCsoSet.h"
 #include "nic/NicDown.h"
+#include "nic/NicEepromChange.h"
+#include "nic/NicEepromDump.h"
 #include "nic/NicGet.h"
 #include "nic/NicList.h"
 #include "nic/NicNegotiationRestart.h"
 #include "nic/NicPauseParamsList.h"
 #include "nic/NicPauseParamsSet.h"
+#include "nic/NicRegisterDump.h"
 #include "nic/NicRingCurrentGet.h"
 #include "nic/NicRingCurrentSet.h"
 #include "nic/NicRingPresetGet.h"
+#include "nic/NicSelfTestRun.h"
 #include "nic/NicSet.h"
 #include "nic/NicSgGet.h"
 #include "nic/NicSgSet.h"
@@ -58,6 +65,9 @@
 #include "nic/NicUp.h"
 #include "nic/NicVlanStatsGet.h"
 #include "nic/NicVlanStatsSet.h"
+#include "nic/SriovNicList.h"
+#include "nic/VfList.h"
+#include "nic/VfStats.h"
 #include "runtime/PortFilterStatsGet.h"
 #include "runtime/PortStatsGet.h"
 #include "vswitch/VirtualSwitchDVSCorvaneList.h"
@@ -238,9 +248,12 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   nic->RegisterNamespaceNode(nic_pauseparams, "pauseParams");
   auto nic_register = Namespace::New();
   nic_register->SetDescription("Commands to access registers for a NIC");
+  nic_register->RegisterNamespaceNode(NicRegisterDump::New(), "dump");
   nic->RegisterNamespaceNode(nic_register, "register");
   auto nic_eeprom = Namespace::New();
   nic_eeprom->SetDescription("Commands to access EEPROM for a NIC");
+  nic_eeprom->RegisterNamespaceNode(NicEepromDump::New(), "dump");
+  nic_eeprom->RegisterNamespaceNode(NicEepromChange::New(), "change");
   nic->RegisterNamespaceNode(nic_eeprom, "eeprom");
   auto nic_negotiate = Namespace::New();
   nic_negotiate->SetDescription("Commands to access negotiation feature on a NIC");
@@ -248,6 +261,7 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   nic->RegisterNamespaceNode(nic_negotiate, "negotiate");
   auto nic_selftest = Namespace::New();
   nic_selftest->SetDescription("Commands to access self test feature on a NIC");
+  nic_selftest->RegisterNamespaceNode(NicSelfTestRun::New(), "run");
   nic->RegisterNamespaceNode(nic_selftest, "selftest");
   auto nic_queue = Namespace::New();
   nic_queue->SetDescription("Commands to access RX/TX netqueue features on a NIC");
@@ -299,12 +313,18 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   nic->RegisterNamespaceNode(nic_dcb, "dcb");
   auto nic_attachment = Namespace::New();
   nic_attachment->SetDescription("Commands to access attachment info for a NIC.");
+  nic_attachment->RegisterNamespaceNode(NicAttachmentAdd::New(), "add");
+  nic_attachment->RegisterNamespaceNode(NicAttachmentRemove::New(), "remove");
+  nic_attachment->RegisterNamespaceNode(NicAttachmentList::New(), "list");
   nic->RegisterNamespaceNode(nic_attachment, "attachment");
   network->RegisterNamespaceNode(nic, "nic");
   auto sriovnic = Namespace::New();
   sriovnic->SetDescription("Operations having to do with the configuration of SRIOV enabled Network Interface Card and getting and updating the NIC settings.");
+  sriovnic->RegisterNamespaceNode(SriovNicList::New(), "list");
   auto sriovnic_vf = Namespace::New();
   sriovnic_vf->SetDescription("Operations related to VFs of a SRIOV capable pNIC");
+  sriovnic_vf->RegisterNamespaceNode(VfList::New(), "list");
+  sriovnic_vf->RegisterNamespaceNode(VfStats::New(), "stats");
   sriovnic->RegisterNamespaceNode(sriovnic_vf, "vf");
   network->RegisterNamespaceNode(sriovnic, "sriovnic");
   auto vswitch = Namespace::New();

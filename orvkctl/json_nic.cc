@@ -29,13 +29,51 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(NicStatsState, tx_packets, rx_pa
                                                 tx_fifo_errors, tx_carrier_errors,
                                                 tx_heartbeat_errors, tx_window_errors, collisions)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(VlanStatsState, vlan_id, rx_packets, tx_packets)
+// The EEPROM is kept as one string of lowercase hex digits, two per byte.
+void to_json(nlohmann::json& j, EepromImage const& image) {
+  static char const kDigits[] = "0123456789abcdef";
+  std::string text;
+  text.reserve(image.bytes.size() * 2);
+  for (uint8_t byte : image.bytes) {
+    text += kDigits[byte >> 4];
+    text += kDigits[byte & 0xf];
+  }
+  j = text;
+}
+
+void from_json(nlohmann::json const& j, EepromImage& image) {
+  auto const& text = j.get_ref<std::string const&>();
+  if (text.size() % 2 != 0) throw std::invalid_argument("EEPROM image of odd length");
+  auto digit = [](char c) -> uint8_t {
+    if (c >= '0' && c <= '9') return static_cast<uint8_t>(c - '0');
+    if (c >= 'a' && c <= 'f') return static_cast<uint8_t>(c - 'a' + 10);
+    if (c >= 'A' && c <= 'F') return static_cast<uint8_t>(c - 'A' + 10);
+    throw std::invalid_argument("EEPROM image with a character that is no hex digit");
+  };
+  image.bytes.clear();
+  image.bytes.reserve(text.size() / 2);
+  for (size_t i = 0; i < text.size(); i += 2) {
+    image.bytes.push_back(static_cast<uint8_t>(digit(text[i]) << 4 | digit(text[i + 1])));
+  }
+}
+
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(AttachmentState, branch, vlan_id)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(
+    VfStatsState, rx_unicast_pkts, rx_unicast_bytes, rx_multicast_pkts, rx_multicast_bytes,
+    rx_broadcast_pkts, rx_broadcast_bytes, rx_out_of_buffer, rx_error_drops, rx_lro_pkts,
+    rx_lro_bytes, tx_unicast_pkts, tx_unicast_bytes, tx_multicast_pkts, tx_multicast_bytes,
+    tx_broadcast_pkts, tx_broadcast_bytes, tx_errors, tx_discards, tx_tso_pkts, tx_tso_bytes)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(VfState, vf_id, active, pci_address, owner_world,
+                                                stats)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(SriovState, enabled, vfs)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(
     PnicState, name, pci_address, pci_vendor, pci_device, pseudo_descriptor, driver, driver_version,
     firmware_version, mac, mtu, admin_up, carrier, speed, duplex, supported_ports, port,
     supported_link_modes, advertised_link_modes, supports_auto_negotiation,
     advertised_auto_negotiation, auto_negotiation, phy_address, transceiver, supports_wake_on,
     supported_wake_on, wake_on, supports_message_level, message_level, virtual_address, pause,
-    negotiation_restarts, offload, coalesce, ring, stats, vlan_stats_enabled, vlan_stats)
+    negotiation_restarts, offload, coalesce, ring, stats, vlan_stats_enabled, vlan_stats, eeprom,
+    eeprom_magic, diagnostics, attachments, sriov)
 
 void to_json(nlohmann::json& j, NicArea const& area) {
   j = nlohmann::json::object();

@@ -1,6 +1,7 @@
 // Physical NICs: records of the simulated host.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -130,6 +131,75 @@ struct VlanStatsState {
   bool operator==(VlanStatsState const&) const = default;
 };
 
+// The bytes of a device's EEPROM; empty when the driver gives no access to
+// it. Words are little endian; the first 64 words sum to kEepromChecksumSum
+// when the image is sound, the 64th word making up the difference.
+struct EepromImage {
+  std::vector<uint8_t> bytes;
+
+  bool operator==(EepromImage const&) const = default;
+};
+constexpr uint16_t kEepromChecksumSum = 0xBABA;
+constexpr size_t kEepromChecksumWords = 64;
+// Whether the first 64 words add up as they should (false for an image too
+// small to hold them).
+bool EepromChecksumValid(EepromImage const& image);
+// Rewrites the checksum word so that the image is sound.
+void SealEeprom(EepromImage& image);
+
+// A branch uplink attached to the uplink that holds this record, its trunk.
+struct AttachmentState {
+  std::string branch;
+  uint16_t vlan_id = 0;
+
+  bool operator==(AttachmentState const&) const = default;
+};
+
+// Counters of one SR-IOV virtual function.
+struct VfStatsState {
+  uint64_t rx_unicast_pkts = 0;
+  uint64_t rx_unicast_bytes = 0;
+  uint64_t rx_multicast_pkts = 0;
+  uint64_t rx_multicast_bytes = 0;
+  uint64_t rx_broadcast_pkts = 0;
+  uint64_t rx_broadcast_bytes = 0;
+  uint64_t rx_out_of_buffer = 0;
+  uint64_t rx_error_drops = 0;
+  uint64_t rx_lro_pkts = 0;
+  uint64_t rx_lro_bytes = 0;
+  uint64_t tx_unicast_pkts = 0;
+  uint64_t tx_unicast_bytes = 0;
+  uint64_t tx_multicast_pkts = 0;
+  uint64_t tx_multicast_bytes = 0;
+  uint64_t tx_broadcast_pkts = 0;
+  uint64_t tx_broadcast_bytes = 0;
+  uint64_t tx_errors = 0;
+  uint64_t tx_discards = 0;
+  uint64_t tx_tso_pkts = 0;
+  uint64_t tx_tso_bytes = 0;
+
+  bool operator==(VfStatsState const&) const = default;
+};
+
+// One virtual function of an SR-IOV physical function.
+struct VfState {
+  uint32_t vf_id = 0;
+  bool active = false;
+  std::string pci_address;
+  uint32_t owner_world = 0;  // the VM's world id; 0 while unassigned
+  VfStatsState stats;
+
+  bool operator==(VfState const&) const = default;
+};
+
+// SR-IOV of a physical NIC: whether it is a physical function, and its VFs.
+struct SriovState {
+  bool enabled = false;
+  std::vector<VfState> vfs;
+
+  bool operator==(SriovState const&) const = default;
+};
+
 // One physical uplink. A device on the PCI bus has a PCI address; one without
 // (USB, ACPI) has an empty address and a pseudo descriptor of the form
 // "<kind>:<vendor>:<device>", e.g. "USB-NIC:Acme:Net100".
@@ -180,6 +250,16 @@ struct PnicState {
   std::vector<VlanStatsState> vlan_stats;
   // How often the driver was asked to negotiate the link again.
   uint32_t negotiation_restarts = 0;
+
+  // Diagnostics: the EEPROM with the key that unlocks writes to it (the
+  // device id over the vendor id), and whether the driver dumps registers
+  // and runs self tests.
+  EepromImage eeprom;
+  uint32_t eeprom_magic = 0;
+  bool diagnostics = false;
+  // Branch uplinks attached to this one as their trunk, in attach order.
+  std::vector<AttachmentState> attachments;
+  SriovState sriov;
 
   bool operator==(PnicState const&) const = default;
 };

@@ -11,6 +11,41 @@ constexpr uint32_t kFull = 1, kHalf = 2;
 constexpr int32_t kBaseT = 2, kBaseSR = 9, kBaseCR1 = 14, kBaseSFI = 24;
 constexpr uint32_t kPhyActivity = 0, kUnicast = 1, kMulticast = 2, kBroadcast = 3, kMagic = 5;
 
+// Vendor and device ids of the two PCI cards; an EEPROM's magic key is the
+// device id over the vendor id.
+constexpr uint16_t kVendorId = 0x1f3a;
+constexpr uint16_t kGigabitDeviceId = 0x0b41, kSfp28DeviceId = 0x0c25;
+
+void PutWord(EepromImage& image, size_t word, uint16_t value) {
+  image.bytes[word * 2] = static_cast<uint8_t>(value & 0xff);
+  image.bytes[word * 2 + 1] = static_cast<uint8_t>(value >> 8);
+}
+
+// A sealed EEPROM image of `size` bytes: the MAC address first, the ids and
+// init words of the device, unused space erased (0xff).
+EepromImage MakeEeprom(std::string const& mac, uint16_t device, size_t size, uint16_t image) {
+  EepromImage eeprom;
+  eeprom.bytes.assign(size, 0xff);
+  for (size_t i = 0; i < 6; ++i) {
+    eeprom.bytes[i] = static_cast<uint8_t>(std::stoul(mac.substr(i * 3, 2), nullptr, 16));
+  }
+  for (size_t word = 3; word < kEepromChecksumWords; ++word) PutWord(eeprom, word, 0);
+  PutWord(eeprom, 0x03, 0x0420);  // compatibility
+  PutWord(eeprom, 0x05, image);   // image version
+  PutWord(eeprom, 0x08, 0x4b31);  // printed board assembly number
+  PutWord(eeprom, 0x09, 0x0a07);
+  PutWord(eeprom, 0x0a, 0x44c3);  // init control 1
+  PutWord(eeprom, 0x0b, device);  // subsystem id
+  PutWord(eeprom, 0x0c, kVendorId);
+  PutWord(eeprom, 0x0d, device);
+  PutWord(eeprom, 0x0e, kVendorId);
+  PutWord(eeprom, 0x0f, 0x3c10);  // init control 2
+  PutWord(eeprom, 0x10, 0x0080);
+  PutWord(eeprom, 0x24, 0x0c13);  // LED configuration
+  SealEeprom(eeprom);
+  return eeprom;
+}
+
 PnicState GigabitCopperPort(std::string name, std::string pci, std::string mac, uint32_t phy) {
   PnicState nic;
   nic.name = std::move(name);
@@ -66,6 +101,9 @@ PnicState GigabitCopperPort(std::string name, std::string pci, std::string mac, 
   nic.coalesce.tx_usecs_high = 125;
   nic.coalesce.tx_frames_high = 128;
   nic.ring = {true, 4096, 0, 0, 4096, 1024, 0, 0, 1024};
+  nic.eeprom = MakeEeprom(mac, kGigabitDeviceId, 256, 0x1012);
+  nic.eeprom_magic = uint32_t{kGigabitDeviceId} << 16 | kVendorId;
+  nic.diagnostics = true;
   return nic;
 }
 
@@ -120,6 +158,9 @@ PnicState Sfp28Port(std::string name, std::string pci, std::string mac) {
   nic.coalesce.tx_usecs_high = 250;
   nic.coalesce.tx_frames_high = 255;
   nic.ring = {true, 8192, 0, 4096, 8192, 4096, 0, 1024, 4096};
+  nic.eeprom = MakeEeprom(mac, kSfp28DeviceId, 512, 0x2260);
+  nic.eeprom_magic = uint32_t{kSfp28DeviceId} << 16 | kVendorId;
+  nic.diagnostics = true;
   return nic;
 }
 
@@ -202,7 +243,44 @@ void SeedNic(HostModel& host) {
                   0};
   ornic3.stats = {88210, 90114, 7905340, 8203411, 0, 0, 0, 0, 12, 31, 4, 2,
                   0,     0,     0,       0,       0, 0, 0, 0, 0,  0,  0, 0};
+
+  // The second 25GbE port rides on the first as its branch for VLAN 300.
+  ornic2.attachments = {{"ornic3", 300}};
+  // ornic2 is the host's SR-IOV physical function: four VFs, the first two
+  // passed through to app-01 and repl-01.
+  ornic2.sriov.enabled = true;
+  ornic2.sriov.vfs = {
+      {0, true, "0000:3b:02.0", 1000412,
+       {4410233, 3902115871, 1204, 90112, 3310, 211840, 12, 0, 120448, 1705120993,
+        3980112, 2210334871, 880, 66010, 41, 2624, 0, 3, 98004, 1309822140}},
+      {1, true, "0000:3b:02.1", 1000458,
+       {882104, 711209983, 40, 3120, 301, 19264, 0, 1, 0, 0,
+        7701320, 11022987301, 12, 960, 9, 576, 0, 0, 512330, 7302211876}},
+      {2, false, "0000:3b:02.2", 0, {}},
+      {3, false, "0000:3b:02.3", 0, {}},
+  };
   host.nic.pnics = {ornic0, ornic1, ornic2, ornic3, UsbAdapter()};
+}
+
+bool EepromChecksumValid(EepromImage const& image) {
+  if (image.bytes.size() < kEepromChecksumWords * 2) return false;
+  uint16_t sum = 0;
+  for (size_t word = 0; word < kEepromChecksumWords; ++word) {
+    sum = static_cast<uint16_t>(sum + (image.bytes[word * 2] | image.bytes[word * 2 + 1] << 8));
+  }
+  return sum == kEepromChecksumSum;
+}
+
+void SealEeprom(EepromImage& image) {
+  if (image.bytes.size() < kEepromChecksumWords * 2) return;
+  uint16_t sum = 0;
+  for (size_t word = 0; word + 1 < kEepromChecksumWords; ++word) {
+    sum = static_cast<uint16_t>(sum + (image.bytes[word * 2] | image.bytes[word * 2 + 1] << 8));
+  }
+  uint16_t checksum = static_cast<uint16_t>(kEepromChecksumSum - sum);
+  size_t last = (kEepromChecksumWords - 1) * 2;
+  image.bytes[last] = static_cast<uint8_t>(checksum & 0xff);
+  image.bytes[last + 1] = static_cast<uint8_t>(checksum >> 8);
 }
 
 PnicState* FindPnic(NicArea& area, std::string const& name) {

@@ -17,6 +17,39 @@ class PortGroup;
 class VirtualSwitch;
 
 using PnicList = std::vector<std::unique_ptr<Pnic>>;
+
+// One virtual function of an SR-IOV capable NIC. `ownerWorldId` is the world
+// id of the VM that uses the VF, as decimal text; "0" for none.
+struct SriovNicVFInfo {
+  uint8_t vfId = 0;
+  bool active = false;
+  std::string pciAddress;
+  std::string ownerWorldId;
+};
+
+// Counters of one virtual function since it was enabled.
+struct SriovNicVFStats {
+  uint64_t rxUnicastPkts = 0;
+  uint64_t rxUnicastBytes = 0;
+  uint64_t rxMulticastPkts = 0;
+  uint64_t rxMulticastBytes = 0;
+  uint64_t rxBroadcastPkts = 0;
+  uint64_t rxBroadcastBytes = 0;
+  uint64_t rxOutOfBufferDrops = 0;
+  uint64_t rxErrorDrops = 0;
+  uint64_t rxLroPkts = 0;
+  uint64_t rxLroBytes = 0;
+  uint64_t txUnicastPkts = 0;
+  uint64_t txUnicastBytes = 0;
+  uint64_t txMulticastPkts = 0;
+  uint64_t txMulticastBytes = 0;
+  uint64_t txBroadcastPkts = 0;
+  uint64_t txBroadcastBytes = 0;
+  uint64_t txErrors = 0;
+  uint64_t txDiscards = 0;
+  uint64_t txTsoPkts = 0;
+  uint64_t txTsoBytes = 0;
+};
 using NetstackInstanceList = std::vector<std::unique_ptr<NetstackInstance>>;
 
 // The network view of the host. Every operation throws Lib::HostCtlException
@@ -100,6 +133,19 @@ class NetworkInfoImpl : public virtual HostCtl::Network::NetworkInfo,
   // The port groups of all standard switches, switch by switch, owned by the
   // caller.
   std::vector<std::unique_ptr<HostCtl::Network::PortGroup>> GetAllPortGroups();
+
+  // SR-IOV capable physical NICs (physical functions), in the order the host
+  // enumerates them, owned by the caller.
+  HostCtl::Network::PnicList GetSriovNics();
+  // The SR-IOV capable NIC of that name; null for an unknown name and for a
+  // NIC without SR-IOV.
+  std::unique_ptr<HostCtl::Network::Pnic> GetSriovNicByName(std::string const& name);
+  // The VFs of that NIC, by VF id. Throws for a NIC without SR-IOV.
+  std::vector<HostCtl::Network::SriovNicVFInfo> GetSriovNicVFInfo(std::string const& name);
+  // Fills `stats` with the counters of VF `vfId` of that NIC. Throws for a
+  // NIC without SR-IOV and for a VF id the NIC does not have.
+  void GetSriovNicVFStats(HostCtl::Network::SriovNicVFStats* stats, std::string const& name,
+                          int vfId);
 };
 
 }  // namespace OrvkCtl::Network

@@ -190,6 +190,19 @@ struct PnicStats {
   uint64_t transmitCompressed = 0;
 };
 
+// What a device's self test found: `failed` when any test failed, and one
+// line per test in the order they ran.
+struct PnicSelfTestResult {
+  bool failed = false;
+  std::vector<std::string> info;
+};
+
+// One branch uplink attached to a trunk uplink, tagged with its VLAN.
+struct PnicAttachment {
+  std::string branch;
+  uint16_t vlanId = 0;
+};
+
 // The PCI function of an uplink, as the host read it when the object was
 // made. Each accessor throws Lib::HostCtlException when the host fails.
 class PciDevice : public virtual Lib::HostCtlObject {
@@ -273,6 +286,34 @@ class Pnic : public virtual Lib::HostCtlObject {
   // above the preset maximum, and a ring the device does not have.
   virtual void SetRingParams(PnicRingParams& params) = 0;
   virtual void GetPnicStats(PnicStats& stats) = 0;
+
+  // Diagnostics. Each throws for a device whose driver offers no such access.
+  // Appends the device's registers, as 32-bit values, to `values`.
+  virtual void GetRegisterDump(std::vector<uint32_t>& values) = 0;
+  // Appends `length` bytes of the EEPROM from `offset` to `bytes`; length 0
+  // reads from `offset` to the end. Refuses a range beyond the EEPROM.
+  virtual void GetEepromDump(std::vector<unsigned char>& bytes, uint32_t length,
+                             uint32_t offset) = 0;
+  // Writes the double word `value` (little endian) at byte `offset`. Refuses
+  // a magic key that is not the device's and a range beyond the EEPROM.
+  virtual void SetEepromValue(uint32_t magic, uint32_t offset, uint32_t value) = 0;
+  // Writes the raw image in the file `file` from offset 0. Refuses a wrong
+  // magic key, a file that cannot be read, an empty one and one larger than
+  // the EEPROM; nothing is written then.
+  virtual void SetEepromFile(uint32_t magic, std::string const& file) = 0;
+  // Runs the device's tests; `online` runs only those that leave traffic
+  // alone. A failed test is reported in `result`, not thrown.
+  virtual void RunSelfTest(PnicSelfTestResult& result, bool online) = 0;
+
+  // Attachments of branch uplinks to this uplink as their trunk.
+  // Refuses an unknown branch, the trunk itself, a branch attached already
+  // (here or elsewhere), a branch that is a trunk, a trunk that is a branch,
+  // a VLAN in use on this trunk and a VLAN beyond PortGroup::MAX_VLAN_ID - 1.
+  virtual void AddAttachment(std::string const& branch, uint16_t vlanId) = 0;
+  // Refuses a branch that is not attached to this trunk.
+  virtual void RemoveAttachment(std::string const& branch) = 0;
+  // In the order they were attached.
+  virtual std::vector<PnicAttachment> GetAttachments() = 0;
 };
 
 }  // namespace HostCtl::Network
@@ -321,6 +362,14 @@ class PnicImpl : public virtual HostCtl::Network::Pnic, public virtual Lib::Orvk
                      HostCtl::Network::PnicRingParams& current) override;
   void SetRingParams(HostCtl::Network::PnicRingParams& params) override;
   void GetPnicStats(HostCtl::Network::PnicStats& stats) override;
+  void GetRegisterDump(std::vector<uint32_t>& values) override;
+  void GetEepromDump(std::vector<unsigned char>& bytes, uint32_t length, uint32_t offset) override;
+  void SetEepromValue(uint32_t magic, uint32_t offset, uint32_t value) override;
+  void SetEepromFile(uint32_t magic, std::string const& file) override;
+  void RunSelfTest(HostCtl::Network::PnicSelfTestResult& result, bool online) override;
+  void AddAttachment(std::string const& branch, uint16_t vlanId) override;
+  void RemoveAttachment(std::string const& branch) override;
+  std::vector<HostCtl::Network::PnicAttachment> GetAttachments() override;
 
  private:
   Sim::PnicState const& Cached();

@@ -1,0 +1,94 @@
+#include "nic/NicRegisterDump.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "hostctl/network_info.h"
+#include "hostctl/pnic.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kOrnic = "ornic";
+const std::string kStructure = "RegisterDump";
+const std::string kOffsetField = "Offset";
+const std::string kValueField = "Value";
+constexpr size_t kRowValues = 16;
+}  // namespace
+
+std::shared_ptr<NicRegisterDump> NicRegisterDump::New() {
+  return std::shared_ptr<NicRegisterDump>(new NicRegisterDump());
+}
+
+NicRegisterDump::NicRegisterDump() {
+  SetDescription("Dump device registers");
+  SetDefaultOutputFormatter("table");
+  SetDefaultOutputParameter("fields:" + kStructure, "Offset,Value");
+}
+
+NicRegisterDump::~NicRegisterDump() = default;
+
+std::shared_ptr<MetaStruct> NicRegisterDump::GetOutputStructure() {
+  auto result = MetaStruct::New(kStructure);
+  result->SetField(kOffsetField, MetaString::New());
+  result->SetField(kValueField, MetaString::New());
+  return result;
+}
+
+std::shared_ptr<InputSpec> NicRegisterDump::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  auto ornic = ParameterSpec::New(kOrnic, ParameterType::String);
+  ornic->SetRequired(true);
+  ornic->SetShortName("n");
+  ornic->SetDescription("The name of pnic to dump registers");
+  spec->AddParameter(ornic);
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> NicRegisterDump::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
+  return spec;
+}
+
+// The Offset column counts values, 0x10 per row of 16, not bytes.
+void NicRegisterDump::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                      std::shared_ptr<Output> const& output) {
+  try {
+    std::string const& name = input->GetParameter(kOrnic);
+    OrvkCtl::Network::NetworkInfoImpl networkInfo;
+    auto pnic = networkInfo.GetPnicByName(name);
+    if (!pnic) {
+      output->AddErrorMessage("Pnic with name " + name + " not found");
+      return;
+    }
+    std::vector<uint32_t> values;
+    pnic->GetRegisterDump(values);
+    auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
+    for (size_t row = 0; row < values.size(); row += kRowValues) {
+      std::string text;
+      char piece[24];
+      for (size_t i = row; i < values.size() && i < row + kRowValues; ++i) {
+        std::snprintf(piece, sizeof piece, "%02x ", values[i]);
+        text += piece;
+      }
+      std::snprintf(piece, sizeof piece, "%04zx", row);
+      auto entry = GetOutputStructure();
+      entry->SetField(kOffsetField, std::string(piece));
+      entry->SetField(kValueField, text);
+      list->Add(entry);
+    }
+    output->SetRootObject(list);
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace
