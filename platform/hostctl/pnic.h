@@ -20,6 +20,8 @@ struct PnicState;
 
 namespace HostCtl::Network {
 
+class Port;
+
 // The connector of an uplink. Other values may come from a driver and are
 // carried as they come.
 enum PortType : uint32_t {
@@ -321,6 +323,9 @@ class PnicImpl : public virtual HostCtl::Network::Pnic, public virtual Lib::Orvk
                      HostCtl::Network::PnicRingParams& current) override;
   void SetRingParams(HostCtl::Network::PnicRingParams& params) override;
   void GetPnicStats(HostCtl::Network::PnicStats& stats) override;
+  // The switch port the NIC is an uplink of, owned by the caller. Throws
+  // HostCtlException when the NIC is on no switch.
+  std::unique_ptr<HostCtl::Network::Port> GetPort();
 
  private:
   Sim::PnicState const& Cached();
