@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host_store.h"
 #include "plugin/meta_text.h"
 #include "support/harness.h"
 #include "toolbase/call_spec.h"
@@ -76,24 +77,16 @@ Args SaRemove(Args const& options) {
   return args;
 }
 
+// A valid SP add, with `options` added or put in place of the defaults.
 Args SpAdd(Args const& options) {
-  Args args = {"network",
-               "ip",
-               "ipsec",
-               "sp",
-               "add",
-               "-n",
-               "sp-new",
-               "-s",
-               "2001:db8:10::21/128",
-               "-d",
-               "2001:db8:10::/64",
-               "-p",
-               "0",
-               "-P",
-               "22",
-               "-u",
-               "tcp"};
+  Args const defaults = {"-n", "sp-new", "-s", "2001:db8:10::21/128", "-d", "2001:db8:10::/64",
+                         "-p", "0", "-P", "22", "-u", "tcp"};
+  Args args = {"network", "ip", "ipsec", "sp", "add"};
+  for (size_t i = 0; i < defaults.size(); i += 2) {
+    bool overridden = false;
+    for (size_t j = 0; j + 1 < options.size(); j += 2) overridden |= options[j] == defaults[i];
+    if (!overridden) args.insert(args.end(), {defaults[i], defaults[i + 1]});
+  }
   args.insert(args.end(), options.begin(), options.end());
   return args;
 }
@@ -168,6 +161,7 @@ TEST_F(IpsecTest, SaAddParsesSpiAndAddresses) {
 }
 
 TEST_F(IpsecTest, SaAddRefusalsChangeNothing) {
+  OrvkCtl::Sim::ChangeHost([](OrvkCtl::Sim::HostModel&) {});  // writes the state file
   std::string before = StateFileText();
   for (char const* spi : {"100g", "", "0x", "100000000", "zz", "1 2"}) {
     SCOPED_TRACE(spi);
@@ -221,6 +215,7 @@ TEST_F(IpsecTest, SaRemoveByNameAutoOrAll) {
 }
 
 TEST_F(IpsecTest, SaRemoveNeedsOneExactOptionSet) {
+  OrvkCtl::Sim::ChangeHost([](OrvkCtl::Sim::HostModel&) {});  // writes the state file
   std::string before = StateFileText();
   for (Args const& options : {Args{}, Args{"-n", "sa-mgmt", "-p", "1"}, Args{"-n", "auto"},
                               Args{"-n", "auto", "-s", "::1", "-d", "::2"}, Args{"-a", "-s", "::1"},
@@ -249,6 +244,7 @@ TEST_F(IpsecTest, SpAddKeepsModeAndSaForIpsecOnly) {
 }
 
 TEST_F(IpsecTest, SpAddRefusalsChangeNothing) {
+  OrvkCtl::Sim::ChangeHost([](OrvkCtl::Sim::HostModel&) {});  // writes the state file
   std::string before = StateFileText();
   struct Case {
     Args args;
@@ -272,6 +268,7 @@ TEST_F(IpsecTest, SpAddRefusalsChangeNothing) {
 }
 
 TEST_F(IpsecTest, SpRemove) {
+  OrvkCtl::Sim::ChangeHost([](OrvkCtl::Sim::HostModel&) {});  // writes the state file
   std::string before = StateFileText();
   for (Args const& args : {Args{"network", "ip", "ipsec", "sp", "remove"},
                            Args{"network", "ip", "ipsec", "sp", "remove", "-n", "sp-mgmt", "-a"}}) {

@@ -99,6 +99,7 @@ TEST_F(LacpTest, TimeoutChangesTheActorStateAndPersists) {
   EXPECT_EQ(Result(one), "true");
   EXPECT_EQ(Result(Lacp("status")), StatusRow("ACT,AGG,SYN,COL,DIST,", "SA"));
 
+  OrvkCtl::Sim::ChangeHost([](OrvkCtl::Sim::HostModel&) {});  // writes the state file
   std::string before = StateFileText();
   ExpectFailure(Timeout("true", "7", "DSwitch-Prod"), "No running LAG with ID 7 on DSwitch-Prod");
   ExpectFailure(Timeout("true", "1", "DSwitch-Lab"), "Distributed switch DSwitch-Lab not found");
@@ -139,10 +140,15 @@ TEST_F(LacpTest, UplinkPortGroupsWithLacpOfTheirOwn) {
   std::string pgRow =
       "{DVS Name=DSwitch-Prod,LAG Name=default_uplink_pg_lag,LAG ID=0,NICs=,Enabled=true,"
       "Mode=Active,Load balance=---}";
-  EXPECT_EQ(Result(Lacp("config")), "[" + pgRow + "," + pgRow + "]");
+  // The uplink ports are DVPorts too: their group comes first.
+  std::string uplinkRow =
+      "{DVS Name=DSwitch-Prod,LAG Name=default_uplink_pg_lag,LAG ID=0,NICs=,Enabled=true,"
+      "Mode=Passive,Load balance=---}";
+  EXPECT_EQ(Result(Lacp("config")), "[" + uplinkRow + "," + pgRow + "," + pgRow + "]");
   // Nothing enabled anywhere.
   OrvkCtl::Sim::ChangeHost([](OrvkCtl::Sim::HostModel& host) {
     for (auto& port : Dvs(host).ports) port.lacp_enabled = false;
+    for (auto& port : Dvs(host).uplink_ports) port.lacp_enabled = false;
   });
   ExpectFailure(Lacp("config"), "LACP is disabled on DVSwitch.");
 }
