@@ -20,6 +20,15 @@
 #include "ip/IpInterfaceList.h"
 #include "ip/IpInterfaceRemove.h"
 #include "ip/IpInterfaceSet.h"
+#include "ip/IpInterfaceTagAdd.h"
+#include "ip/IpInterfaceTagGet.h"
+#include "ip/IpInterfaceTagRemove.h"
+#include "ip/IpIpsecSAAdd.h"
+#include "ip/IpIpsecSAList.h"
+#include "ip/IpIpsecSARemove.h"
+#include "ip/IpIpsecSPAdd.h"
+#include "ip/IpIpsecSPList.h"
+#include "ip/IpIpsecSPRemove.h"
 #include "ip/IpNetstackInstanceAdd.h"
 #include "ip/IpNetstackInstanceGet.h"
 #include "ip/IpNetstackInstanceList.h"
@@ -70,6 +79,12 @@
 #include "nic/VfStats.h"
 #include "runtime/PortFilterStatsGet.h"
 #include "runtime/PortStatsGet.h"
+#include "runtime/VMList.h"
+#include "runtime/VMPortList.h"
+#include "vswitch/LacpGetConfig.h"
+#include "vswitch/LacpGetStats.h"
+#include "vswitch/LacpGetStatus.h"
+#include "vswitch/LacpSetTimeout.h"
 #include "vswitch/VirtualSwitchDVSCorvaneList.h"
 #include "vswitch/VirtualSwitchPortGroupAdd.h"
 #include "vswitch/VirtualSwitchPortGroupList.h"
@@ -139,9 +154,15 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   ip_ipsec->SetDescription("Operations on Internet Protocol Security");
   auto ip_ipsec_sa = Namespace::New();
   ip_ipsec_sa->SetDescription("Operations pertaining to Security Association");
+  ip_ipsec_sa->RegisterNamespaceNode(IpIpsecSAAdd::New(), "add");
+  ip_ipsec_sa->RegisterNamespaceNode(IpIpsecSARemove::New(), "remove");
+  ip_ipsec_sa->RegisterNamespaceNode(IpIpsecSAList::New(), "list");
   ip_ipsec->RegisterNamespaceNode(ip_ipsec_sa, "sa");
   auto ip_ipsec_sp = Namespace::New();
   ip_ipsec_sp->SetDescription("Operations pertaining to Security Policy");
+  ip_ipsec_sp->RegisterNamespaceNode(IpIpsecSPAdd::New(), "add");
+  ip_ipsec_sp->RegisterNamespaceNode(IpIpsecSPRemove::New(), "remove");
+  ip_ipsec_sp->RegisterNamespaceNode(IpIpsecSPList::New(), "list");
   ip_ipsec->RegisterNamespaceNode(ip_ipsec_sp, "sp");
   ip->RegisterNamespaceNode(ip_ipsec, "ipsec");
   auto ip_interface = Namespace::New();
@@ -172,6 +193,9 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   ip_interface->RegisterNamespaceNode(ip_interface_ipv6, "ipv6");
   auto ip_interface_tag = Namespace::New();
   ip_interface_tag->SetDescription("Commands to add and remove tags on orvknics.");
+  ip_interface_tag->RegisterNamespaceNode(IpInterfaceTagAdd::New(), "add");
+  ip_interface_tag->RegisterNamespaceNode(IpInterfaceTagRemove::New(), "remove");
+  ip_interface_tag->RegisterNamespaceNode(IpInterfaceTagGet::New(), "get");
   ip_interface->RegisterNamespaceNode(ip_interface_tag, "tag");
   ip->RegisterNamespaceNode(ip_interface, "interface");
   network->RegisterNamespaceNode(ip, "ip");
@@ -429,8 +453,10 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   auto vm = Namespace::New();
   vm->SetDescription("A set of commands for VM related operations");
   network->RegisterNamespaceNode(vm, "vm");
+  vm->RegisterNamespaceNode(VMList::New(), "list");
   auto vm_port = Namespace::New();
   vm_port->SetDescription("Command to list ports of a given VM");
+  vm_port->RegisterNamespaceNode(VMPortList::New(), "list");
   vm->RegisterNamespaceNode(vm_port, "port");
   auto ens = Namespace::New();
   ens->SetDescription("Commands to list and manipulate Enhanced Networking Stack (ENS) feature on virtual switch.");
@@ -451,15 +477,19 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   vswitch_dvs_corvane_lacp->SetDescription("A set of commands for LACP related operations");
   auto vswitch_dvs_corvane_lacp_config = Namespace::New();
   vswitch_dvs_corvane_lacp_config->SetDescription("Command to get LACP configuration");
+  vswitch_dvs_corvane_lacp_config->RegisterNamespaceNode(LacpGetConfig::New(), "get");
   vswitch_dvs_corvane_lacp->RegisterNamespaceNode(vswitch_dvs_corvane_lacp_config, "config");
   auto vswitch_dvs_corvane_lacp_status = Namespace::New();
   vswitch_dvs_corvane_lacp_status->SetDescription("Command to get LACP port status");
+  vswitch_dvs_corvane_lacp_status->RegisterNamespaceNode(LacpGetStatus::New(), "get");
   vswitch_dvs_corvane_lacp->RegisterNamespaceNode(vswitch_dvs_corvane_lacp_status, "status");
   auto vswitch_dvs_corvane_lacp_stats = Namespace::New();
   vswitch_dvs_corvane_lacp_stats->SetDescription("Command to get LACP protocol statistics");
+  vswitch_dvs_corvane_lacp_stats->RegisterNamespaceNode(LacpGetStats::New(), "get");
   vswitch_dvs_corvane_lacp->RegisterNamespaceNode(vswitch_dvs_corvane_lacp_stats, "stats");
   auto vswitch_dvs_corvane_lacp_timeout = Namespace::New();
   vswitch_dvs_corvane_lacp_timeout->SetDescription("Command to set LACP LAG timeout");
+  vswitch_dvs_corvane_lacp_timeout->RegisterNamespaceNode(LacpSetTimeout::New(), "set");
   vswitch_dvs_corvane_lacp->RegisterNamespaceNode(vswitch_dvs_corvane_lacp_timeout, "timeout");
   vswitch_dvs_corvane->RegisterNamespaceNode(vswitch_dvs_corvane_lacp, "lacp");
   static_cast<NamespaceNode*>(*root)->RegisterNamespaceNode(network, "network");

@@ -1,6 +1,7 @@
 // Distributed switches of the simulated host and their DVPorts. Whether a
 // DVPort is in use is told by the switch ports of the runtime area.
 #include <algorithm>
+#include <cstring>
 
 #include "fault.h"
 #include "host_store.h"
@@ -19,6 +20,13 @@ std::unique_ptr<DVSwitch> NetworkFactory::GetDVSwitchByName(std::string const& n
     throw Lib::HostCtlException("Distributed switch " + name + " not found");
   }
   return std::make_unique<OrvkCtl::Network::DVSwitchImpl>(name);
+}
+
+std::unique_ptr<DVPort> NetworkFactory::GetDVPort(DVPortParam const& param) {
+  OrvkCtl::Sim::CheckFault("NetworkFactory::GetDVPort");
+  auto port = std::make_unique<OrvkCtl::Network::DVPortImpl>(param);
+  port->Refresh();
+  return port;
 }
 
 }  // namespace HostCtl::Network
@@ -52,11 +60,57 @@ DistributedSwitchState const* FindDvsById(HostModel const& host, std::string con
   return nullptr;
 }
 
+// A DVPort of the switch, facing VMs or an uplink.
 Sim::DVPortState const* FindDVPort(DistributedSwitchState const& dvs, std::string const& id) {
   for (auto const& port : dvs.ports) {
     if (port.id == id) return &port;
   }
+  for (auto const& port : dvs.uplink_ports) {
+    if (port.id == id) return &port;
+  }
   return nullptr;
+}
+
+// Ids are numbers: "2" before "10".
+bool PortIdLess(std::string const& a, std::string const& b) {
+  return a.size() != b.size() ? a.size() < b.size() : a < b;
+}
+
+// Copies `text` into a NUL-terminated field of a packed record, cut to fit.
+template <size_t N>
+void CopyText(char (&field)[N], std::string const& text) {
+  std::memset(field, 0, N);
+  std::memcpy(field, text.data(), std::min(text.size(), N - 1));
+}
+
+// The legend letters of an actor: slow or fast LACPDUs, active or passive.
+std::string ActorFlags(uint8_t state) {
+  return std::string(state & 0x02 ? "F" : "S") + (state & 0x01 ? "A" : "P");
+}
+
+std::unique_ptr<HostCtl::Network::LacpPortRecord> MakeRecord(Sim::LacpMemberState const& member) {
+  auto record = std::make_unique<HostCtl::Network::LacpPortRecord>();
+  std::memset(record.get(), 0, sizeof(*record));
+  CopyText(record->nicName, member.nic);
+  CopyText(record->state, member.state);
+  record->localPortNumber = member.port_number;
+  record->localPortPriority = member.port_priority;
+  record->localAdminKey = member.admin_key;
+  record->localOperKey = member.oper_key;
+  record->localPortState = member.port_state;
+  CopyText(record->localFlags, ActorFlags(member.port_state));
+  record->partnerAge = member.partner_age;
+  record->partnerPortNumber = member.partner_port_number;
+  record->partnerPortPriority = member.partner_port_priority;
+  record->partnerOperKey = member.partner_oper_key;
+  record->partnerPortState = member.partner_port_state;
+  CopyText(record->partnerDeviceId, member.partner_device_id);
+  CopyText(record->partnerFlags, member.partner_flags);
+  record->rxLacpdus = member.rx_lacpdus;
+  record->txLacpdus = member.tx_lacpdus;
+  record->rxErrors = member.rx_errors;
+  record->txErrors = member.tx_errors;
+  return record;
 }
 
 // The switch and port of a DVPort; throws when either is unknown.
@@ -75,7 +129,7 @@ std::pair<DistributedSwitchState const*, Sim::DVPortState const*> ReadDVPort(
 
 // ---- DVSwitchImpl ----
 
-DVSwitchImpl::DVSwitchImpl(std::string const& name) : name_(name) {}
+DVSwitchImpl::DVSwitchImpl(std::string const& name) : PortsetImpl(name) {}
 DVSwitchImpl::~DVSwitchImpl() = default;
 
 void DVSwitchImpl::Refresh() {
@@ -148,6 +202,98 @@ std::string DVSwitchImpl::GetDvsId() {
   return ReadDvs(name_).id;
 }
 
+std::string DVSwitchImpl::GetDvsIdentifier() {
+  CheckFault("DVSwitchImpl::GetDvsIdentifier");
+  return ReadDvs(name_).id;
+}
+
+void DVSwitchImpl::GetPortIds(std::vector<std::string>& keys, std::vector<std::string>& ids) {
+  CheckFault("DVSwitchImpl::GetPortIds");
+  auto const& dvs = ReadDvs(name_);
+  std::vector<std::string> all;
+  for (auto const& port : dvs.ports) all.push_back(port.id);
+  for (auto const& port : dvs.uplink_ports) all.push_back(port.id);
+  std::stable_sort(all.begin(), all.end(), PortIdLess);
+  for (auto const& id : all) {
+    keys.push_back(dvs.id + "/" + id);
+    ids.push_back(id);
+  }
+}
+
+std::unique_ptr<HostCtl::Network::DVPort> DVSwitchImpl::GetPort(std::string const& id) {
+  CheckFault("DVSwitchImpl::GetPort");
+  auto const& dvs = ReadDvs(name_);
+  if (!FindDVPort(dvs, id)) return nullptr;
+  return std::make_unique<DVPortImpl>(id, dvs.id);
+}
+
+std::vector<HostCtl::Network::LacpGroup> DVSwitchImpl::GetLacpGroups() {
+  CheckFault("DVSwitchImpl::GetLacpGroups");
+  std::vector<HostCtl::Network::LacpGroup> groups;
+  for (auto const& lag : ReadDvs(name_).lags) {
+    if (!lag.running) continue;
+    HostCtl::Network::LacpGroup group;
+    group.lagId = lag.id;
+    group.mode = lag.mode;
+    for (auto const& member : lag.members) {
+      group.key = member.oper_key;
+      group.ports.push_back(MakeRecord(member));
+    }
+    groups.push_back(std::move(group));
+  }
+  return groups;
+}
+
+void DVSwitchImpl::SetLacpTimeout(unsigned lagId, bool shortTimeout, std::string const& nic) {
+  CheckFault("DVSwitchImpl::SetLacpTimeout");
+  Sim::ChangeHost([&](HostModel& host) {
+    auto* dvs = Sim::FindDistributedSwitch(host.vswitch, name_);
+    if (!dvs) throw HostCtlException("Distributed switch " + name_ + " not found");
+    auto lag = std::find_if(dvs->lags.begin(), dvs->lags.end(),
+                            [&](auto const& l) { return l.id == lagId && l.running; });
+    if (lag == dvs->lags.end()) {
+      throw HostCtlException("No running LAG with ID " + std::to_string(lagId) + " on " + name_);
+    }
+    bool found = nic.empty();
+    for (auto& member : lag->members) {
+      if (!nic.empty() && member.nic != nic) continue;
+      found = true;
+      member.port_state = shortTimeout ? (member.port_state | 0x02) : (member.port_state & ~0x02);
+    }
+    if (!found) {
+      throw HostCtlException("Uplink " + nic + " is not in LAG " + std::to_string(lagId));
+    }
+  });
+}
+
+std::vector<HostCtl::Network::LagConfig> DVSwitchImpl::GetLagConfigs() {
+  CheckFault("DVSwitchImpl::GetLagConfigs");
+  std::vector<HostCtl::Network::LagConfig> configs;
+  for (auto const& lag : ReadDvs(name_).lags) {
+    HostCtl::Network::LagConfig config;
+    config.lagId = std::to_string(lag.id);
+    config.lagName = lag.name;
+    config.mode = lag.mode;
+    config.loadBalance = lag.load_balance;
+    config.shortTimeout = !lag.members.empty() &&
+                          std::all_of(lag.members.begin(), lag.members.end(),
+                                      [](auto const& m) { return (m.port_state & 0x02) != 0; });
+    config.uplinkCount = lag.uplink_count;
+    configs.push_back(config);
+  }
+  return configs;
+}
+
+std::map<std::string, HostCtl::Network::DVPortParam> DVSwitchImpl::GetUplinkPorts() {
+  CheckFault("DVSwitchImpl::GetUplinkPorts");
+  auto const& dvs = ReadDvs(name_);
+  std::map<std::string, HostCtl::Network::DVPortParam> uplinks;
+  for (auto const& port : dvs.uplink_ports) {
+    if (!port.uplink.empty()) uplinks[port.uplink] = {dvs.id, port.id, port.connection_id};
+  }
+  return uplinks;
+}
+
 std::string DVSwitchImpl::GetCdpStatusString() {
   CheckFault("DVSwitchImpl::GetCdpStatusString");
   int status = ReadDvs(name_).cdp_status;
@@ -179,10 +325,8 @@ std::vector<std::unique_ptr<HostCtl::Network::DVPort>> DVSwitchImpl::GetDVPorts(
   auto const& dvs = ReadDvs(name_);
   std::vector<Sim::DVPortState const*> sorted;
   for (auto const& port : dvs.ports) sorted.push_back(&port);
-  // Ids are numbers: "2" before "10".
-  std::stable_sort(sorted.begin(), sorted.end(), [](auto const* a, auto const* b) {
-    return a->id.size() != b->id.size() ? a->id.size() < b->id.size() : a->id < b->id;
-  });
+  std::stable_sort(sorted.begin(), sorted.end(),
+                   [](auto const* a, auto const* b) { return PortIdLess(a->id, b->id); });
   std::vector<std::unique_ptr<HostCtl::Network::DVPort>> ports;
   for (auto const* port : sorted) ports.push_back(std::make_unique<DVPortImpl>(port->id, dvs.id));
   return ports;
@@ -222,6 +366,17 @@ bool DVPortImpl::IsInUse(std::vector<std::string>& clients) {
     }
   }
   return inUse;
+}
+
+std::string DVPortImpl::GetPortName() {
+  CheckFault("DVPortImpl::GetPortName");
+  return ReadDVPort(Sim::ReadHost(), switchId_, portId).second->name;
+}
+
+std::pair<bool, int> DVPortImpl::GetLacpPortConfig() {
+  CheckFault("DVPortImpl::GetLacpPortConfig");
+  auto const* port = ReadDVPort(Sim::ReadHost(), switchId_, portId).second;
+  return {port->lacp_enabled, port->lacp_mode};
 }
 
 std::string DVPortImpl::GetDVPortgroupId() const {
@@ -287,6 +442,30 @@ std::unique_ptr<HostCtl::Network::DVSwitch> VirtualSwitchInfoImpl::GetDVSwitchBy
   CheckFault("VirtualSwitchInfoImpl::GetDVSwitchByName");
   if (!Sim::FindDistributedSwitch(Sim::ReadHost().vswitch, name)) return nullptr;
   return std::make_unique<DVSwitchImpl>(name);
+}
+
+std::vector<std::unique_ptr<HostCtl::Network::DVSwitch>>
+VirtualSwitchInfoImpl::GetOpaqueDVSwitches() {
+  CheckFault("VirtualSwitchInfoImpl::GetOpaqueDVSwitches");
+  Sim::ReadHost();
+  return {};
+}
+
+bool VirtualSwitchInfoImpl::IsLegacySwitch(std::string const& name) {
+  CheckFault("VirtualSwitchInfoImpl::IsLegacySwitch");
+  return Sim::FindStandardSwitch(Sim::ReadHost().vswitch, name) != nullptr;
+}
+
+bool VirtualSwitchInfoImpl::IsDVSwitch(std::string const& name) {
+  CheckFault("VirtualSwitchInfoImpl::IsDVSwitch");
+  return Sim::FindDistributedSwitch(Sim::ReadHost().vswitch, name) != nullptr;
+}
+
+bool VirtualSwitchInfoImpl::IsOpaqueSwitch(std::string const& name) {
+  CheckFault("VirtualSwitchInfoImpl::IsOpaqueSwitch");
+  Sim::ReadHost();
+  static_cast<void>(name);
+  return false;
 }
 
 }  // namespace OrvkCtl::Network

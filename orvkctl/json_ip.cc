@@ -21,6 +21,13 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(InterfaceState, name, mac, netst
                                                 connection_id, opaque_network_id,
                                                 opaque_network_type, external_id, tags,
                                                 ip, configured_ip)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(IpSecSaRecord, name, automatic, state, lifetime,
+                                                spi, source, destination, mode, encrypt_algo,
+                                                encrypt_key, auth_algo, auth_key)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(IpSecSpRecord, name, source, source_prefix,
+                                                source_port, destination, destination_prefix,
+                                                destination_port, protocol, direction, action, mode,
+                                                sa_name)
 
 void to_json(nlohmann::json& j, IpArea const& area) {
   j = nlohmann::json::object();
@@ -29,6 +36,8 @@ void to_json(nlohmann::json& j, IpArea const& area) {
   j["routes"] = area.routes;
   j["interfaces"] = area.interfaces;
   j["executed_commands"] = area.executed_commands;
+  j["ipsec_sas"] = area.ipsec_sas;
+  j["ipsec_sps"] = area.ipsec_sps;
 }
 
 void from_json(nlohmann::json const& j, IpArea& area) {
@@ -38,6 +47,8 @@ void from_json(nlohmann::json const& j, IpArea& area) {
   if (j.contains("routes")) j.at("routes").get_to(area.routes);
   if (j.contains("interfaces")) j.at("interfaces").get_to(area.interfaces);
   if (j.contains("executed_commands")) j.at("executed_commands").get_to(area.executed_commands);
+  if (j.contains("ipsec_sas")) j.at("ipsec_sas").get_to(area.ipsec_sas);
+  if (j.contains("ipsec_sps")) j.at("ipsec_sps").get_to(area.ipsec_sps);
 }
 
 }  // namespace OrvkCtl::Sim

@@ -19,10 +19,17 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(StandardSwitchState, name, confi
                                                 vlan_tagging, uplinks, teaming, security, shaping,
                                                 port_groups)
 
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(DVPortState, id, portgroup_id, connection_id)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(DVPortState, id, portgroup_id, connection_id, name,
+                                                uplink, lacp_enabled, lacp_mode)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(
+    LacpMemberState, nic, state, port_number, port_priority, admin_key, oper_key, port_state,
+    partner_age, partner_port_number, partner_port_priority, partner_oper_key, partner_port_state,
+    partner_device_id, partner_flags, rx_lacpdus, tx_lacpdus, rx_errors, tx_errors)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(LagState, id, name, mode, load_balance,
+                                                uplink_count, running, members)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(DistributedSwitchState, name, id, configured_ports,
                                                 mtu, cdp_status, beacon_timeout, corvane_branded,
-                                                uplinks, ports)
+                                                uplinks, ports, uplink_ports, lags)
 
 void to_json(nlohmann::json& j, VswitchArea const& area) {
   j = nlohmann::json::object();

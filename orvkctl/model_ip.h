@@ -124,6 +124,43 @@ struct NetstackState {
   bool operator==(NetstackState const&) const = default;
 };
 
+// An IPsec Security Association. Enumerators as the library numbers them;
+// addresses canonical. `automatic` marks an SA negotiated by key exchange.
+struct IpSecSaRecord {
+  std::string name;
+  bool automatic = false;
+  uint32_t state = 1;
+  uint64_t lifetime = 0;
+  uint32_t spi = 0;
+  std::string source = "::";
+  std::string destination = "::";
+  uint32_t mode = 0;
+  uint32_t encrypt_algo = 0;
+  std::string encrypt_key;
+  uint32_t auth_algo = 0;
+  std::string auth_key;
+
+  bool operator==(IpSecSaRecord const&) const = default;
+};
+
+// An IPsec Security Policy.
+struct IpSecSpRecord {
+  std::string name;
+  std::string source = "::";
+  uint32_t source_prefix = 0;
+  uint32_t source_port = 0;
+  std::string destination = "::";
+  uint32_t destination_prefix = 0;
+  uint32_t destination_port = 0;
+  uint32_t protocol = 0;
+  uint32_t direction = 1;
+  uint32_t action = 2;
+  uint32_t mode = 2;
+  std::string sa_name;
+
+  bool operator==(IpSecSpRecord const&) const = default;
+};
+
 struct IpArea {
   // Whether IPv6 is on for the whole IP stack, as configured: it takes
   // effect at the next boot.
@@ -138,6 +175,9 @@ struct IpArea {
   // Command lines the library was asked to run, oldest first. The simulated
   // host records them and runs nothing.
   std::vector<std::string> executed_commands;
+  // The IPsec databases, in the order entries were added.
+  std::vector<IpSecSaRecord> ipsec_sas;
+  std::vector<IpSecSpRecord> ipsec_sps;
 };
 
 // The netstack instance with that key, or null.

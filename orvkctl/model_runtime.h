@@ -48,6 +48,11 @@ struct PortState {
   // The world that leads the port: the VM's world id; 0 for none.
   uint32_t world_leader = 0;
   std::string mac_address;
+  // The IPv4 address the client was last seen using; empty when unknown.
+  std::string client_ipv4;
+  // The uplink the port's traffic leaves through; empty: the switch's first
+  // connected uplink.
+  std::string team_uplink;
   uint64_t packets_sent = 0;
   uint64_t multicast_sent = 0;
   uint64_t broadcast_sent = 0;
@@ -62,9 +67,17 @@ struct PortState {
   std::vector<PortFilterState> filters;
 };
 
+// A world of the host's scheduler: "vmm0:" and the VM's name for a VM.
+struct WorldState {
+  uint32_t id = 0;
+  std::string name;
+};
+
 struct RuntimeArea {
   // All switch ports of the host, switch by switch.
   std::vector<PortState> ports;
+  // The worlds that lead the VMs' ports.
+  std::vector<WorldState> worlds;
 };
 
 // The port with that id, or null.

@@ -76,6 +76,50 @@ struct DVPortState {
   std::string portgroup_id;
   // The connection id of the interface or VM attached to it; 0 for none.
   uint32_t connection_id = 0;
+  // Uplink ports only: the port's name ("uplink1", "lag1-0"), the uplink
+  // using it (empty for none), and LACP as its port group configures it
+  // (mode 1 active, 2 passive).
+  std::string name;
+  std::string uplink;
+  bool lacp_enabled = false;
+  int lacp_mode = 1;
+};
+
+// The LACP agent's view of one uplink of a running LAG.
+struct LacpMemberState {
+  std::string nic;
+  // "Bundled", "Independent", "Hot-standby", "Suspended" or "Down".
+  std::string state = "Bundled";
+  uint16_t port_number = 0;
+  uint16_t port_priority = 255;
+  uint16_t admin_key = 0;
+  uint16_t oper_key = 0;
+  // Actor state bits; bit 1 is the short timeout.
+  uint8_t port_state = 0;
+  uint32_t partner_age = 0;
+  uint16_t partner_port_number = 0;
+  uint16_t partner_port_priority = 0;
+  uint16_t partner_oper_key = 0;
+  uint8_t partner_port_state = 0;
+  std::string partner_device_id;
+  std::string partner_flags;
+  uint64_t rx_lacpdus = 0;
+  uint64_t tx_lacpdus = 0;
+  uint64_t rx_errors = 0;
+  uint64_t tx_errors = 0;
+};
+
+// A link aggregation group of a distributed switch. Its uplink ports are the
+// switch's uplink ports named "<name>-0" and on.
+struct LagState {
+  uint32_t id = 0;
+  std::string name;
+  int mode = 1;  // 1 active, 2 passive
+  int load_balance = 0;
+  uint32_t uplink_count = 0;
+  // Whether the LACP agent runs the group, and its view of each member.
+  bool running = false;
+  std::vector<LacpMemberState> members;
 };
 
 // A distributed switch the host takes part in. It is configured from outside
@@ -93,6 +137,9 @@ struct DistributedSwitchState {
   // Uplink ports, physical NICs or not (LAG members), in the switch's order.
   std::vector<std::string> uplinks;
   std::vector<DVPortState> ports;
+  // The ports the uplinks use, apart from the ports of VMs and interfaces.
+  std::vector<DVPortState> uplink_ports;
+  std::vector<LagState> lags;
 };
 
 struct VswitchArea {

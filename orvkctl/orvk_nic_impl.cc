@@ -364,6 +364,18 @@ void CheckMtu(std::string const& name, uint32_t mtu) {
   }
 }
 
+// The services an interface can be tagged for, by tag value 1..13. Tags 2, 3
+// and 6 belong to services with netstack instances of their own.
+char const* const kTagNames[] = {
+    "Management",      "Livehop",
+    "FaultTolerance",  "StorageReplication",
+    "ReplicationBulk", "TamariskProvisioning",
+    "ObjectStorage",   "ObjectStorageWitness",
+    "NetworkStorage",  "ClusterHeartbeat",
+    "BackupTransfer",  "Telemetry",
+    "HostSync",
+};
+
 void CheckTag(OrvkNicTagType tag) {
   if (tag < HostCtl::Network::MIN_TAG || tag > HostCtl::Network::MAX_TAG) {
     throw HostCtlException("Invalid tag " + std::to_string(static_cast<int>(tag)));
@@ -371,6 +383,18 @@ void CheckTag(OrvkNicTagType tag) {
 }
 
 }  // namespace
+
+HostCtl::Network::OrvkNicTagType OrvkNicTagNameToId(std::string const& name) {
+  for (int tag = HostCtl::Network::MIN_TAG; tag <= HostCtl::Network::MAX_TAG; ++tag) {
+    if (name == kTagNames[tag - 1]) return static_cast<OrvkNicTagType>(tag);
+  }
+  return HostCtl::Network::NoTag;
+}
+
+std::string OrvkNicTagIdToName(HostCtl::Network::OrvkNicTagType tag) {
+  if (tag < HostCtl::Network::MIN_TAG || tag > HostCtl::Network::MAX_TAG) return "None";
+  return kTagNames[tag - 1];
+}
 
 OrvkNicImpl::OrvkNicImpl(std::string const& name) : name_(name) {}
 
@@ -561,6 +585,14 @@ HostCtl::Network::OrvkNicList OrvikNicInfoImpl::GetOrvikNics() {
 HostCtl::Network::OrvkNicList OrvikNicInfoImpl::GetOrvikNicsByInstanceKey(std::string const& key) {
   CheckFault("OrvikNicInfoImpl::GetOrvikNicsByInstanceKey");
   return Select([&](InterfaceState const& nic) { return nic.netstack == key; });
+}
+
+void OrvikNicInfoImpl::GetOrvikNicNamesByInstanceKey(std::vector<std::string>& names,
+                                                     std::string const& key) {
+  CheckFault("OrvikNicInfoImpl::GetOrvikNicNamesByInstanceKey");
+  for (auto const& nic : Sim::ReadHost().ip.interfaces) {
+    if (nic.netstack == key) names.push_back(nic.name);
+  }
 }
 
 HostCtl::Network::OrvkNicList OrvikNicInfoImpl::GetOrvikNicsByTag(OrvkNicTagType tag) {

@@ -4,6 +4,7 @@
 #include "fault.h"
 #include "host_store.h"
 #include "hostctl/pnic.h"
+#include "hostctl/port.h"
 
 namespace HostCtl::Network {
 
@@ -100,6 +101,16 @@ void PnicImpl::Change(std::function<void(PnicState&)> const& change) {
 std::string PnicImpl::GetName() {
   CheckFault("PnicImpl::GetName");
   return name_;
+}
+
+std::unique_ptr<HostCtl::Network::Port> PnicImpl::GetPort() {
+  CheckFault("PnicImpl::GetPort");
+  for (auto const& port : Sim::ReadHost().runtime.ports) {
+    if (port.type == Sim::kPortTypeUplink && port.client == name_) {
+      return std::make_unique<PortImpl>(static_cast<int>(port.id));
+    }
+  }
+  throw HostCtlException("Physical NIC " + name_ + " is not an uplink of any switch");
 }
 
 std::unique_ptr<HostCtl::Network::PciDevice> PnicImpl::GetPciDevice() {

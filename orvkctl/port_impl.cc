@@ -102,6 +102,48 @@ std::string PortImpl::GetDVPortID() {
   return ReadPort(id_).dvport_id;
 }
 
+std::vector<HostCtl::Network::MacAddress> PortImpl::GetMacAddresses() {
+  CheckFault("PortImpl::GetMacAddresses");
+  auto const& port = ReadPort(id_);
+  std::vector<HostCtl::Network::MacAddress> addresses;
+  if (!port.mac_address.empty()) addresses.emplace_back(port.mac_address);
+  return addresses;
+}
+
+HostCtl::Network::Ipv4Address PortImpl::GetPortClientIpv4Address() {
+  CheckFault("PortImpl::GetPortClientIpv4Address");
+  Sim::HostModel const& host = Sim::ReadHost();
+  auto const* port = Sim::FindPort(host.runtime, static_cast<uint32_t>(id_));
+  if (!port || id_ < 0) throw HostCtlException("Port " + std::to_string(id_) + " not found");
+  if (!port->client_ipv4.empty()) return HostCtl::Network::Ipv4Address(port->client_ipv4);
+  // A host interface's address is the one it holds.
+  auto const* nic = Sim::FindInterface(host.ip, port->client);
+  if (port->type == Sim::kPortTypeInterface && nic) {
+    return HostCtl::Network::Ipv4Address(nic->ip.ipv4_address);
+  }
+  return HostCtl::Network::Ipv4Address();
+}
+
+std::string PortImpl::GetSchedTeamUplink() {
+  CheckFault("PortImpl::GetSchedTeamUplink");
+  Sim::HostModel const& host = Sim::ReadHost();
+  auto const* port = Sim::FindPort(host.runtime, static_cast<uint32_t>(id_));
+  if (!port || id_ < 0) throw HostCtlException("Port " + std::to_string(id_) + " not found");
+  if (!port->team_uplink.empty()) return port->team_uplink;
+  std::vector<std::string> const* uplinks = nullptr;
+  if (auto const* vswitch = Sim::FindStandardSwitch(host.vswitch, port->portset)) {
+    uplinks = &vswitch->uplinks;
+  } else if (auto const* dvs = Sim::FindDistributedSwitch(host.vswitch, port->portset)) {
+    uplinks = &dvs->uplinks;
+  }
+  if (uplinks) {
+    for (auto const& uplink : *uplinks) {
+      if (Sim::FindPnic(host.nic, uplink)) return uplink;
+    }
+  }
+  return std::string();
+}
+
 std::vector<std::unique_ptr<HostCtl::Network::Port>> PortsetImpl::GetPorts() {
   CheckFault("PortsetImpl::GetPorts");
   Sim::HostModel const& host = Sim::ReadHost();

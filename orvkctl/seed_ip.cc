@@ -3,7 +3,9 @@
 // with a default gateway for each family and a static route to the backup
 // network behind 192.168.10.254. Beside the default instance, the dedicated
 // instance "livehop" is up, with no interface yet. orvk0 hangs on port group
-// "Management Network" of vSwitch0.
+// "Management Network" of vSwitch0. IPsec protects SSH to the management
+// network: the manual SA sa-mgmt, the policy sp-mgmt that uses it, and one
+// SA negotiated by key exchange for the way back.
 #include "host_model.h"
 
 namespace OrvkCtl::Sim {
@@ -58,6 +60,44 @@ void SeedIp(HostModel& host) {
   livehop.cc_algorithm = "cubic";
   host.ip.ipv6_enabled = true;
   host.ip.netstacks = {defaultStack, livehop};
+
+  IpSecSaRecord manual;
+  manual.name = "sa-mgmt";
+  manual.spi = 0x1001;
+  manual.source = "2001:db8:10::21";
+  manual.destination = "2001:db8:10::1";
+  manual.mode = 0;          // transport
+  manual.encrypt_algo = 2;  // aes128-cbc
+  manual.encrypt_key = "k3Yf0r-mgmt-aes!";
+  manual.auth_algo = 1;  // hmac-sha2-256
+  manual.auth_key = "0x6d676d742d686d61632d6b65792d3235362d6269742d76616c75652d303031";
+  IpSecSaRecord negotiated;
+  negotiated.name = "auto";
+  negotiated.automatic = true;
+  negotiated.lifetime = 3600;
+  negotiated.spi = 0x2c0f;
+  negotiated.source = "2001:db8:10::1";
+  negotiated.destination = "2001:db8:10::21";
+  negotiated.mode = 0;
+  negotiated.encrypt_algo = 2;
+  negotiated.encrypt_key = "0x8f1e2d3c4b5a69788796a5b4c3d2e1f0";
+  negotiated.auth_algo = 0;  // hmac-sha1
+  negotiated.auth_key = "0x0a1b2c3d4e5f60718293a4b5c6d7e8f901234567";
+  host.ip.ipsec_sas = {manual, negotiated};
+
+  IpSecSpRecord ssh;
+  ssh.name = "sp-mgmt";
+  ssh.source = "2001:db8:10::21";
+  ssh.source_prefix = 128;
+  ssh.destination = "2001:db8:10::";
+  ssh.destination_prefix = 64;
+  ssh.destination_port = 22;
+  ssh.protocol = 1;   // tcp
+  ssh.direction = 1;  // out
+  ssh.action = 2;     // ipsec
+  ssh.mode = 0;       // transport
+  ssh.sa_name = "sa-mgmt";
+  host.ip.ipsec_sps = {ssh};
 }
 
 NetstackState* FindNetstack(IpArea& area, std::string const& key) {

@@ -3,7 +3,7 @@
 // db-01 on "VM Network"; web-01's port carries a firewall monitor and a rate
 // guard in both chains. DSwitch-Prod (ids from 67108865): its uplinks ornic2
 // and ornic3, and the VMs app-01, app-02 (DVPorts 0 and 1) and repl-01
-// (DVPort 8).
+// (DVPort 8), each led by the world of its VM.
 #include "host_model.h"
 
 namespace OrvkCtl::Sim {
@@ -86,6 +86,7 @@ void SeedRuntime(HostModel& host) {
       VmPort(33554437, "vSwitch0", "web-01.eth0", 1000271, "02:1c:7e:00:11:01",
              {2815004, 9120, 1865, 3080112, 68002, 21914, 0, 14, 2894712330, 3255108842});
   web.portgroup = "VM Network";
+  web.client_ipv4 = "192.168.10.51";
   web.filters = {
       DetailedFilter("fw-mon.0", "0001", false, 3080112, 204),
       Filter("rate-guard.1", "0002", false, 3079908, 0),
@@ -98,6 +99,7 @@ void SeedRuntime(HostModel& host) {
   PortState db = VmPort(33554438, "vSwitch0", "db-01.eth0", 1000305, "02:1c:7e:00:11:02",
                         {1920448, 40, 1201, 1740221, 20112, 19870, 0, 0, 1877640012, 1402281110});
   db.portgroup = "VM Network";
+  db.client_ipv4 = "192.168.10.52";
   ports.push_back(db);
 
   ports.push_back(
@@ -113,6 +115,8 @@ void SeedRuntime(HostModel& host) {
     char const* dvport;
     uint32_t world;
     char const* mac;
+    char const* ipv4;
+    char const* uplink;
     Traffic traffic;
   };
   DvsVm const dvsVms[] = {
@@ -121,25 +125,38 @@ void SeedRuntime(HostModel& host) {
        "0",
        1000412,
        "02:1c:7e:00:21:01",
+       "10.20.0.11",
+       "ornic2",
        {5120991, 2204, 410, 4990012, 30114, 1002, 0, 8, 6120034110, 5400921337}},
       {67108868,
        "app-02.eth0",
        "1",
        1000433,
        "02:1c:7e:00:21:02",
+       "10.20.0.12",
+       "ornic3",
        {3998120, 1790, 290, 3710254, 29876, 998, 0, 6, 4712003221, 4011220983}},
       {67108869,
        "repl-01.eth1",
        "8",
        1000458,
        "02:1c:7e:00:22:01",
+       "10.30.0.5",
+       "lag1-0",
        {8870112, 0, 12, 1022987, 0, 301, 0, 0, 12410220345, 81220114}},
   };
   for (auto const& vm : dvsVms) {
     PortState port = VmPort(vm.id, "DSwitch-Prod", vm.client, vm.world, vm.mac, vm.traffic);
     port.dvport_id = vm.dvport;
+    port.client_ipv4 = vm.ipv4;
+    port.team_uplink = vm.uplink;
     ports.push_back(port);
   }
+  host.runtime.worlds = {{1000271, "vmm0:web-01"},
+                         {1000305, "vmm0:db-01"},
+                         {1000412, "vmm0:app-01"},
+                         {1000433, "vmm0:app-02"},
+                         {1000458, "vmm0:repl-01"}};
 }
 
 PortState* FindPort(RuntimeArea& area, uint32_t id) {

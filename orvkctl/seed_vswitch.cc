@@ -1,7 +1,8 @@
 // The default host's standard switches: vSwitch0 carries management and VM
 // traffic over ornic0 (active) and ornic1 (standby); vSwitch1 is an internal
 // switch without uplinks. Every port group inherits its switch's policies.
-// The host also takes part in the distributed switch DSwitch-Prod.
+// The host also takes part in the distributed switch DSwitch-Prod, whose LAG
+// lag1 runs LACP with one uplink bundled.
 #include "host_model.h"
 
 namespace OrvkCtl::Sim {
@@ -59,12 +60,59 @@ void SeedVswitch(HostModel& host) {
   dvs.beacon_timeout = -1;
   dvs.uplinks = {"ornic2", "ornic3", "lag1-0"};
   for (int port = 0; port < 12; ++port) {
-    dvs.ports.push_back({std::to_string(port), port < 8 ? "dvportgroup-1001" : "dvportgroup-1002",
-                         0});
+    DVPortState dvport;
+    dvport.id = std::to_string(port);
+    dvport.portgroup_id = port < 8 ? "dvportgroup-1001" : "dvportgroup-1002";
+    dvs.ports.push_back(dvport);
   }
   dvs.ports[0].connection_id = 1418027611;
   dvs.ports[1].connection_id = 1418027612;
   dvs.ports[8].connection_id = 1418027640;
+  // Uplink ports, in the uplink port group: ornic2 and ornic3 on the plain
+  // uplink ports, lag1-0 on the first port of lag1; lag1-1 is free.
+  struct UplinkPort {
+    char const* id;
+    char const* name;
+    char const* uplink;
+  };
+  for (auto const& port :
+       {UplinkPort{"24", "uplink1", "ornic2"}, UplinkPort{"25", "uplink2", "ornic3"},
+        UplinkPort{"26", "lag1-0", "lag1-0"}, UplinkPort{"27", "lag1-1", ""}}) {
+    DVPortState uplink;
+    uplink.id = port.id;
+    uplink.portgroup_id = "dvportgroup-1000";
+    uplink.name = port.name;
+    uplink.uplink = port.uplink;
+    dvs.uplink_ports.push_back(uplink);
+  }
+  LagState lag;
+  lag.id = 1;
+  lag.name = "lag1";
+  lag.mode = 1;           // active
+  lag.load_balance = 19;  // source and destination IP, port and VLAN
+  lag.uplink_count = 2;
+  lag.running = true;
+  LacpMemberState member;
+  member.nic = "lag1-0";
+  member.state = "Bundled";
+  member.port_number = 3;
+  member.port_priority = 255;
+  member.admin_key = 13;
+  member.oper_key = 13;
+  member.port_state = 0x3d;  // active, aggregatable, in sync, collecting, distributing
+  member.partner_age = 12;
+  member.partner_port_number = 17;
+  member.partner_port_priority = 32768;
+  member.partner_oper_key = 301;
+  member.partner_port_state = 0x3d;
+  member.partner_device_id = "00:1b:54:c2:70:00";
+  member.partner_flags = "SA";
+  member.rx_lacpdus = 51842;
+  member.tx_lacpdus = 51866;
+  member.rx_errors = 0;
+  member.tx_errors = 2;
+  lag.members = {member};
+  dvs.lags = {lag};
   host.vswitch.distributed_switches = {dvs};
 }
 

@@ -107,6 +107,12 @@ std::string PortsetImpl::GetName() {
   return name_;
 }
 
+std::string PortsetImpl::GetDvsIdentifier() {
+  CheckFault("PortsetImpl::GetDvsIdentifier");
+  ReadSwitch(name_);
+  return std::string();
+}
+
 std::vector<std::string> PortsetImpl::GetUplinks() {
   CheckFault("PortsetImpl::GetUplinks");
   return ReadSwitch(name_).uplinks;

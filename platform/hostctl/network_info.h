@@ -7,9 +7,11 @@
 #include <vector>
 
 #include "hostctl/lib.h"
+#include "hostctl/network_types.h"
 
 namespace HostCtl::Network {
 
+class DVPort;
 class DVSwitch;
 class NetstackInstance;
 class Pnic;
@@ -106,6 +108,9 @@ class NetworkFactory {
   // The distributed switch of that name. Throws Lib::HostCtlException when
   // the host has none of that name.
   static std::unique_ptr<DVSwitch> GetDVSwitchByName(std::string const& name);
+  // The DVPort `param` names. Throws Lib::HostCtlException for an unknown
+  // switch or port.
+  static std::unique_ptr<DVPort> GetDVPort(DVPortParam const& param);
 };
 
 }  // namespace HostCtl::Network

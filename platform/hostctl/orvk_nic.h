@@ -132,6 +132,12 @@ class OrvkNicImpl : public virtual HostCtl::Network::OrvkNic, public virtual Lib
   uint32_t tso_mss_ = 0;
 };
 
+// The tag of that name (as OrvkNicTagIdToName spells it, case included);
+// NoTag for an unknown name.
+HostCtl::Network::OrvkNicTagType OrvkNicTagNameToId(std::string const& name);
+// The name of a tag; "None" for NoTag and any value outside 1..13.
+std::string OrvkNicTagIdToName(HostCtl::Network::OrvkNicTagType tag);
+
 // The host's Orvik network interfaces. Making the object reads nothing. Lists
 // are in the order the interfaces were made and are owned by the caller.
 // Every operation throws HostCtlException when the host cannot be read.
@@ -145,6 +151,8 @@ class OrvikNicInfoImpl : public virtual Lib::OrvkCtlObject {
   HostCtl::Network::OrvkNicList GetOrvikNics();
   // The interfaces of one instance; empty for a key no interface has.
   HostCtl::Network::OrvkNicList GetOrvikNicsByInstanceKey(std::string const& key);
+  // Appends to `names` the names of the interfaces of one instance.
+  void GetOrvikNicNamesByInstanceKey(std::vector<std::string>& names, std::string const& key);
   // The interfaces on which `tag` is set.
   HostCtl::Network::OrvkNicList GetOrvikNicsByTag(HostCtl::Network::OrvkNicTagType tag);
   // The interface of that name, or null. `includeHidden` is not used by this

@@ -20,6 +20,8 @@ struct PnicState;
 
 namespace HostCtl::Network {
 
+class Port;
+
 // The connector of an uplink. Other values may come from a driver and are
 // carried as they come.
 enum PortType : uint32_t {
@@ -370,6 +372,9 @@ class PnicImpl : public virtual HostCtl::Network::Pnic, public virtual Lib::Orvk
   void AddAttachment(std::string const& branch, uint16_t vlanId) override;
   void RemoveAttachment(std::string const& branch) override;
   std::vector<HostCtl::Network::PnicAttachment> GetAttachments() override;
+  // The switch port the NIC is an uplink of, owned by the caller. Throws
+  // HostCtlException when the NIC is on no switch.
+  std::unique_ptr<HostCtl::Network::Port> GetPort();
 
  private:
   Sim::PnicState const& Cached();

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "hostctl/lib.h"
+#include "hostctl/network_types.h"
 
 namespace HostCtl::Network {
 
@@ -90,6 +91,14 @@ class PortImpl : public virtual HostCtl::Network::Port, public virtual Lib::Orvk
   std::string GetPortGroupName();
   // The DVPort id of a port of a distributed switch; empty otherwise.
   std::string GetDVPortID();
+  // The MAC addresses of the port's client; the first is its own. Empty for
+  // an uplink port.
+  std::vector<HostCtl::Network::MacAddress> GetMacAddresses();
+  // The IPv4 address the client was last seen using; 0.0.0.0 when unknown.
+  HostCtl::Network::Ipv4Address GetPortClientIpv4Address();
+  // The uplink the teaming policy currently sends the port's traffic
+  // through; empty when the switch has none.
+  std::string GetSchedTeamUplink();
 
  private:
   int id_;

@@ -84,6 +84,9 @@ class PortsetImpl : public virtual HostCtl::Network::Portset, public virtual Lib
   int GetNumUsedPorts() override;
   std::string GetClass() override;
   std::vector<std::unique_ptr<HostCtl::Network::Port>> GetPorts() override;
+  // The key that, with a port's DVPort id, finds the DVPort behind it: the
+  // UUID of a distributed switch, empty for a standard switch.
+  virtual std::string GetDvsIdentifier();
 
  protected:
   std::string name_;
@@ -156,6 +159,14 @@ class VirtualSwitchInfoImpl : public virtual Lib::OrvkCtlObject {
   std::vector<std::unique_ptr<HostCtl::Network::DVSwitch>> GetDVSwitches();
   // Null when no distributed switch has that name.
   std::unique_ptr<HostCtl::Network::DVSwitch> GetDVSwitchByName(std::string const& name);
+  // Distributed switches backed by an opaque network provider; this host has
+  // none.
+  std::vector<std::unique_ptr<HostCtl::Network::DVSwitch>> GetOpaqueDVSwitches();
+  // The kind of the switch of that name: standard, distributed, or opaque.
+  // All three answer false for an unknown name.
+  bool IsLegacySwitch(std::string const& name);
+  bool IsDVSwitch(std::string const& name);
+  bool IsOpaqueSwitch(std::string const& name);
 };
 
 }  // namespace OrvkCtl::Network

@@ -1,0 +1,64 @@
+#include "ip/IpInterfaceTagRemove.h"
+
+#include <string>
+
+#include "hostctl/orvk_nic.h"
+#include "ip/InterfaceTagKit.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+std::shared_ptr<IpInterfaceTagRemove> IpInterfaceTagRemove::New() {
+  return std::shared_ptr<IpInterfaceTagRemove>(new IpInterfaceTagRemove());
+}
+
+IpInterfaceTagRemove::IpInterfaceTagRemove() {
+  SetDescription("Removes a tag on a given Orvik network interface.");
+}
+
+IpInterfaceTagRemove::~IpInterfaceTagRemove() = default;
+
+std::shared_ptr<InputSpec> IpInterfaceTagRemove::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  spec->AddParameter(NewTagInterfaceParameter(
+      "The name of the Orvik network interface from which tags should be removed. This name must "
+      "be an interface listed  in the interface list command."));
+  spec->AddParameter(NewTagNameParameter());
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> IpInterfaceTagRemove::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaBool::New());
+  return spec;
+}
+
+void IpInterfaceTagRemove::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                           std::shared_ptr<Output> const& output) {
+  std::string const& interfaceName = input->GetParameter(kTagInterfaceName);
+  std::string const& tagName = input->GetParameter(kTagName);
+  try {
+    auto tag = OrvkCtl::Network::OrvkNicTagNameToId(tagName);
+    if (tag == HostCtl::Network::NoTag) {
+      ReportBadTagName(*output, tagName);
+      return;
+    }
+    OrvkCtl::Network::OrvikNicInfoImpl nicInfo;
+    auto nic = nicInfo.GetOrvikNicByInterface(interfaceName, false);
+    if (!nic) {
+      output->AddErrorMessage("Unable to find orvknic with name " + interfaceName);
+      return;
+    }
+    nic->RemoveTag(tag);
+    output->SetRootObject(MetaBool::New(true));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage("Error removing tag " + tagName + " from interface " + interfaceName +
+                            ". Error was : " + e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

@@ -1,0 +1,134 @@
+#include "ip/IpIpsecSPAdd.h"
+
+#include <string>
+
+#include "frame/ParamRange.h"
+#include "hostctl/ipsec.h"
+#include "hostctl/network_types.h"
+#include "ip/IpsecKit.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kSpName = "sp-name";
+const std::string kSaName = "sa-name";
+const std::string kSpSource = "sp-source";
+const std::string kSpDestination = "sp-destination";
+const std::string kSpMode = "sp-mode";
+const std::string kSourcePort = "source-port";
+const std::string kDestinationPort = "destination-port";
+const std::string kAction = "action";
+const std::string kUpperLayerProtocol = "upper-layer-protocol";
+const std::string kFlowDirection = "flow-direction";
+const std::string kAny = "any";
+const std::string kIpsecAction = "ipsec";
+
+std::string TextOrEmpty(Input const& input, std::string const& name) {
+  return input.HasParameter(name) ? input.GetParameter(name) : std::string();
+}
+
+// "any" stands for the default network ::/0.
+HostCtl::Network::Ipv6Network NetworkOf(std::string const& text) {
+  return text == kAny ? HostCtl::Network::Ipv6Network() : HostCtl::Network::Ipv6Network(text);
+}
+}  // namespace
+
+std::shared_ptr<IpIpsecSPAdd> IpIpsecSPAdd::New() {
+  return std::shared_ptr<IpIpsecSPAdd>(new IpIpsecSPAdd());
+}
+
+IpIpsecSPAdd::IpIpsecSPAdd() { SetDescription("Add a Security Policy."); }
+
+IpIpsecSPAdd::~IpIpsecSPAdd() = default;
+
+std::shared_ptr<InputSpec> IpIpsecSPAdd::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  spec->AddParameter(NewIpsecParameter(kSpName, "n", ParameterType::String, true,
+                                       "Name for the Security Policy to be added."));
+  spec->AddParameter(NewIpsecParameter(
+      kSaName, "a", ParameterType::String, false,
+      "Name for the Security Association. Not being Specified lets orvik automatically choose an "
+      "Security Association. If no applicable Security Association exists, then orvik may request "
+      "one using IKE."));
+  spec->AddParameter(NewIpsecParameter(
+      kSpSource, "s", ParameterType::String, true,
+      "Ipv6 address and prefix length of Security Policy source. Can be specified as 'any' or a "
+      "correct IPv6 network address."));
+  spec->AddParameter(NewIpsecParameter(
+      kSpDestination, "d", ParameterType::String, true,
+      "Ipv6 address and prefix length of Security Policy destination. Can be specified as 'any' or "
+      "a correct Ipv6 network address."));
+  spec->AddParameter(NewIpsecParameter(kSpMode, "m", ParameterType::String, false,
+                                       "Security Policy mode. Should be one in set %ENUM%.",
+                                       {"transport", "tunnel"}));
+  spec->AddParameter(NewIpsecParameter(kSourcePort, "p", ParameterType::Int, true,
+                                       "Source Port for Security Policy. '0' stands for 'any'"));
+  spec->AddParameter(
+      NewIpsecParameter(kDestinationPort, "P", ParameterType::Int, true,
+                        "Destination Port for Security Policy. '0' stands for 'any'"));
+  spec->AddParameter(NewIpsecParameter(kAction, "A", ParameterType::String, false,
+                                       "Action for Security Policy. Should be one in set %ENUM%.",
+                                       {"none", "discard", "ipsec"}));
+  spec->AddParameter(
+      NewIpsecParameter(kUpperLayerProtocol, "u", ParameterType::String, false,
+                        "Upper layer protocol for Security Policy, Should be one in set %ENUM%.",
+                        {"any", "tcp", "udp", "icmp6"}));
+  spec->AddParameter(NewIpsecParameter(
+      kFlowDirection, "w", ParameterType::String, false,
+      "Flow direction for Security Policy. Should be one in set %ENUM%.", {"in", "out"}));
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> IpIpsecSPAdd::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaBool::New());
+  return spec;
+}
+
+void IpIpsecSPAdd::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                   std::shared_ptr<Output> const& output) {
+  using OrvkCtl::Network::IpSecConfigImpl;
+  try {
+    IpSecConfigImpl config;
+    HostCtl::Network::IpSecSpdParam record;
+    std::string saName = TextOrEmpty(*input, kSaName);
+    long sourcePort = input->GetParameterInt(kSourcePort);
+    long destinationPort = input->GetParameterInt(kDestinationPort);
+    auto source = NetworkOf(input->GetParameter(kSpSource));
+    record.source = source.GetAddress();
+    record.sourcePrefixLength = source.GetNetmask();
+    record.sourcePort = static_cast<uint32_t>(sourcePort);
+    auto destination = NetworkOf(input->GetParameter(kSpDestination));
+    record.destination = destination.GetAddress();
+    record.destinationPrefixLength = destination.GetNetmask();
+    record.destinationPort = static_cast<uint32_t>(destinationPort);
+    std::string mode = TextOrEmpty(*input, kSpMode);
+    std::string protocol = TextOrEmpty(*input, kUpperLayerProtocol);
+    std::string direction = TextOrEmpty(*input, kFlowDirection);
+    std::string action = TextOrEmpty(*input, kAction);
+    record.protocol = IpSecConfigImpl::StringToIpSecULProtoType(protocol);
+    record.direction = IpSecConfigImpl::StringToIpSecDirection(direction);
+    record.action = IpSecConfigImpl::StringToIpSecAction(action);
+    // Mode and SA name mean something only to the action ipsec.
+    if (action == kIpsecAction) {
+      record.mode = IpSecConfigImpl::StringToIpSecMode(mode);
+      record.saName = saName;
+    }
+    record.name = input->GetParameter(kSpName);
+    if (!CheckParamUint32(*output, kSourcePort, sourcePort) ||
+        !CheckParamUint32(*output, kDestinationPort, destinationPort)) {
+      return;
+    }
+    config.AddSPDConfig(record);
+    output->SetRootObject(MetaBool::New(true));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace
