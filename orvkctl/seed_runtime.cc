@@ -140,6 +140,11 @@ void SeedRuntime(HostModel& host) {
     port.dvport_id = vm.dvport;
     ports.push_back(port);
   }
+
+  // Two ENS contexts serve DSwitch-Prod, one per NUMA node; a third stands
+  // by, unassigned.
+  host.runtime.ens.max_lcores = 8;
+  host.runtime.ens.lcores = {{0, "DSwitch-Prod", 0}, {1, "DSwitch-Prod", 1}, {2, "null", -1}};
 }
 
 PortState* FindPort(RuntimeArea& area, uint32_t id) {
