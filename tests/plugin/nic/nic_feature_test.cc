@@ -1,11 +1,11 @@
 // Software simulation, hardware capabilities and DCB status of the uplinks.
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "host_store.h"
-#include "nic/NicDcbStatusGet.h"
 #include "plugin/meta_text.h"
 #include "support/harness.h"
 #include "toolbase/call_spec.h"
@@ -117,27 +117,37 @@ TEST_F(NicFeatureTest, HardwareCapabilitiesStopAtBit30) {
   EXPECT_EQ(result.out.substr(0, 37), "NIC     Device Hardware Cap Supported");
 }
 
-TEST(DcbTextTest, Conversions) {
-  using namespace CorvaneCli::NetworkNamespace;
-  struct ModeCase {
-    unsigned mode;
-    char const* text;
+TEST_F(NicFeatureTest, DcbWordsAndBitStrings) {
+  struct Case {
+    uint32_t mode;
+    uint8_t mask;
+    uint8_t firstSent;
+    char const* modeText;
+    char const* maskText;
+    char const* sentText;
   };
-  for (auto const& c : {ModeCase{0, "0 - Unknown"}, ModeCase{1, "1 - CEN Mode"},
-                        ModeCase{2, "2 - CEE Mode"}, ModeCase{3, "3 - IEEE Mode"}}) {
-    EXPECT_EQ(DcbModeToString(c.mode), c.text);
-  }
-  struct MaskCase {
-    unsigned char mask;
-    char const* text;
+  std::vector<Case> cases = {
+      {0, 0xFF, 255, "0 - Unknown", "1 1 1 1 1 1 1 1", "255 0 0 17 0 0 0 0"},
+      {1, 0x00, 1, "1 - CEN Mode", "0 0 0 0 0 0 0 0", "1 0 0 17 0 0 0 0"},
+      {2, 0x11, 0, "2 - CEE Mode", "1 0 0 0 1 0 0 0", "0 0 0 17 0 0 0 0"},
+      {3, 0x80, 9, "3 - IEEE Mode", "0 0 0 0 0 0 0 1", "9 0 0 17 0 0 0 0"},
   };
-  for (auto const& c : {MaskCase{0xFF, "1 1 1 1 1 1 1 1"}, MaskCase{0, "0 0 0 0 0 0 0 0"},
-                        MaskCase{0x11, "1 0 0 0 1 0 0 0"}, MaskCase{0x80, "0 0 0 0 0 0 0 1"}}) {
-    SCOPED_TRACE(static_cast<int>(c.mask));
-    EXPECT_EQ(DcbIntMaskToString(c.mask), c.text);
+  for (auto const& c : cases) {
+    SCOPED_TRACE(c.modeText);
+    OrvkCtl::Sim::ChangeHost([&](OrvkCtl::Sim::HostModel& host) {
+      auto& dcb = OrvkCtl::Sim::FindPnic(host.nic, "ornic2")->dcb;
+      dcb.mode = c.mode;
+      dcb.pfc_config = c.mask;
+      dcb.pfc_sent[0] = c.firstSent;
+    });
+    auto status = Root({"network", "nic", "dcb", "status", "get", "-n", "ornic2"});
+    EXPECT_NE(status.find(std::string(",Mode=") + c.modeText + ","), std::string::npos) << status;
+    EXPECT_NE(status.find(std::string("PFC Enabled=true,PFC Configuration=") + c.maskText + ","),
+              std::string::npos)
+        << status;
+    EXPECT_NE(status.find(std::string("Sent PFC Frames=") + c.sentText + ","), std::string::npos)
+        << status;
   }
-  unsigned char bytes[9] = {0, 1, 50, 100, 200, 255, 7, 8, 9};
-  EXPECT_EQ(DcbArrayToString(bytes), "0 1 50 100 200 255 7 8");
 }
 
 TEST_F(NicFeatureTest, DcbStatusOfTheStoragePort) {
