@@ -171,4 +171,20 @@ TEST_F(MulticastTest, GroupsFollowTheInterfacesAddresses) {
   EXPECT_EQ(errors, std::vector<std::string>{"interface busy"});
 }
 
+TEST_F(EnsTest, EmptyTablesGiveEmptyLists) {
+  for (char const* id : {"0", "1"}) {
+    EXPECT_EQ(Root({"network", "ens", "lcore", "switch", "remove", "-l", id}), "true");
+  }
+  for (char const* id : {"0", "1", "2"}) {
+    EXPECT_EQ(Root({"network", "ens", "lcore", "remove", "-l", id}), "true");
+  }
+  EXPECT_EQ(Lcores(), "[]");
+  // A disabled interface is in no group.
+  EXPECT_EQ(Root({"network", "ip", "interface", "set", "-i", "orvk0", "-e", "false"}), "true");
+  EXPECT_EQ(Root({"network", "multicast", "group", "list"}), "[]");
+  auto result = Run({"--formatter", "csv", "network", "multicast", "group", "list"});
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(result.out, "Interface,Refcount,Group,Link Layer\n");
+}
+
 }  // namespace
