@@ -211,4 +211,39 @@ TEST_F(NicFeatureTest, DcbStatusPrintsNestedRecords) {
       << result.out;
 }
 
+TEST_F(NicFeatureTest, HostFailuresBecomeTheOnlyMessage) {
+  // Every uplink command reaches the host through the network view first.
+  std::vector<Args> commands = {
+      {"network", "nic", "queue", "loadbalancer", "list"},
+      {"network", "nic", "queue", "loadbalancer", "set", "-n", "ornic0", "--rxqpair", "true"},
+      {"network", "nic", "queue", "loadbalancer", "state", "list"},
+      {"network", "nic", "queue", "loadbalancer", "state", "set", "-n", "ornic0", "-e", "true"},
+      {"network", "nic", "queue", "loadbalancer", "plugin", "list", "-n", "ornic0"},
+      {"network", "nic", "queue", "loadbalancer", "plugin", "set", "-n", "ornic0", "-e", "true",
+       "-m", "nqbal", "-p", "load-based"},
+      {"network", "nic", "queue", "count", "get"},
+      {"network", "nic", "queue", "count", "set", "-n", "ornic0", "-t", "true", "-q", "2"},
+      {"network", "nic", "queue", "filterclass", "list"},
+      {"network", "nic", "software", "list"},
+      {"network", "nic", "software", "set", "-n", "ornic0", "--sg", "true"},
+      {"network", "nic", "hwCap", "supported", "list", "-n", "ornic0"},
+      {"network", "nic", "hwCap", "activated", "list"},
+  };
+  InjectFault("NetworkFactory::GetNetworkInfo", "host agent not responding");
+  for (auto const& args : commands) {
+    SCOPED_TRACE(args[2] + " " + args[3] + " " + args[4]);
+    auto output = Execute(args);
+    EXPECT_EQ(output->GetErrorMessages(), std::vector<std::string>{"host agent not responding"});
+    EXPECT_EQ(output->GetRootObject(), nullptr);
+  }
+  // The executable reports it on standard error with status 1.
+  auto result = TestSupport::RunProcess(
+      {"network", "nic", "queue", "count", "get"},
+      {{"TOOLBASE_HOST_STATE", state_path_},
+       {"TOOLBASE_HOST_FAULTS", "NetworkFactory::GetNetworkInfo=host agent not responding"}});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.out, "");
+  EXPECT_NE(result.err.find("host agent not responding"), std::string::npos) << result.err;
+}
+
 }  // namespace

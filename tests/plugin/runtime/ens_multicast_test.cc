@@ -187,4 +187,36 @@ TEST_F(EnsTest, EmptyTablesGiveEmptyLists) {
   EXPECT_EQ(result.out, "Interface,Refcount,Group,Link Layer\n");
 }
 
+TEST_F(EnsTest, EachCommandHandsOnItsOperationsFailure) {
+  struct Case {
+    Args args;
+    char const* operation;
+  };
+  std::vector<Case> cases = {
+      {{"network", "ens", "maxLcores", "get"}, "NetworkInfo::GetMaxLcores"},
+      {{"network", "ens", "maxLcores", "set", "-n", "4"}, "NetworkInfo::SetMaxLcores"},
+      {{"network", "ens", "lcore", "add", "-l", "3"}, "NetworkInfo::AddLcore"},
+      {{"network", "ens", "lcore", "remove", "-l", "2"}, "NetworkInfo::RemoveLcore"},
+      {{"network", "ens", "lcore", "list"}, "NetworkInfo::GetLcoreList"},
+      {{"network", "ens", "lcore", "switch", "get", "-l", "0"}, "NetworkInfo::GetLcoreSwitch"},
+      {{"network", "ens", "lcore", "switch", "add", "-l", "2", "-s", "vSwitch0"},
+       "NetworkInfo::AddLcoreSwitch"},
+      {{"network", "ens", "lcore", "switch", "remove", "-l", "0"}, "NetworkInfo::AddLcoreSwitch"},
+      {{"network", "ens", "lcore", "affinity", "get", "-l", "0"}, "NetworkInfo::GetLcoreAffinity"},
+      {{"network", "ens", "lcore", "affinity", "set", "-l", "0", "-a", "1"},
+       "NetworkInfo::SetLcoreAffinity"},
+      {{"network", "multicast", "group", "list"}, "HostFactory::GetHost"},
+      {{"network", "multicast", "group", "list"}, "NetworkInfoImpl::GetOrvikNicInfo"},
+      {{"network", "multicast", "group", "list"}, "OrvikNicInfoImpl::GetOrvikNics"},
+  };
+  for (auto const& c : cases) {
+    SCOPED_TRACE(c.operation);
+    ClearFaults();
+    InjectFault(c.operation, std::string(c.operation) + " failed");
+    std::vector<std::string> errors;
+    EXPECT_EQ(Root(c.args, &errors), "(none)");
+    EXPECT_EQ(errors, std::vector<std::string>{std::string(c.operation) + " failed"});
+  }
+}
+
 }  // namespace
