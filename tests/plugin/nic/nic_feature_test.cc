@@ -231,7 +231,7 @@ TEST_F(NicFeatureTest, HostFailuresBecomeTheOnlyMessage) {
   };
   InjectFault("NetworkFactory::GetNetworkInfo", "host agent not responding");
   for (auto const& args : commands) {
-    SCOPED_TRACE(args[2] + " " + args[3] + " " + args[4]);
+    SCOPED_TRACE(args[2] + " " + args[3] + " " + args.back());
     auto output = Execute(args);
     EXPECT_EQ(output->GetErrorMessages(), std::vector<std::string>{"host agent not responding"});
     EXPECT_EQ(output->GetRootObject(), nullptr);
