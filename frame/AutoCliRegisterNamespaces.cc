@@ -52,15 +52,27 @@
 #include "nic/NicCoalesceSet.h"
 #include "nic/NicCsoGet.h"
 #include "nic/NicCsoSet.h"
+#include "nic/NicDcbStatusGet.h"
 #include "nic/NicDown.h"
 #include "nic/NicEepromChange.h"
 #include "nic/NicEepromDump.h"
 #include "nic/NicGet.h"
+#include "nic/NicHwCapActivatedList.h"
+#include "nic/NicHwCapSupportedList.h"
 #include "nic/NicList.h"
 #include "nic/NicNegotiationRestart.h"
 #include "nic/NicPauseParamsList.h"
 #include "nic/NicPauseParamsSet.h"
 #include "nic/NicRegisterDump.h"
+#include "nic/NicQueueCountGet.h"
+#include "nic/NicQueueCountSet.h"
+#include "nic/NicQueueFilterClassList.h"
+#include "nic/NicQueueLbPluginList.h"
+#include "nic/NicQueueLbPluginSet.h"
+#include "nic/NicQueueLbSettingList.h"
+#include "nic/NicQueueLbSettingSet.h"
+#include "nic/NicQueueLbStateList.h"
+#include "nic/NicQueueLbStateSet.h"
 #include "nic/NicRingCurrentGet.h"
 #include "nic/NicRingCurrentSet.h"
 #include "nic/NicRingPresetGet.h"
@@ -68,6 +80,8 @@
 #include "nic/NicSet.h"
 #include "nic/NicSgGet.h"
 #include "nic/NicSgSet.h"
+#include "nic/NicSoftwareList.h"
+#include "nic/NicSoftwareSet.h"
 #include "nic/NicStatsGet.h"
 #include "nic/NicTsoGet.h"
 #include "nic/NicTsoSet.h"
@@ -77,6 +91,17 @@
 #include "nic/SriovNicList.h"
 #include "nic/VfList.h"
 #include "nic/VfStats.h"
+#include "runtime/EnsLcoreAdd.h"
+#include "runtime/EnsLcoreAffinityGet.h"
+#include "runtime/EnsLcoreAffinitySet.h"
+#include "runtime/EnsLcoreList.h"
+#include "runtime/EnsLcoreRemove.h"
+#include "runtime/EnsLcoreSwitchAdd.h"
+#include "runtime/EnsLcoreSwitchGet.h"
+#include "runtime/EnsLcoreSwitchRemove.h"
+#include "runtime/EnsMaxlcoresGet.h"
+#include "runtime/EnsMaxlcoresSet.h"
+#include "runtime/MulticastGroupList.h"
 #include "runtime/PortFilterStatsGet.h"
 #include "runtime/PortStatsGet.h"
 #include "runtime/VMList.h"
@@ -216,6 +241,7 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   auto multicast_group = Namespace::New();
   multicast_group->SetDescription("Operations to list multicast groups");
   multicast->RegisterNamespaceNode(multicast_group, "group");
+  multicast_group->RegisterNamespaceNode(MulticastGroupList::New(), "list");
   auto nic = Namespace::New();
   nic->SetDescription("Operations having to do with the configuration of Network Interface Card and getting and updating the NIC settings.");
   nic->RegisterNamespaceNode(NicList::New(), "list");
@@ -293,20 +319,31 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   auto nic_queue_loadbalancer = Namespace::New();
   nic_queue_loadbalancer->SetDescription("Commands to access load balancer features of netqueue");
   nic_queue->RegisterNamespaceNode(nic_queue_loadbalancer, "loadbalancer");
+  nic_queue_loadbalancer->RegisterNamespaceNode(NicQueueLbSettingList::New(), "list");
+  nic_queue_loadbalancer->RegisterNamespaceNode(NicQueueLbSettingSet::New(), "set");
   auto nic_queue_loadbalancer_state = Namespace::New();
   nic_queue_loadbalancer_state->SetDescription("Commands to access load balancer state on a NIC");
+  nic_queue_loadbalancer_state->RegisterNamespaceNode(NicQueueLbStateList::New(), "list");
+  nic_queue_loadbalancer_state->RegisterNamespaceNode(NicQueueLbStateSet::New(), "set");
   nic_queue_loadbalancer->RegisterNamespaceNode(nic_queue_loadbalancer_state, "state");
   auto nic_queue_loadbalancer_plugin = Namespace::New();
   nic_queue_loadbalancer_plugin->SetDescription("Commands to access load balancer plugins on a NIC");
+  nic_queue_loadbalancer_plugin->RegisterNamespaceNode(NicQueueLbPluginList::New(), "list");
+  nic_queue_loadbalancer_plugin->RegisterNamespaceNode(NicQueueLbPluginSet::New(), "set");
   nic_queue_loadbalancer->RegisterNamespaceNode(nic_queue_loadbalancer_plugin, "plugin");
   auto nic_queue_count = Namespace::New();
   nic_queue_count->SetDescription("Commands to access netqueue count on a NIC");
+  nic_queue_count->RegisterNamespaceNode(NicQueueCountGet::New(), "get");
+  nic_queue_count->RegisterNamespaceNode(NicQueueCountSet::New(), "set");
   nic_queue->RegisterNamespaceNode(nic_queue_count, "count");
   auto nic_queue_filterclass = Namespace::New();
   nic_queue_filterclass->SetDescription("Commands to access supported filter class");
+  nic_queue_filterclass->RegisterNamespaceNode(NicQueueFilterClassList::New(), "list");
   nic_queue->RegisterNamespaceNode(nic_queue_filterclass, "filterclass");
   auto nic_software = Namespace::New();
   nic_software->SetDescription("Commands to access NIC feature software simulation settings");
+  nic_software->RegisterNamespaceNode(NicSoftwareList::New(), "list");
+  nic_software->RegisterNamespaceNode(NicSoftwareSet::New(), "set");
   nic->RegisterNamespaceNode(nic_software, "software");
   auto nic_ring = Namespace::New();
   nic_ring->SetDescription("Commands to access NIC RX/TX ring buffer parameters");
@@ -324,15 +361,18 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   nic_hwcap->SetDescription("Commands to access hardware capabilities on a NIC.");
   auto nic_hwcap_supported = Namespace::New();
   nic_hwcap_supported->SetDescription("Commands to access supported hardware capabilities of physical NICs.");
+  nic_hwcap_supported->RegisterNamespaceNode(NicHwCapSupportedList::New(), "list");
   nic_hwcap->RegisterNamespaceNode(nic_hwcap_supported, "supported");
   auto nic_hwcap_activated = Namespace::New();
   nic_hwcap_activated->SetDescription("Commands to access activated hardware capabilities of physical NICs.");
+  nic_hwcap_activated->RegisterNamespaceNode(NicHwCapActivatedList::New(), "list");
   nic_hwcap->RegisterNamespaceNode(nic_hwcap_activated, "activated");
   nic->RegisterNamespaceNode(nic_hwcap, "hwCap");
   auto nic_dcb = Namespace::New();
   nic_dcb->SetDescription("Commands regarding DCB (Data Center Bridging) protocol.");
   auto nic_dcb_status = Namespace::New();
   nic_dcb_status->SetDescription("Status information for DCB (Data Center Briding) protocol.");
+  nic_dcb_status->RegisterNamespaceNode(NicDcbStatusGet::New(), "get");
   nic_dcb->RegisterNamespaceNode(nic_dcb_status, "status");
   nic->RegisterNamespaceNode(nic_dcb, "dcb");
   auto nic_attachment = Namespace::New();
@@ -462,14 +502,24 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   ens->SetDescription("Commands to list and manipulate Enhanced Networking Stack (ENS) feature on virtual switch.");
   auto ens_maxlcores = Namespace::New();
   ens_maxlcores->SetDescription("Commands to access maximum number of ENS contexts.");
+  ens_maxlcores->RegisterNamespaceNode(EnsMaxlcoresGet::New(), "get");
+  ens_maxlcores->RegisterNamespaceNode(EnsMaxlcoresSet::New(), "set");
   ens->RegisterNamespaceNode(ens_maxlcores, "maxLcores");
   auto ens_lcore = Namespace::New();
   ens_lcore->SetDescription("Commands to list and manipulate ENS context parameters.");
+  ens_lcore->RegisterNamespaceNode(EnsLcoreAdd::New(), "add");
+  ens_lcore->RegisterNamespaceNode(EnsLcoreRemove::New(), "remove");
+  ens_lcore->RegisterNamespaceNode(EnsLcoreList::New(), "list");
   auto ens_lcore_switch = Namespace::New();
   ens_lcore_switch->SetDescription("Commands to access switch associated with given ENS context.");
+  ens_lcore_switch->RegisterNamespaceNode(EnsLcoreSwitchGet::New(), "get");
+  ens_lcore_switch->RegisterNamespaceNode(EnsLcoreSwitchAdd::New(), "add");
+  ens_lcore_switch->RegisterNamespaceNode(EnsLcoreSwitchRemove::New(), "remove");
   ens_lcore->RegisterNamespaceNode(ens_lcore_switch, "switch");
   auto ens_lcore_affinity = Namespace::New();
   ens_lcore_affinity->SetDescription("Commands to access affinity for a given ENS context.");
+  ens_lcore_affinity->RegisterNamespaceNode(EnsLcoreAffinityGet::New(), "get");
+  ens_lcore_affinity->RegisterNamespaceNode(EnsLcoreAffinitySet::New(), "set");
   ens_lcore->RegisterNamespaceNode(ens_lcore_affinity, "affinity");
   ens->RegisterNamespaceNode(ens_lcore, "lcore");
   network->RegisterNamespaceNode(ens, "ens");

@@ -15,12 +15,13 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(IpConfigState, ipv4_mode, ipv4_a
                                                 ipv4_netmask, ipv4_gateway, dhcp_dns, ipv6_enabled,
                                                 ipv6_dhcp, ipv6_router_adv, ipv6_dhcp_dns,
                                                 ipv6_gateway, ipv6_addresses)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(MulticastJoinState, group, refcount)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(InterfaceState, name, mac, netstack, mtu,
                                                 num_rx_queue, tso_mss, enabled, connection_type,
                                                 portset, portgroup, dvs_uuid, dvport_id,
                                                 connection_id, opaque_network_id,
                                                 opaque_network_type, external_id, tags,
-                                                ip, configured_ip)
+                                                ip, configured_ip, multicast_joins)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(IpSecSaRecord, name, automatic, state, lifetime,
                                                 spi, source, destination, mode, encrypt_algo,
                                                 encrypt_key, auth_algo, auth_key)

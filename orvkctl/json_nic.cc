@@ -66,6 +66,21 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(VfState, vf_id, active, pci_address, owner_world,
                                                 stats)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(SriovState, enabled, vfs)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(NetqueuePluginState, module, plugin, description,
+                                                active)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(NetqueueState, supported, max_tx_queues,
+                                                max_rx_queues, tx_queues, rx_queues,
+                                                balancer_enabled, supported_settings,
+                                                allowed_settings, filter_classes, plugins)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(SoftwareSimulationState, simulated, required)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(HwCapState, reported, supported, activated)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(DcbAppState, app_type, protocol_id, user_priority)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(
+    DcbState, supported, mode, enabled, cap_priority_group, cap_pfc, cap_up_to_tc,
+    cap_pg_traffic_classes, cap_pfc_traffic_classes, pfc_enabled, pfc_config, ets_willing,
+    ets_capacity, ets_cbs_supported, ets_tx_bandwidth, ets_rx_bandwidth, ets_tsa, ets_priority,
+    ets_rec_bandwidth, ets_rec_tsa, ets_rec_priority, pfc_traffic_classes, pfc_mask,
+    pfc_macsec_bypass, pfc_delay, pfc_sent, pfc_received, apps)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(
     PnicState, name, pci_address, pci_vendor, pci_device, pseudo_descriptor, driver, driver_version,
     firmware_version, mac, mtu, admin_up, carrier, speed, duplex, supported_ports, port,
@@ -73,7 +88,7 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(
     advertised_auto_negotiation, auto_negotiation, phy_address, transceiver, supports_wake_on,
     supported_wake_on, wake_on, supports_message_level, message_level, virtual_address, pause,
     negotiation_restarts, offload, coalesce, ring, stats, vlan_stats_enabled, vlan_stats, eeprom,
-    eeprom_magic, diagnostics, attachments, sriov)
+    eeprom_magic, diagnostics, attachments, sriov, netqueue, software_simulation, hw_cap, dcb)
 
 void to_json(nlohmann::json& j, NicArea const& area) {
   j = nlohmann::json::object();

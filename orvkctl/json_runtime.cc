@@ -14,17 +14,22 @@ NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(PortState, id, portset, type, cl
                                                 multicast_received, broadcast_received, tx_dropped,
                                                 rx_dropped, bytes_sent, bytes_received, filters)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(WorldState, id, name)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(EnsLcoreState, id, switch_name, affinity)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(EnsState, max_lcores, lcore_limit, numa_nodes,
+                                                lcores)
 
 void to_json(nlohmann::json& j, RuntimeArea const& area) {
   j = nlohmann::json::object();
   j["ports"] = area.ports;
   j["worlds"] = area.worlds;
+  j["ens"] = area.ens;
 }
 
 void from_json(nlohmann::json const& j, RuntimeArea& area) {
   area = RuntimeArea();
   if (j.contains("ports")) j.at("ports").get_to(area.ports);
   if (j.contains("worlds")) j.at("worlds").get_to(area.worlds);
+  if (j.contains("ens")) j.at("ens").get_to(area.ens);
 }
 
 }  // namespace OrvkCtl::Sim

@@ -67,6 +67,15 @@ struct IpConfigState {
   bool operator==(IpConfigState const&) const = default;
 };
 
+// A multicast group that users of an interface joined, beyond the groups its
+// addresses imply.
+struct MulticastJoinState {
+  std::string group;
+  int32_t refcount = 1;
+
+  bool operator==(MulticastJoinState const&) const = default;
+};
+
 // One Orvik network interface. It hangs on a connection point: a port group
 // of a standard switch (`connection_type` 1, `portgroup`), a port of a
 // distributed switch (2: `dvs_uuid`, `dvport_id`, `connection_id`) or an
@@ -96,6 +105,7 @@ struct InterfaceState {
   // The configuration in force, and the one stored for the next boot.
   IpConfigState ip;
   IpConfigState configured_ip;
+  std::vector<MulticastJoinState> multicast_joins;
 
   bool operator==(InterfaceState const&) const = default;
 };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -200,6 +201,101 @@ struct SriovState {
   bool operator==(SriovState const&) const = default;
 };
 
+// One netqueue load balancer plugin of a device; `active` while in use.
+struct NetqueuePluginState {
+  std::string module;
+  std::string plugin;
+  std::string description;
+  bool active = false;
+
+  bool operator==(NetqueuePluginState const&) const = default;
+};
+
+// Netqueue of a device. `supported` false: the device has none, and every
+// read or write fails. Settings and filter classes are bit sets in the order
+// of the host control records (bit 0 the first).
+struct NetqueueState {
+  bool supported = false;
+  uint32_t max_tx_queues = 0;
+  uint32_t max_rx_queues = 0;
+  uint32_t tx_queues = 0;
+  uint32_t rx_queues = 0;
+  bool balancer_enabled = false;
+  uint32_t supported_settings = 0;
+  uint32_t allowed_settings = 0;
+  uint32_t filter_classes = 0;
+  std::vector<NetqueuePluginState> plugins;
+
+  bool operator==(NetqueueState const&) const = default;
+};
+
+// Offload functions simulated in software, as bit sets of the software
+// simulation mask: those simulated now, and those the device lacks in
+// hardware, which must stay simulated.
+struct SoftwareSimulationState {
+  uint32_t simulated = 0;
+  uint32_t required = 0;
+
+  bool operator==(SoftwareSimulationState const&) const = default;
+};
+
+// Hardware capability bits of a device. `reported` false: the driver does
+// not report them, and reading fails.
+struct HwCapState {
+  bool reported = false;
+  uint64_t supported = 0;
+  uint64_t activated = 0;
+
+  bool operator==(HwCapState const&) const = default;
+};
+
+// One row of a device's DCB application table.
+struct DcbAppState {
+  std::string app_type;
+  std::string protocol_id;
+  std::string user_priority;
+
+  bool operator==(DcbAppState const&) const = default;
+};
+
+using TcBytes = std::array<uint8_t, 8>;
+
+// Data Center Bridging of a device. `supported` false: the device has none,
+// and every read fails.
+struct DcbState {
+  bool supported = false;
+  uint32_t mode = 0;  // 0 unknown, 1 CEN, 2 CEE, 3 IEEE
+  bool enabled = false;
+  bool cap_priority_group = false;
+  bool cap_pfc = false;
+  bool cap_up_to_tc = false;
+  uint8_t cap_pg_traffic_classes = 0;
+  uint8_t cap_pfc_traffic_classes = 0;
+  bool pfc_enabled = false;
+  uint8_t pfc_config = 0;
+  // IEEE ETS.
+  uint8_t ets_willing = 0;
+  uint8_t ets_capacity = 0;
+  std::string ets_cbs_supported;
+  TcBytes ets_tx_bandwidth{};
+  TcBytes ets_rx_bandwidth{};
+  TcBytes ets_tsa{};
+  TcBytes ets_priority{};
+  TcBytes ets_rec_bandwidth{};
+  TcBytes ets_rec_tsa{};
+  TcBytes ets_rec_priority{};
+  // IEEE PFC.
+  uint8_t pfc_traffic_classes = 0;
+  uint8_t pfc_mask = 0;
+  uint8_t pfc_macsec_bypass = 0;
+  uint8_t pfc_delay = 0;
+  TcBytes pfc_sent{};
+  TcBytes pfc_received{};
+  std::vector<DcbAppState> apps;
+
+  bool operator==(DcbState const&) const = default;
+};
+
 // One physical uplink. A device on the PCI bus has a PCI address; one without
 // (USB, ACPI) has an empty address and a pseudo descriptor of the form
 // "<kind>:<vendor>:<device>", e.g. "USB-NIC:Acme:Net100".
@@ -250,6 +346,10 @@ struct PnicState {
   std::vector<VlanStatsState> vlan_stats;
   // How often the driver was asked to negotiate the link again.
   uint32_t negotiation_restarts = 0;
+  NetqueueState netqueue;
+  SoftwareSimulationState software_simulation;
+  HwCapState hw_cap;
+  DcbState dcb;
 
   // Diagnostics: the EEPROM with the key that unlocks writes to it (the
   // device id over the vendor id), and whether the driver dumps registers

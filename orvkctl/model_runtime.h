@@ -73,11 +73,36 @@ struct WorldState {
   std::string name;
 };
 
+// One ENS context (lcore).
+struct EnsLcoreState {
+  uint64_t id = 0;
+  // The associated switch; "null" for none.
+  std::string switch_name = "null";
+  // The NUMA node; -1 for none.
+  int32_t affinity = -1;
+
+  bool operator==(EnsLcoreState const&) const = default;
+};
+
+// The ENS contexts of the host. Context ids lie below `max_lcores`, which
+// the host's CPUs bound by `lcore_limit`; `numa_nodes` nodes can take an
+// affinity.
+struct EnsState {
+  uint32_t max_lcores = 8;
+  uint32_t lcore_limit = 32;
+  uint32_t numa_nodes = 2;
+  // In rising order of id.
+  std::vector<EnsLcoreState> lcores;
+
+  bool operator==(EnsState const&) const = default;
+};
+
 struct RuntimeArea {
   // All switch ports of the host, switch by switch.
   std::vector<PortState> ports;
   // The worlds that lead the VMs' ports.
   std::vector<WorldState> worlds;
+  EnsState ens;
 };
 
 // The port with that id, or null.

@@ -24,6 +24,8 @@ void SeedIp(HostModel& host) {
   orvk0.ip.ipv6_enabled = true;
   orvk0.ip.ipv6_addresses = {{"fe80::d06e:a0ff:fe00:1000/64", 0, 0}, {"2001:db8:10::21/64", 0, 0}};
   orvk0.configured_ip = orvk0.ip;
+  // The host's monitoring agent listens for its peers' announcements.
+  orvk0.multicast_joins = {{"239.255.10.1", 1}};
   host.ip.interfaces = {orvk0};
 
   NetstackRoutes routes;

@@ -1,6 +1,9 @@
 // The default host's physical NICs: a quad-port gigabit copper card with two
 // ports cabled, a dual-port 25GbE card whose second port was taken down by the
 // administrator, and a USB adapter without a cable.
+#include <algorithm>
+#include <initializer_list>
+
 #include "host_model.h"
 
 namespace OrvkCtl::Sim {
@@ -44,6 +47,65 @@ EepromImage MakeEeprom(std::string const& mac, uint16_t device, size_t size, uin
   PutWord(eeprom, 0x24, 0x0c13);  // LED configuration
   SealEeprom(eeprom);
   return eeprom;
+}
+
+// Load balancer setting bits, in the order of the netqueue record.
+constexpr uint32_t kRxqPair = 0x1, kRxqNoFeature = 0x2, kPreemptible = 0x4, kRxqLatency = 0x8,
+                   kRxDynamicLb = 0x10, kDynamicPool = 0x20, kMacLearnLb = 0x40, kRss = 0x80,
+                   kLro = 0x100, kGeneveOam = 0x200, kRssLro = 0x400;
+// Filter class bits: MacOnly, VlanOnly, VlanMac, Vxlan, Geneve, GenericEncap.
+constexpr uint32_t kMacOnly = 0x1, kVlanOnly = 0x2, kVlanMac = 0x4, kVxlan = 0x8, kGeneve = 0x10;
+// Software simulation bits.
+constexpr uint32_t kSimIpv4Tso = 0x2, kSimSg = 0x4, kSimObo = 0x8, kSimVxlan = 0x10,
+                   kSimIpv6Tso = 0x20, kSimIpv6TsoExt = 0x40, kSimIpv6Cso = 0x80,
+                   kSimIpv6CsoExt = 0x100, kSimHighDma = 0x200, kSimSgSpan = 0x400,
+                   kSimGeneve = 0x2000;
+
+constexpr uint64_t Caps(std::initializer_list<int> bits) {
+  uint64_t caps = 0;
+  for (int bit : bits) caps |= uint64_t{1} << bit;
+  return caps;
+}
+
+const NetqueuePluginState kDefaultBalancer = {"nqbal", "load-based",
+                                              "Spreads filters over queues by load", true};
+
+TcBytes Tc(std::initializer_list<uint8_t> bytes) {
+  TcBytes tc{};
+  std::copy(bytes.begin(), bytes.end(), tc.begin());
+  return tc;
+}
+
+// DCB in IEEE mode: storage traffic (priority 3) in a lossless class of its
+// own with 50% of the bandwidth, everything else in class 0.
+DcbState IeeeDcb(std::vector<DcbAppState> apps) {
+  DcbState dcb;
+  dcb.supported = true;
+  dcb.mode = 3;
+  dcb.enabled = true;
+  dcb.cap_priority_group = true;
+  dcb.cap_pfc = true;
+  dcb.cap_up_to_tc = true;
+  dcb.cap_pg_traffic_classes = 8;
+  dcb.cap_pfc_traffic_classes = 8;
+  dcb.pfc_enabled = true;
+  dcb.pfc_config = 0x08;
+  dcb.ets_willing = 1;
+  dcb.ets_capacity = 8;
+  dcb.ets_cbs_supported = "No";
+  dcb.ets_tx_bandwidth = Tc({50, 50});
+  dcb.ets_rx_bandwidth = Tc({50, 50});
+  dcb.ets_tsa = Tc({2, 2});
+  dcb.ets_priority = Tc({0, 0, 0, 1});
+  dcb.ets_rec_bandwidth = Tc({50, 50});
+  dcb.ets_rec_tsa = Tc({2, 2});
+  dcb.ets_rec_priority = Tc({0, 0, 0, 1});
+  dcb.pfc_traffic_classes = 8;
+  dcb.pfc_mask = 0x08;
+  dcb.pfc_macsec_bypass = 0;
+  dcb.pfc_delay = 0;
+  dcb.apps = std::move(apps);
+  return dcb;
 }
 
 PnicState GigabitCopperPort(std::string name, std::string pci, std::string mac, uint32_t phy) {
@@ -104,6 +166,23 @@ PnicState GigabitCopperPort(std::string name, std::string pci, std::string mac, 
   nic.eeprom = MakeEeprom(mac, kGigabitDeviceId, 256, 0x1012);
   nic.eeprom_magic = uint32_t{kGigabitDeviceId} << 16 | kVendorId;
   nic.diagnostics = true;
+  nic.netqueue.supported = true;
+  nic.netqueue.max_tx_queues = 8;
+  nic.netqueue.max_rx_queues = 8;
+  nic.netqueue.tx_queues = 4;
+  nic.netqueue.rx_queues = 4;
+  nic.netqueue.balancer_enabled = true;
+  nic.netqueue.supported_settings = kRxqPair | kRxqNoFeature | kRxDynamicLb | kDynamicPool |
+                                    kMacLearnLb;
+  nic.netqueue.allowed_settings = nic.netqueue.supported_settings;
+  nic.netqueue.filter_classes = kMacOnly | kVlanOnly | kVlanMac;
+  nic.netqueue.plugins = {kDefaultBalancer};
+  nic.software_simulation.simulated = kSimObo | kSimVxlan | kSimGeneve | kSimIpv6TsoExt |
+                                      kSimIpv6CsoExt;
+  nic.software_simulation.required = kSimObo | kSimVxlan | kSimGeneve;
+  nic.hw_cap.reported = true;
+  nic.hw_cap.supported = Caps({0, 1, 2, 3, 4, 5, 6, 7, 8, 15, 20, 21, 22});
+  nic.hw_cap.activated = Caps({0, 1, 2, 4, 5, 6, 7, 8, 15, 21, 22});
   return nic;
 }
 
@@ -161,6 +240,29 @@ PnicState Sfp28Port(std::string name, std::string pci, std::string mac) {
   nic.eeprom = MakeEeprom(mac, kSfp28DeviceId, 512, 0x2260);
   nic.eeprom_magic = uint32_t{kSfp28DeviceId} << 16 | kVendorId;
   nic.diagnostics = true;
+  nic.netqueue.supported = true;
+  nic.netqueue.max_tx_queues = 32;
+  nic.netqueue.max_rx_queues = 32;
+  nic.netqueue.tx_queues = 16;
+  nic.netqueue.rx_queues = 16;
+  nic.netqueue.balancer_enabled = true;
+  nic.netqueue.supported_settings = kRxqPair | kRxqNoFeature | kPreemptible | kRxDynamicLb |
+                                    kDynamicPool | kMacLearnLb | kRss | kLro | kGeneveOam |
+                                    kRssLro;
+  nic.netqueue.allowed_settings = nic.netqueue.supported_settings & ~kRssLro;
+  nic.netqueue.filter_classes = kMacOnly | kVlanOnly | kVlanMac | kVxlan | kGeneve;
+  nic.netqueue.plugins = {
+      kDefaultBalancer,
+      {"kmnet", "rss", "Spreads one filter's flows over an RSS queue set", true},
+      {"kmnet", "lro", "Gives LRO queues to bulk receive flows", false},
+  };
+  nic.software_simulation.simulated = 0;
+  nic.hw_cap.reported = true;
+  nic.hw_cap.supported = Caps({0,  1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14, 15,
+                               16, 17, 18, 19, 21, 22, 23, 28, 29, 30, 31, 33, 35});
+  nic.hw_cap.activated = Caps({0,  1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13,
+                               14, 15, 16, 17, 18, 21, 22, 28, 29, 31});
+  nic.dcb = IeeeDcb({{"Ethertype", "0x8906", "3"}, {"TCP/UDP port", "4791", "3"}});
   return nic;
 }
 
@@ -195,6 +297,12 @@ PnicState UsbAdapter() {
   nic.stats.tx_bytes = 1312;
   nic.stats.tx_errors = 4;
   nic.stats.tx_carrier_errors = 4;
+  // No netqueue, no DCB, and a driver that does not report its capabilities;
+  // what the device lacks is simulated in software.
+  nic.software_simulation.simulated = kSimIpv4Tso | kSimSg | kSimObo | kSimVxlan | kSimIpv6Tso |
+                                      kSimIpv6TsoExt | kSimIpv6Cso | kSimIpv6CsoExt |
+                                      kSimHighDma | kSimSgSpan | kSimGeneve;
+  nic.software_simulation.required = nic.software_simulation.simulated;
   return nic;
 }
 
@@ -206,6 +314,14 @@ void SeedNic(HostModel& host) {
   PnicState ornic2 = Sfp28Port("ornic2", "0000:3b:00.0", "d2:6e:a0:00:25:00");
   PnicState ornic3 = Sfp28Port("ornic3", "0000:3b:00.1", "d2:6e:a0:00:25:01");
   ornic3.admin_up = false;
+  // The storage port's peer sent pause frames for the lossless class; the
+  // second port has no application table and DCB in CEE mode.
+  ornic2.dcb.pfc_sent = Tc({0, 0, 0, 17});
+  ornic2.dcb.pfc_received = Tc({0, 0, 0, 212});
+  ornic3.dcb.mode = 2;
+  ornic3.dcb.enabled = false;
+  ornic3.dcb.pfc_enabled = false;
+  ornic3.dcb.apps.clear();
 
   // ornic0 carries vSwitch0's traffic, ornic1 stands by and sees broadcasts.
   ornic0.stats = {9120477, 18442311, 3411872650, 22190334871, 0, 27, 0,  112,

@@ -157,6 +157,11 @@ void SeedRuntime(HostModel& host) {
                          {1000412, "vmm0:app-01"},
                          {1000433, "vmm0:app-02"},
                          {1000458, "vmm0:repl-01"}};
+
+  // Two ENS contexts serve DSwitch-Prod, one per NUMA node; a third stands
+  // by, unassigned.
+  host.runtime.ens.max_lcores = 8;
+  host.runtime.ens.lcores = {{0, "DSwitch-Prod", 0}, {1, "DSwitch-Prod", 1}, {2, "null", -1}};
 }
 
 PortState* FindPort(RuntimeArea& area, uint32_t id) {

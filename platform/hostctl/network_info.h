@@ -14,6 +14,7 @@ namespace HostCtl::Network {
 class DVPort;
 class DVSwitch;
 class NetstackInstance;
+class OrvikNicInfo;
 class Pnic;
 class PortGroup;
 class VirtualSwitch;
@@ -92,6 +93,36 @@ class NetworkInfo : public virtual Lib::HostCtlObject {
   virtual bool IsOrvkIpv6Enabled() = 0;
   // Turns IPv6 on or off for the whole IP stack from the next boot on.
   virtual void SetOrvkIpv6Enabled(bool enabled) = 0;
+  // The view of the host's Orvik network interfaces, owned by the caller.
+  virtual std::unique_ptr<OrvikNicInfo> GetOrvikNicInfo() = 0;
+
+  // ENS contexts (lcores). Each throws Lib::HostCtlException when the host
+  // fails, for an lcore id the host does not have (except AddLcore), and
+  // for a value out of range; a bool result of false means that the host
+  // declined without an error.
+  //
+  // The largest number of contexts the host may have.
+  static uint32_t GetMaxLcores();
+  // Refuses 0 and more than the host's CPUs allow; false if a context's id
+  // would fall beyond the new maximum.
+  static bool SetMaxLcores(unsigned long maximum);
+  // Refuses an id at or beyond the maximum and an id in use. A new context
+  // has no switch and no NUMA affinity (-1).
+  static bool AddLcore(unsigned long lcoreId);
+  // False while the context is associated with a switch.
+  static bool RemoveLcore(unsigned long lcoreId);
+  // The ids of all contexts, in rising order.
+  static std::vector<unsigned long> GetLcoreList();
+  // The switch of the context; "null" for none.
+  static std::string GetLcoreSwitch(unsigned long lcoreId);
+  // Associates the context with a standard or distributed switch; the name
+  // "null" clears the association. Refuses a switch the host does not have;
+  // false while the context is associated with another switch.
+  static bool AddLcoreSwitch(std::string const& switchName, unsigned long lcoreId);
+  // The NUMA node of the context; -1 for none.
+  static int32_t GetLcoreAffinity(unsigned long lcoreId);
+  // False for a NUMA node the host does not have.
+  static bool SetLcoreAffinity(unsigned int affinity, unsigned long lcoreId);
 };
 
 // Hands out the library's service objects as their interfaces; the caller
@@ -135,6 +166,7 @@ class NetworkInfoImpl : public virtual HostCtl::Network::NetworkInfo,
   uint32_t GetNetstackInstanceState(std::string const& key) override;
   bool IsOrvkIpv6Enabled() override;
   void SetOrvkIpv6Enabled(bool enabled) override;
+  std::unique_ptr<HostCtl::Network::OrvikNicInfo> GetOrvikNicInfo() override;
   // The port groups of all standard switches, switch by switch, owned by the
   // caller.
   std::vector<std::unique_ptr<HostCtl::Network::PortGroup>> GetAllPortGroups();

@@ -34,6 +34,14 @@ class OrvkNicPort : public virtual Lib::HostCtlObject {
 // be read, or a change is refused.
 class OrvkNic : public virtual Lib::HostCtlObject {
  public:
+  // One multicast group the interface has joined.
+  struct MulticastGroup {
+    std::string interface;
+    std::string group;       // the group's IP address
+    std::string linkLayer;   // the group's link-layer (MAC) address
+    int32_t refcount = 0;    // how many users joined it
+  };
+
   ~OrvkNic() override;
 
   // Cached: "orvk0" and the like.
@@ -78,6 +86,10 @@ class OrvkNic : public virtual Lib::HostCtlObject {
   // Makes the changes made through this object permanent. The host applies
   // every change at once, so this only checks that the interface exists.
   virtual void Commit() = 0;
+  // Appends the groups the interface has joined to `groups`: the all-hosts
+  // groups of its address families, the solicited-node group of each IPv6
+  // address, then the groups its users joined.
+  virtual void GetMulticastGroups(std::vector<MulticastGroup>& groups) = 0;
 
   // Bounds of an interface's MTU in bytes, both included.
   static const int32_t MIN_MTU;
@@ -85,6 +97,16 @@ class OrvkNic : public virtual Lib::HostCtlObject {
 };
 
 using OrvkNicList = std::vector<std::unique_ptr<OrvkNic>>;
+
+// The view of the host's Orvik network interfaces, as the network view hands
+// it out.
+class OrvikNicInfo : public virtual Lib::HostCtlObject {
+ public:
+  ~OrvikNicInfo() override;
+  // All interfaces of all netstack instances, in the order they were made,
+  // owned by the caller. Throws Lib::HostCtlException when the host fails.
+  virtual OrvkNicList GetOrvikNics() = 0;
+};
 
 }  // namespace HostCtl::Network
 
@@ -121,6 +143,7 @@ class OrvkNicImpl : public virtual HostCtl::Network::OrvkNic, public virtual Lib
   void AddTag(HostCtl::Network::OrvkNicTagType tag, bool persistOnly) override;
   void RemoveTag(HostCtl::Network::OrvkNicTagType tag) override;
   void Commit() override;
+  void GetMulticastGroups(std::vector<MulticastGroup>& groups) override;
 
  private:
   std::string name_;
@@ -141,14 +164,15 @@ std::string OrvkNicTagIdToName(HostCtl::Network::OrvkNicTagType tag);
 // The host's Orvik network interfaces. Making the object reads nothing. Lists
 // are in the order the interfaces were made and are owned by the caller.
 // Every operation throws HostCtlException when the host cannot be read.
-class OrvikNicInfoImpl : public virtual Lib::OrvkCtlObject {
+class OrvikNicInfoImpl : public virtual HostCtl::Network::OrvikNicInfo,
+                         public virtual Lib::OrvkCtlObject {
  public:
   OrvikNicInfoImpl();
   ~OrvikNicInfoImpl() override;
   void Refresh() override;
 
   // All interfaces of all netstack instances.
-  HostCtl::Network::OrvkNicList GetOrvikNics();
+  HostCtl::Network::OrvkNicList GetOrvikNics() override;
   // The interfaces of one instance; empty for a key no interface has.
   HostCtl::Network::OrvkNicList GetOrvikNicsByInstanceKey(std::string const& key);
   // Appends to `names` the names of the interfaces of one instance.

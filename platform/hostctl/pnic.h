@@ -205,6 +205,98 @@ struct PnicAttachment {
   uint16_t vlanId = 0;
 };
 
+// One netqueue load balancer plugin of a device.
+struct PnicNetqueuePluginInfo {
+  std::string moduleName;
+  std::string pluginName;
+  std::string description;
+};
+
+// Netqueue state of an uplink: queue counts, the load balancer and its
+// settings, plugins and filter classes. On a write the record starts zeroed:
+// `settingsMask` selects the load balancer settings whose `allowed` bool is
+// applied, and each apply* bool selects one more part to apply.
+struct PnicNetqueueInfo {
+  // Load balancer settings, in the order of `allowed` and `supported`.
+  enum : uint32_t {
+    SETTING_RXQ_PAIR = 0x1,
+    SETTING_RXQ_NO_FEATURE = 0x2,
+    SETTING_PREEMPTIBLE_Q = 0x4,
+    SETTING_RXQ_LATENCY = 0x8,
+    SETTING_RX_DYNAMIC_LB = 0x10,
+    SETTING_DYNAMIC_Q_POOL = 0x20,
+    SETTING_MAC_LEARN_LB = 0x40,
+    SETTING_RSS = 0x80,
+    SETTING_LRO = 0x100,
+    SETTING_GENEVE_OAM = 0x200,
+    SETTING_RSS_LRO = 0x400,
+  };
+  static constexpr int kSettingCount = 11;
+  // Filter classes: MacOnly, VlanOnly, VlanMac, Vxlan, Geneve, GenericEncap.
+  static constexpr int kFilterClassCount = 6;
+
+  uint32_t settingsMask = 0;
+  uint32_t txQueueCount = 0;
+  uint32_t rxQueueCount = 0;
+  bool applyTxQueueCount = false;
+  bool applyRxQueueCount = false;
+  bool applyBalancerState = false;
+  bool applyPluginState = false;
+  bool balancerEnabled = false;
+  // On a write: the state to give the one plugin named in activePlugins.
+  bool pluginEnabled = false;
+  bool allowed[kSettingCount] = {};
+  bool supported[kSettingCount] = {};
+  bool filterClasses[kFilterClassCount] = {};
+  std::vector<PnicNetqueuePluginInfo> availablePlugins;
+  // The plugins in use; on a write, the one plugin to change.
+  std::vector<PnicNetqueuePluginInfo> activePlugins;
+};
+
+// Offload functions the host simulates in software for an uplink. On a write
+// `mask` selects the bools to apply. Geneve offload came last to the record:
+// its bool and its mask bit are the last ones.
+struct PnicSoftwareSimulation {
+  enum : uint32_t {
+    MASK_IPV4_CSO = 0x1,
+    MASK_IPV4_TSO = 0x2,
+    MASK_SG = 0x4,
+    MASK_OBO = 0x8,
+    MASK_VXLAN_ENCAP = 0x10,
+    MASK_IPV6_TSO = 0x20,
+    MASK_IPV6_TSO_EXT = 0x40,
+    MASK_IPV6_CSO = 0x80,
+    MASK_IPV6_CSO_EXT = 0x100,
+    MASK_HIGH_DMA = 0x200,
+    MASK_SG_SPAN_PAGES = 0x400,
+    MASK_TAGGING = 0x800,
+    MASK_UNTAGGING = 0x1000,
+    MASK_GENEVE_OFFLOAD = 0x2000,
+  };
+  uint32_t mask = 0;
+  bool ipv4Cso = false;
+  bool ipv4Tso = false;
+  bool scatterGather = false;
+  bool offsetBasedOffload = false;
+  bool vxlanEncap = false;
+  bool ipv6Tso = false;
+  bool ipv6TsoExt = false;
+  bool ipv6Cso = false;
+  bool ipv6CsoExt = false;
+  bool highDma = false;
+  bool scatterGatherSpanPages = false;
+  bool vlanTagging = false;
+  bool vlanUntagging = false;
+  bool geneveOffload = false;
+};
+
+// Hardware capability bits of an uplink's device; PnicImpl::GetHwCapName
+// names each bit.
+struct PnicHwCapabilities {
+  uint64_t supported = 0;
+  uint64_t activated = 0;
+};
+
 // The PCI function of an uplink, as the host read it when the object was
 // made. Each accessor throws Lib::HostCtlException when the host fails.
 class PciDevice : public virtual Lib::HostCtlObject {
@@ -316,6 +408,19 @@ class Pnic : public virtual Lib::HostCtlObject {
   virtual void RemoveAttachment(std::string const& branch) = 0;
   // In the order they were attached.
   virtual std::vector<PnicAttachment> GetAttachments() = 0;
+  // Throws for a device without netqueue.
+  virtual void GetNetqueueInfo(PnicNetqueueInfo& info) = 0;
+  // Applies what the mask and the apply bools select, all or nothing.
+  // Refuses a device without netqueue, allowing a setting the device does not
+  // support, a queue count outside 1 to the device's maximum, and a plugin
+  // the device does not have.
+  virtual void SetNetqueueInfo(PnicNetqueueInfo& info) = 0;
+  virtual void GetSoftwareSimulation(PnicSoftwareSimulation& settings) = 0;
+  // Applies the bools that `settings.mask` selects. Refuses to stop
+  // simulating a function the device lacks in hardware.
+  virtual void SetSoftwareSimulation(PnicSoftwareSimulation& settings) = 0;
+  // Throws for a device whose driver does not report its capabilities.
+  virtual void GetHwCapabilities(PnicHwCapabilities& caps) = 0;
 };
 
 }  // namespace HostCtl::Network
@@ -375,6 +480,14 @@ class PnicImpl : public virtual HostCtl::Network::Pnic, public virtual Lib::Orvk
   // The switch port the NIC is an uplink of, owned by the caller. Throws
   // HostCtlException when the NIC is on no switch.
   std::unique_ptr<HostCtl::Network::Port> GetPort();
+  void GetNetqueueInfo(HostCtl::Network::PnicNetqueueInfo& info) override;
+  void SetNetqueueInfo(HostCtl::Network::PnicNetqueueInfo& info) override;
+  void GetSoftwareSimulation(HostCtl::Network::PnicSoftwareSimulation& settings) override;
+  void SetSoftwareSimulation(HostCtl::Network::PnicSoftwareSimulation& settings) override;
+  void GetHwCapabilities(HostCtl::Network::PnicHwCapabilities& caps) override;
+  // The name of hardware capability bit `bit`; bits without a name of their
+  // own read "CAP_BIT_<n>".
+  static std::string GetHwCapName(uint8_t bit);
 
  private:
   Sim::PnicState const& Cached();

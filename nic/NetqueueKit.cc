@@ -1,0 +1,69 @@
+#include "nic/NetqueueKit.h"
+
+#include "hostctl/network_info.h"
+#include "hostctl/pnic.h"
+#include "toolbase/call_spec.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+const std::string kOrnicParameter = "ornic";
+
+const LbSetting kLbSettings[11] = {
+    {"RxQPair", "rxqpair", "Configure Rx queue pair at netqueue load balancer.", true},
+    {"RxQNoFeature", "rxqnofeat", "Configure Rx queue no feature at netqueue load balancer.",
+     false},
+    {"PreEmptibleQ", "rxqpreempt", "Configure pre-emptible queue at netqueue load balancer.", true},
+    {"RxQLatency", "rxqlatency", "Configure Rx queue latency at netqueue load balancer.", true},
+    {"RxDynamicLB", "rxdynlb", "Configure RX dynamic load balancing at netqueue load balancer.",
+     false},
+    {"DynamicQPool", "dynpoollb", "Configure Dynamic queue pool at netqueue load balancer.", true},
+    {"MacLearnLB", "maclearnlb", "Configure Mac learn load balancing at netqueue load balancer.",
+     false},
+    {"RSS", "rsslb", "Configure Receive Side Scaling at netqueue load balancer.", true},
+    {"LRO", "lrolb", "Configure Large Receive Offload at netqueue load balancer.", true},
+    {"GeneveOAM", "geneveoamlb", "Configure Geneve OAM at netqueue load balancer.", true},
+    {"RSSLRO", "rsslrolb",
+     "Configure Receive Side Scaling with Large Receive Offload at netqueue load balancer.", true},
+};
+
+std::string MissingPnicMessage(MissingPnicWords words, std::string const& name) {
+  if (words == MissingPnicWords::InvalidName) return "Invalid PNIC name " + name;
+  return "Pnic with name " + name + " not found";
+}
+
+std::unique_ptr<HostCtl::Network::Pnic> FindNamedPnic(HostCtl::Network::NetworkInfo& networkInfo,
+                                                      std::string const& name,
+                                                      Toolbase::CallSpec::Output& output,
+                                                      MissingPnicWords words) {
+  auto pnic = networkInfo.GetPnicByName(name);
+  if (!pnic) output.AddErrorMessage(MissingPnicMessage(words, name));
+  return pnic;
+}
+
+bool WalkNetqueue(HostCtl::Network::NetworkInfo& networkInfo,
+                  Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output,
+                  bool byName, MissingPnicWords words, NetqueueRows const& rows) {
+  bool const named = byName && input.HasParameter(kOrnicParameter);
+  HostCtl::Network::PnicList pnics;
+  if (named) {
+    auto pnic = FindNamedPnic(networkInfo, input.GetParameter(kOrnicParameter), output, words);
+    if (!pnic) return false;
+    pnics.push_back(std::move(pnic));
+  } else {
+    pnics = networkInfo.GetPnics();
+  }
+  for (auto const& pnic : pnics) {
+    HostCtl::Network::PnicNetqueueInfo info;
+    try {
+      pnic->GetNetqueueInfo(info);
+    } catch (HostCtl::Lib::HostCtlException const& e) {
+      if (!named) continue;  // a device without netqueue makes no row
+      output.AddErrorMessage(e.message);
+      return false;
+    }
+    rows(*pnic, info);
+  }
+  return true;
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

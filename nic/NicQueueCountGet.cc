@@ -1,0 +1,81 @@
+#include "nic/NicQueueCountGet.h"
+
+#include <memory>
+#include <string>
+
+#include "hostctl/network_info.h"
+#include "hostctl/pnic.h"
+#include "nic/NetqueueKit.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kStructure = "NetqueueCount";
+const std::string kNic = "NIC";
+const std::string kTxCount = "Tx netqueue count";
+const std::string kRxCount = "Rx netqueue count";
+}  // namespace
+
+std::shared_ptr<NicQueueCountGet> NicQueueCountGet::New() {
+  return std::make_shared<NicQueueCountGet>();
+}
+
+NicQueueCountGet::NicQueueCountGet() {
+  SetDescription("Get netqueue count on a nic");
+  SetDefaultOutputFormatter("table");
+  SetDefaultOutputParameter("fields:NetqueueCount", "NIC,Tx netqueue count,Rx netqueue count");
+}
+
+NicQueueCountGet::~NicQueueCountGet() = default;
+
+std::shared_ptr<MetaStruct> NicQueueCountGet::GetOutputStructure() {
+  auto result = MetaStruct::New(kStructure);
+  result->SetField(kNic, MetaString::New());
+  result->SetField(kTxCount, MetaInt::New());
+  result->SetField(kRxCount, MetaInt::New());
+  return result;
+}
+
+std::shared_ptr<InputSpec> NicQueueCountGet::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  auto ornic = ParameterSpec::New(kOrnicParameter, ParameterType::String);
+  ornic->SetRequired(false);
+  ornic->SetShortName("n");
+  ornic->SetDescription("The name of pnic to get netqueue count");
+  spec->AddParameter(ornic);
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> NicQueueCountGet::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
+  return spec;
+}
+
+void NicQueueCountGet::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                       std::shared_ptr<Output> const& output) {
+  try {
+    auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
+    auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
+    bool const done = WalkNetqueue(
+        *networkInfo, *input, *output, true, MissingPnicWords::NotFound,
+        [&](HostCtl::Network::Pnic& pnic, HostCtl::Network::PnicNetqueueInfo const& info) {
+          auto row = GetOutputStructure();
+          row->SetField(kNic, pnic.GetName());
+          row->SetField(kTxCount, static_cast<long>(info.txQueueCount));
+          row->SetField(kRxCount, static_cast<long>(info.rxQueueCount));
+          list->Add(row);
+        });
+    if (!done) return;
+    output->SetRootObject(list);
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

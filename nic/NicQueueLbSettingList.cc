@@ -1,0 +1,84 @@
+#include "nic/NicQueueLbSettingList.h"
+
+#include <memory>
+#include <string>
+
+#include "hostctl/network_info.h"
+#include "hostctl/pnic.h"
+#include "nic/NetqueueKit.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kStructure = "Settings";
+const std::string kNic = "NIC";
+}  // namespace
+
+std::shared_ptr<NicQueueLbSettingList> NicQueueLbSettingList::New() {
+  return std::make_shared<NicQueueLbSettingList>();
+}
+
+NicQueueLbSettingList::NicQueueLbSettingList() {
+  SetDescription(
+      "List the load balancer settings of all the installed and loaded physical NICs. "
+      "(S:supported, U:unsupported, N:not-applicable, A:allowed, D:disallowed).");
+  SetDefaultOutputFormatter("table");
+  SetDefaultOutputParameter("fields:Settings",
+                            "NIC,RxQPair,RxQNoFeature,PreEmptibleQ,RxQLatency,RxDynamicLB,"
+                            "DynamicQPool,MacLearnLB,RSS,LRO,GeneveOAM,RSSLRO");
+}
+
+NicQueueLbSettingList::~NicQueueLbSettingList() = default;
+
+std::shared_ptr<MetaStruct> NicQueueLbSettingList::GetOutputStructure() {
+  auto result = MetaStruct::New(kStructure);
+  result->SetField(kNic, MetaString::New());
+  for (auto const& setting : kLbSettings) result->SetField(setting.column, MetaString::New());
+  return result;
+}
+
+std::shared_ptr<InputSpec> NicQueueLbSettingList::GetInputSpecInternal() {
+  return InputSpec::New();
+}
+
+std::shared_ptr<OutputSpec> NicQueueLbSettingList::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
+  return spec;
+}
+
+void NicQueueLbSettingList::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                            std::shared_ptr<Output> const& output) {
+  try {
+    auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
+    auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
+    bool const done = WalkNetqueue(
+        *networkInfo, *input, *output, false, MissingPnicWords::NotFound,
+        [&](HostCtl::Network::Pnic& pnic, HostCtl::Network::PnicNetqueueInfo const& info) {
+          auto row = GetOutputStructure();
+          row->SetField(kNic, pnic.GetName());
+          for (int i = 0; i < HostCtl::Network::PnicNetqueueInfo::kSettingCount; ++i) {
+            std::string letters;
+            if (!kLbSettings[i].showsSupport) {
+              letters = "N";
+            } else {
+              letters = info.supported[i] ? "S" : "U";
+            }
+            letters += info.allowed[i] ? "A" : "D";
+            row->SetField(kLbSettings[i].column, letters);
+          }
+          list->Add(row);
+        });
+    if (!done) return;
+    output->SetRootObject(list);
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

@@ -1,0 +1,69 @@
+#include "nic/NicQueueLbSettingSet.h"
+
+#include <memory>
+#include <string>
+
+#include "hostctl/network_info.h"
+#include "hostctl/pnic.h"
+#include "nic/NetqueueKit.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+std::shared_ptr<NicQueueLbSettingSet> NicQueueLbSettingSet::New() {
+  return std::make_shared<NicQueueLbSettingSet>();
+}
+
+NicQueueLbSettingSet::NicQueueLbSettingSet() {
+  SetDescription("Enable/disable netqueue load balancer setting on a NIC.");
+}
+
+NicQueueLbSettingSet::~NicQueueLbSettingSet() = default;
+
+std::shared_ptr<InputSpec> NicQueueLbSettingSet::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  auto ornic = ParameterSpec::New(kOrnicParameter, ParameterType::String);
+  ornic->SetRequired(true);
+  ornic->SetShortName("n");
+  ornic->SetDescription("Name of ornic to update netqueue load balancer setting.");
+  spec->AddParameter(ornic);
+  for (auto const& setting : kLbSettings) {
+    auto parameter = ParameterSpec::New(setting.parameter, ParameterType::Bool);
+    parameter->SetRequired(false);
+    parameter->SetDescription(setting.description);
+    spec->AddParameter(parameter);
+  }
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> NicQueueLbSettingSet::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaBool::New());
+  return spec;
+}
+
+void NicQueueLbSettingSet::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                           std::shared_ptr<Output> const& output) {
+  try {
+    std::string const& name = input->GetParameter(kOrnicParameter);
+    auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
+    auto pnic = FindNamedPnic(*networkInfo, name, *output, MissingPnicWords::NotFound);
+    if (!pnic) return;
+    HostCtl::Network::PnicNetqueueInfo info;
+    for (int i = 0; i < HostCtl::Network::PnicNetqueueInfo::kSettingCount; ++i) {
+      if (!input->HasParameter(kLbSettings[i].parameter)) continue;
+      info.settingsMask |= 1u << i;
+      info.allowed[i] = input->GetParameterBool(kLbSettings[i].parameter);
+    }
+    if (info.settingsMask != 0) pnic->SetNetqueueInfo(info);
+    output->SetRootObject(MetaBool::New(true));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

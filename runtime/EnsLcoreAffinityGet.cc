@@ -1,0 +1,54 @@
+#include "runtime/EnsLcoreAffinityGet.h"
+
+#include <memory>
+#include <string>
+
+#include "hostctl/network_info.h"
+#include "runtime/EnsKit.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kLcoreId = "lcore-id";
+}  // namespace
+
+std::shared_ptr<EnsLcoreAffinityGet> EnsLcoreAffinityGet::New() {
+  return std::make_shared<EnsLcoreAffinityGet>();
+}
+
+EnsLcoreAffinityGet::EnsLcoreAffinityGet() {
+  SetDescription("Get the affinity for given ENS context.");
+  SetDefaultOutputFormatter("simple");
+}
+
+EnsLcoreAffinityGet::~EnsLcoreAffinityGet() = default;
+
+std::shared_ptr<InputSpec> EnsLcoreAffinityGet::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  spec->AddParameter(NewLcoreIdParameter(kLcoreId, "ENS context id."));
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> EnsLcoreAffinityGet::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaInt::New());
+  return spec;
+}
+
+void EnsLcoreAffinityGet::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                          std::shared_ptr<Output> const& output) {
+  unsigned long const lcoreId = input->GetParameterInt(kLcoreId);
+  try {
+    output->SetRootObject(
+        MetaInt::New(static_cast<long>(HostCtl::Network::NetworkInfo::GetLcoreAffinity(lcoreId))));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

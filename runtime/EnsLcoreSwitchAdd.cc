@@ -1,0 +1,56 @@
+#include "runtime/EnsLcoreSwitchAdd.h"
+
+#include <memory>
+#include <string>
+
+#include "hostctl/network_info.h"
+#include "runtime/EnsKit.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kLcoreId = "lcore-id";
+const std::string kSwitch = "switch";
+}  // namespace
+
+std::shared_ptr<EnsLcoreSwitchAdd> EnsLcoreSwitchAdd::New() {
+  return std::make_shared<EnsLcoreSwitchAdd>();
+}
+
+EnsLcoreSwitchAdd::EnsLcoreSwitchAdd() {
+  SetDescription("Associate given ENS context with given switch.");
+}
+
+EnsLcoreSwitchAdd::~EnsLcoreSwitchAdd() = default;
+
+std::shared_ptr<InputSpec> EnsLcoreSwitchAdd::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  spec->AddParameter(NewLcoreIdParameter(kLcoreId, "ENS context id."));
+  spec->AddParameter(NewEnsParameter(kSwitch, "s", ParameterType::String, "Switch name."));
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> EnsLcoreSwitchAdd::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaBool::New());
+  return spec;
+}
+
+void EnsLcoreSwitchAdd::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                        std::shared_ptr<Output> const& output) {
+  unsigned long const lcoreId = input->GetParameterInt(kLcoreId);
+  std::string const& switchName = input->GetParameter(kSwitch);
+  try {
+    output->SetRootObject(
+        MetaBool::New(HostCtl::Network::NetworkInfo::AddLcoreSwitch(switchName, lcoreId)));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

@@ -1,0 +1,53 @@
+#include "runtime/EnsLcoreSwitchGet.h"
+
+#include <memory>
+#include <string>
+
+#include "hostctl/network_info.h"
+#include "runtime/EnsKit.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kLcoreId = "lcore-id";
+}  // namespace
+
+std::shared_ptr<EnsLcoreSwitchGet> EnsLcoreSwitchGet::New() {
+  return std::make_shared<EnsLcoreSwitchGet>();
+}
+
+EnsLcoreSwitchGet::EnsLcoreSwitchGet() {
+  SetDescription("Get the switch associated with given ENS context.");
+  SetDefaultOutputFormatter("simple");
+}
+
+EnsLcoreSwitchGet::~EnsLcoreSwitchGet() = default;
+
+std::shared_ptr<InputSpec> EnsLcoreSwitchGet::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  spec->AddParameter(NewLcoreIdParameter(kLcoreId, "ENS context id."));
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> EnsLcoreSwitchGet::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaString::New());
+  return spec;
+}
+
+void EnsLcoreSwitchGet::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                        std::shared_ptr<Output> const& output) {
+  unsigned long const lcoreId = input->GetParameterInt(kLcoreId);
+  try {
+    output->SetRootObject(MetaString::New(HostCtl::Network::NetworkInfo::GetLcoreSwitch(lcoreId)));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

@@ -1,0 +1,55 @@
+#include "runtime/EnsLcoreSwitchRemove.h"
+
+#include <memory>
+#include <string>
+
+#include "hostctl/network_info.h"
+#include "runtime/EnsKit.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kLcoreId = "lcore-id";
+const std::string kNoSwitch = "null";
+}  // namespace
+
+std::shared_ptr<EnsLcoreSwitchRemove> EnsLcoreSwitchRemove::New() {
+  return std::make_shared<EnsLcoreSwitchRemove>();
+}
+
+EnsLcoreSwitchRemove::EnsLcoreSwitchRemove() {
+  SetDescription("Disassociate given ENS context from virtual switch.");
+}
+
+EnsLcoreSwitchRemove::~EnsLcoreSwitchRemove() = default;
+
+std::shared_ptr<InputSpec> EnsLcoreSwitchRemove::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  spec->AddParameter(NewLcoreIdParameter(kLcoreId, "ENS context id."));
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> EnsLcoreSwitchRemove::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaBool::New());
+  return spec;
+}
+
+void EnsLcoreSwitchRemove::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                           std::shared_ptr<Output> const& output) {
+  unsigned long const lcoreId = input->GetParameterInt(kLcoreId);
+  try {
+    // There is no removing operation: associating with "null" clears the switch.
+    output->SetRootObject(
+        MetaBool::New(HostCtl::Network::NetworkInfo::AddLcoreSwitch(kNoSwitch, lcoreId)));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

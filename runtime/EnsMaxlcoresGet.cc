@@ -1,0 +1,45 @@
+#include "runtime/EnsMaxlcoresGet.h"
+
+#include <memory>
+#include <string>
+
+#include "hostctl/network_info.h"
+#include "runtime/EnsKit.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+std::shared_ptr<EnsMaxlcoresGet> EnsMaxlcoresGet::New() {
+  return std::make_shared<EnsMaxlcoresGet>();
+}
+
+EnsMaxlcoresGet::EnsMaxlcoresGet() {
+  SetDescription("Get the maximum number of ENS contexts (lcores).");
+  SetDefaultOutputFormatter("simple");
+}
+
+EnsMaxlcoresGet::~EnsMaxlcoresGet() = default;
+
+std::shared_ptr<InputSpec> EnsMaxlcoresGet::GetInputSpecInternal() { return InputSpec::New(); }
+
+std::shared_ptr<OutputSpec> EnsMaxlcoresGet::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaInt::New());
+  return spec;
+}
+
+void EnsMaxlcoresGet::ExecuteInternal(std::shared_ptr<Input> const&,
+                                      std::shared_ptr<Output> const& output) {
+  try {
+    output->SetRootObject(
+        MetaInt::New(static_cast<long>(HostCtl::Network::NetworkInfo::GetMaxLcores())));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

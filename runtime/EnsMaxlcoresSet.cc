@@ -1,0 +1,51 @@
+#include "runtime/EnsMaxlcoresSet.h"
+
+#include <memory>
+#include <string>
+
+#include "hostctl/network_info.h"
+#include "runtime/EnsKit.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kMaxLcores = "maxlcores";
+}  // namespace
+
+std::shared_ptr<EnsMaxlcoresSet> EnsMaxlcoresSet::New() {
+  return std::make_shared<EnsMaxlcoresSet>();
+}
+
+EnsMaxlcoresSet::EnsMaxlcoresSet() { SetDescription("Set the maximum number of ENS contexts."); }
+
+EnsMaxlcoresSet::~EnsMaxlcoresSet() = default;
+
+std::shared_ptr<InputSpec> EnsMaxlcoresSet::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  spec->AddParameter(NewEnsParameter(kMaxLcores, "n", ParameterType::Int,
+                                     "Number of maximum ENS contexts to be assigned."));
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> EnsMaxlcoresSet::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaBool::New());
+  return spec;
+}
+
+void EnsMaxlcoresSet::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                      std::shared_ptr<Output> const& output) {
+  unsigned long const maximum = input->GetParameterInt(kMaxLcores);
+  try {
+    output->SetRootObject(MetaBool::New(HostCtl::Network::NetworkInfo::SetMaxLcores(maximum)));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace
