@@ -62,9 +62,17 @@ struct PortState {
   std::vector<PortFilterState> filters;
 };
 
+// One world (a process or a VM's executable) by id.
+struct WorldState {
+  uint32_t id = 0;
+  std::string name;
+};
+
 struct RuntimeArea {
   // All switch ports of the host, switch by switch.
   std::vector<PortState> ports;
+  // The worlds the host runs, in order of id.
+  std::vector<WorldState> worlds;
 };
 
 // The port with that id, or null.
