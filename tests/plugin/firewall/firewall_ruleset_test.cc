@@ -22,6 +22,10 @@ using Messages = std::vector<std::string>;
 
 class FirewallRulesetTest : public HostTest {
  protected:
+  void SetUp() override {
+    HostTest::SetUp();
+    OrvkCtl::Sim::ReadHost();  // seeds the state file
+  }
   // The rows of a list command, each as MetaText renders it.
   std::vector<std::string> Rows(Args const& args) {
     auto output = Execute(args);
@@ -138,7 +142,7 @@ TEST_F(FirewallRulesetTest, RuleListSpellsOutPortTypeDirectionAndProtocol) {
             "Protocol=UDP}");
   EXPECT_EQ(Rows({"network", "firewall", "ruleset", "rule", "list", "-r", "empty"}),
             std::vector<std::string>{});
-  EXPECT_EQ(Rows({"network", "firewall", "ruleset", "rule", "list"}).size(), 25u);
+  EXPECT_EQ(Rows({"network", "firewall", "ruleset", "rule", "list"}).size(), 26u);
 }
 
 TEST_F(FirewallRulesetTest, SetNeedsAnOption) {
@@ -315,6 +319,8 @@ TEST_F(FirewallRulesetTest, ToolPrintsTablesAndMachineFormats) {
                 "webManagement"});
   ASSERT_EQ(result.status, 0) << result.err;
   EXPECT_NE(result.out.find("\"192.168.10.0/24\""), std::string::npos) << result.out;
+  // The tool waits for this process to let go of the host.
+  Reload();
   auto process = TestSupport::RunProcess(
       {"network", "firewall", "ruleset", "list", "-r", "nosuch"},
       {{"TOOLBASE_HOST_STATE", state_path_}});

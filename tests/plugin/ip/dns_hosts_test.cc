@@ -21,6 +21,10 @@ using Messages = std::vector<std::string>;
 
 class DnsHostsTest : public HostTest {
  protected:
+  void SetUp() override {
+    HostTest::SetUp();
+    OrvkCtl::Sim::ReadHost();  // seeds the state file
+  }
   std::string Root(Args const& args) {
     auto output = Execute(args);
     EXPECT_EQ(output->GetErrorMessages(), Messages{});
