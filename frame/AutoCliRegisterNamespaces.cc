@@ -6,9 +6,28 @@
 #include "firewall/FirewallGet.h"
 #include "firewall/FirewallLoad.h"
 #include "firewall/FirewallRefresh.h"
+#include "firewall/FirewallRulesetAllowedipAdd.h"
+#include "firewall/FirewallRulesetAllowedipList.h"
+#include "firewall/FirewallRulesetAllowedipRemove.h"
+#include "firewall/FirewallRulesetClientAdd.h"
+#include "firewall/FirewallRulesetClientGet.h"
+#include "firewall/FirewallRulesetClientRemove.h"
+#include "firewall/FirewallRulesetList.h"
+#include "firewall/FirewallRulesetRuleList.h"
+#include "firewall/FirewallRulesetSet.h"
 #include "firewall/FirewallSet.h"
 #include "firewall/FirewallUnload.h"
+#include "ip/IpConnectionList.h"
+#include "ip/IpDNSSearchAdd.h"
+#include "ip/IpDNSSearchList.h"
+#include "ip/IpDNSSearchRemove.h"
+#include "ip/IpDNSServerAdd.h"
+#include "ip/IpDNSServerList.h"
+#include "ip/IpDNSServerRemove.h"
 #include "ip/IpGet.h"
+#include "ip/IpHostsAdd.h"
+#include "ip/IpHostsList.h"
+#include "ip/IpHostsRemove.h"
 #include "ip/IpInterfaceAdd.h"
 #include "ip/IpInterfaceIpv4Get.h"
 #include "ip/IpInterfaceIpv4Set.h"
@@ -29,6 +48,8 @@
 #include "ip/IpIpsecSPAdd.h"
 #include "ip/IpIpsecSPList.h"
 #include "ip/IpIpsecSPRemove.h"
+#include "ip/IpNeighborList.h"
+#include "ip/IpNeighborRemove.h"
 #include "ip/IpNetstackInstanceAdd.h"
 #include "ip/IpNetstackInstanceGet.h"
 #include "ip/IpNetstackInstanceList.h"
@@ -147,17 +168,26 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   ip->RegisterNamespaceNode(IpSet::New(), "set");
   auto ip_neighbor = Namespace::New();
   ip_neighbor->SetDescription("Operations that can be performed on arp tables");
+  ip_neighbor->RegisterNamespaceNode(IpNeighborList::New(), "list");
+  ip_neighbor->RegisterNamespaceNode(IpNeighborRemove::New(), "remove");
   ip->RegisterNamespaceNode(ip_neighbor, "neighbor");
   auto ip_connection = Namespace::New();
   ip_connection->SetDescription("List active tcpip connections");
+  ip_connection->RegisterNamespaceNode(IpConnectionList::New(), "list");
   ip->RegisterNamespaceNode(ip_connection, "connection");
   auto ip_dns = Namespace::New();
   ip_dns->SetDescription("Operations pertaining to Domain Name Server configuration.");
   auto ip_dns_server = Namespace::New();
   ip_dns_server->SetDescription("Operations pertaining to DNS server configuration.");
+  ip_dns_server->RegisterNamespaceNode(IpDNSServerList::New(), "list");
+  ip_dns_server->RegisterNamespaceNode(IpDNSServerAdd::New(), "add");
+  ip_dns_server->RegisterNamespaceNode(IpDNSServerRemove::New(), "remove");
   ip_dns->RegisterNamespaceNode(ip_dns_server, "server");
   auto ip_dns_search = Namespace::New();
   ip_dns_search->SetDescription("Operations pertaining to DNS search domain configuration.");
+  ip_dns_search->RegisterNamespaceNode(IpDNSSearchAdd::New(), "add");
+  ip_dns_search->RegisterNamespaceNode(IpDNSSearchRemove::New(), "remove");
+  ip_dns_search->RegisterNamespaceNode(IpDNSSearchList::New(), "list");
   ip_dns->RegisterNamespaceNode(ip_dns_search, "search");
   ip->RegisterNamespaceNode(ip_dns, "dns");
   auto ip_route = Namespace::New();
@@ -234,6 +264,9 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   ip->RegisterNamespaceNode(ip_netstack, "netstack");
   auto ip_hosts = Namespace::New();
   ip_hosts->SetDescription("Operations pertaining to /etc/hosts");
+  ip_hosts->RegisterNamespaceNode(IpHostsList::New(), "list");
+  ip_hosts->RegisterNamespaceNode(IpHostsAdd::New(), "add");
+  ip_hosts->RegisterNamespaceNode(IpHostsRemove::New(), "remove");
   ip->RegisterNamespaceNode(ip_hosts, "hosts");
   auto multicast = Namespace::New();
   multicast->SetDescription("Operations having to do with multicast");
@@ -465,14 +498,23 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterNamespace
   firewall->RegisterNamespaceNode(FirewallUnload::New(), "unload");
   auto firewall_ruleset = Namespace::New();
   firewall_ruleset->SetDescription("Commands to list and update firewall ruleset configuration");
+  firewall_ruleset->RegisterNamespaceNode(FirewallRulesetList::New(), "list");
+  firewall_ruleset->RegisterNamespaceNode(FirewallRulesetSet::New(), "set");
   auto firewall_ruleset_client = Namespace::New();
   firewall_ruleset_client->SetDescription("Commands related to firewall ruleset clients");
+  firewall_ruleset_client->RegisterNamespaceNode(FirewallRulesetClientGet::New(), "get");
+  firewall_ruleset_client->RegisterNamespaceNode(FirewallRulesetClientAdd::New(), "add");
+  firewall_ruleset_client->RegisterNamespaceNode(FirewallRulesetClientRemove::New(), "remove");
   firewall_ruleset->RegisterNamespaceNode(firewall_ruleset_client, "client");
   auto firewall_ruleset_rule = Namespace::New();
   firewall_ruleset_rule->SetDescription("Commands to list rules in the ruleset");
+  firewall_ruleset_rule->RegisterNamespaceNode(FirewallRulesetRuleList::New(), "list");
   firewall_ruleset->RegisterNamespaceNode(firewall_ruleset_rule, "rule");
   auto firewall_ruleset_allowedip = Namespace::New();
   firewall_ruleset_allowedip->SetDescription("Commands to list and add/remove allowedip on ruleset");
+  firewall_ruleset_allowedip->RegisterNamespaceNode(FirewallRulesetAllowedipList::New(), "list");
+  firewall_ruleset_allowedip->RegisterNamespaceNode(FirewallRulesetAllowedipAdd::New(), "add");
+  firewall_ruleset_allowedip->RegisterNamespaceNode(FirewallRulesetAllowedipRemove::New(), "remove");
   firewall_ruleset->RegisterNamespaceNode(firewall_ruleset_allowedip, "allowedip");
   firewall->RegisterNamespaceNode(firewall_ruleset, "ruleset");
   network->RegisterNamespaceNode(firewall, "firewall");

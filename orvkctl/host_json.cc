@@ -7,8 +7,10 @@ namespace OrvkCtl::Sim {
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(ModuleState, name, loaded)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(FirewallRuleState, name, port_type, port_begin,
                                                 port_end, direction, protocol)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(FirewallRulesetState, id, enabled, client_count,
+                                                allowed_all, allowed_ips, rules)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(FirewallState, enabled, default_action_pass,
-                                                dynamic_rules)
+                                                dynamic_rules, rulesets)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(HostModel, hostname, modules, firewall, nic, ip,
                                                 vswitch, runtime)
 

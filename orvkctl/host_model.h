@@ -39,6 +39,8 @@ void SeedNic(HostModel& host);
 void SeedIp(HostModel& host);
 void SeedVswitch(HostModel& host);
 void SeedRuntime(HostModel& host);
+// The worlds that own the default host's sockets; part of SeedIp.
+void SeedWorlds(RuntimeArea& runtime);
 
 // The module of that name, or null.
 ModuleState* FindModule(HostModel& host, std::string const& name);

@@ -4,8 +4,17 @@
 namespace OrvkCtl::Sim {
 
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(RouteState, network, gateway, interface, source)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(NeighborState, address, mac, interface, expiry,
+                                                flags, state)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(NetstackRoutes, netstack, ipv4, ipv6,
-                                                ipv4_config_gateway, ipv6_config_gateway)
+                                                ipv4_config_gateway, ipv6_config_gateway,
+                                                ipv4_neighbors, ipv6_neighbors)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(DnsConfigState, netstack, servers, search_domains)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(HostsEntryState, ip, hostname, aliases, comment)
+NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(ConnectionState, netstack, protocol, recv_q,
+                                                send_q, local_address, local_port,
+                                                foreign_address, foreign_port, state, world_id,
+                                                cc_algo)
 NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(NetstackState, key, name, state, max_connections,
                                                 current_max_connections, cc_algorithm,
                                                 ipv6_enabled, current_ipv6_enabled, ecn_status,
@@ -39,6 +48,9 @@ void to_json(nlohmann::json& j, IpArea const& area) {
   j["executed_commands"] = area.executed_commands;
   j["ipsec_sas"] = area.ipsec_sas;
   j["ipsec_sps"] = area.ipsec_sps;
+  j["dns"] = area.dns;
+  j["hosts"] = area.hosts;
+  j["connections"] = area.connections;
 }
 
 void from_json(nlohmann::json const& j, IpArea& area) {
@@ -50,6 +62,9 @@ void from_json(nlohmann::json const& j, IpArea& area) {
   if (j.contains("executed_commands")) j.at("executed_commands").get_to(area.executed_commands);
   if (j.contains("ipsec_sas")) j.at("ipsec_sas").get_to(area.ipsec_sas);
   if (j.contains("ipsec_sps")) j.at("ipsec_sps").get_to(area.ipsec_sps);
+  if (j.contains("dns")) j.at("dns").get_to(area.dns);
+  if (j.contains("hosts")) j.at("hosts").get_to(area.hosts);
+  if (j.contains("connections")) j.at("connections").get_to(area.connections);
 }
 
 }  // namespace OrvkCtl::Sim

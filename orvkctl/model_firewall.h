@@ -17,11 +17,29 @@ struct FirewallRuleState {
   int32_t protocol = 0;   // 0 TCP, else UDP
 };
 
+// One ruleset of the firewall configuration. `allowed_ips` holds canonical
+// texts of addresses ("10.0.0.5") and networks ("10.0.0.0/8"), in the order
+// they were added; they apply only while `allowed_all` is false.
+struct FirewallRulesetState {
+  std::string id;
+  bool enabled = false;
+  int32_t client_count = 0;
+  bool allowed_all = true;
+  std::vector<std::string> allowed_ips;
+  std::vector<FirewallRuleState> rules;
+};
+
 struct FirewallState {
   bool enabled = true;
   bool default_action_pass = false;  // true: pass, false: drop
   // Rules added at run time, beside those of the ruleset configuration.
   std::vector<FirewallRuleState> dynamic_rules;
+  // The ruleset configuration, in the host's order.
+  std::vector<FirewallRulesetState> rulesets;
 };
+
+// The ruleset with that id, or null.
+FirewallRulesetState* FindRuleset(FirewallState& firewall, std::string const& id);
+FirewallRulesetState const* FindRuleset(FirewallState const& firewall, std::string const& id);
 
 }  // namespace OrvkCtl::Sim

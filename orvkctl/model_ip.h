@@ -23,6 +23,25 @@ struct RouteState {
   bool operator==(RouteState const&) const = default;
 };
 
+// One entry of a neighbor table (ARP for IPv4, neighbor discovery for IPv6).
+// `expiry` is in seconds: the host reports IPv4 expiries as signed and IPv6
+// expiries as unsigned 32-bit values, so it is kept wide enough for both.
+// `flags` bit 0 marks an entry made by hand (static); `state` is the IPv6
+// reachability state (0 incomplete, 1 reachable, 2 stale, 3 delay, 4 probe)
+// and unused for IPv4.
+struct NeighborState {
+  std::string address;
+  std::string mac;
+  std::string interface;
+  int64_t expiry = 0;
+  uint32_t flags = 0;
+  uint32_t state = 0;
+
+  bool operator==(NeighborState const&) const = default;
+};
+
+constexpr uint32_t kNeighborFlagStatic = 0x1;
+
 // The routing state of one netstack instance. The row whose network is
 // 0.0.0.0/0 (::/0) is the default route; its gateway is the default gateway
 // in force. The configured default gateways are what the instance starts
@@ -33,6 +52,9 @@ struct NetstackRoutes {
   std::vector<RouteState> ipv6;
   std::string ipv4_config_gateway = "0.0.0.0";
   std::string ipv6_config_gateway = "::";
+  // The neighbor tables, by interface in the order entries were learnt.
+  std::vector<NeighborState> ipv4_neighbors;
+  std::vector<NeighborState> ipv6_neighbors;
 
   bool operator==(NetstackRoutes const&) const = default;
 };
@@ -171,6 +193,39 @@ struct IpSecSpRecord {
   bool operator==(IpSecSpRecord const&) const = default;
 };
 
+// The DNS client configuration of one netstack instance: name servers as
+// canonical address texts and search domains, each in the order of use.
+struct DnsConfigState {
+  std::string netstack;
+  std::vector<std::string> servers;
+  std::vector<std::string> search_domains;
+};
+
+// One line of the hosts file made by the user.
+struct HostsEntryState {
+  std::string ip;
+  std::string hostname;
+  std::vector<std::string> aliases;
+  std::string comment;
+};
+
+// One open socket of a netstack instance. `protocol` is "tcp", "udp" or "ip"
+// (raw); `state` is the TCP state number (0 closed, 1 listen, ... 10
+// time-wait), 0 for the others. `world_id` is the world that owns the socket.
+struct ConnectionState {
+  std::string netstack;
+  std::string protocol;
+  uint32_t recv_q = 0;
+  uint32_t send_q = 0;
+  std::string local_address;
+  uint16_t local_port = 0;
+  std::string foreign_address;
+  uint16_t foreign_port = 0;
+  uint32_t state = 0;
+  uint32_t world_id = 0;
+  std::string cc_algo;
+};
+
 struct IpArea {
   // Whether IPv6 is on for the whole IP stack, as configured: it takes
   // effect at the next boot.
@@ -188,6 +243,13 @@ struct IpArea {
   // The IPsec databases, in the order entries were added.
   std::vector<IpSecSaRecord> ipsec_sas;
   std::vector<IpSecSpRecord> ipsec_sps;
+  // DNS client configuration by netstack instance; an instance without an
+  // entry has no servers and no search domains.
+  std::vector<DnsConfigState> dns;
+  // The user's lines of the hosts file, in file order.
+  std::vector<HostsEntryState> hosts;
+  // Open sockets of all netstack instances.
+  std::vector<ConnectionState> connections;
 };
 
 // The netstack instance with that key, or null.

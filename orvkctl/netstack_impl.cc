@@ -343,10 +343,15 @@ void NetworkInfoImpl::RemoveNetstackInstance(std::string const& key, bool kernel
       NetstackState copy = netstack;
       BringDown(host, copy);
       netstack = copy;
+      // The instance's sockets go with it.
+      std::erase_if(host.ip.connections,
+                    [&](Sim::ConnectionState const& socket) { return socket.netstack == key; });
     }
     if (kernelOnly) return;
     std::erase_if(host.ip.routes,
                   [&](Sim::NetstackRoutes const& routes) { return routes.netstack == key; });
+    std::erase_if(host.ip.dns,
+                  [&](Sim::DnsConfigState const& config) { return config.netstack == key; });
     std::erase_if(host.ip.netstacks, [&](NetstackState const& other) { return other.key == key; });
   });
 }

@@ -5,10 +5,82 @@
 // instance "livehop" is up, with no interface yet. orvk0 hangs on port group
 // "Management Network" of vSwitch0. IPsec protects SSH to the management
 // network: the manual SA sa-mgmt, the policy sp-mgmt that uses it, and one
-// SA negotiated by key exchange for the way back.
+// SA negotiated by key exchange for the way back. The default instance knows
+// its neighbors on orvk0, resolves through two name servers and holds the
+// open sockets of the management services; livehop listens for migrations.
+#include <iterator>
+
 #include "host_model.h"
 
 namespace OrvkCtl::Sim {
+
+namespace {
+
+void SeedResolution(IpArea& ip) {
+  ip.dns = {{"defaultTcpipStack", {"192.168.10.2", "192.168.10.3"},
+             {"corp.example.com", "example.com"}}};
+  ip.hosts = {
+      {"192.168.10.40", "mgmt-center.corp.example.com", {"mgmt-center"}, "Management server"},
+      {"192.168.10.60", "backup01.corp.example.com", {"backup01", "bkp"}, ""},
+      {"2001:db8:10::99", "jump01.corp.example.com", {}, "IPv6 jump host"},
+  };
+}
+
+void SeedNeighbors(NetstackRoutes& routes) {
+  routes.ipv4_neighbors = {
+      {"192.168.10.1", "00:1b:21:3a:4f:01", "orvk0", 1187, 0, 0},
+      {"192.168.10.2", "52:54:00:0a:10:02", "orvk0", 904, 0, 0},
+      {"192.168.10.3", "52:54:00:0a:10:03", "orvk0", 212, 0, 0},
+      {"192.168.10.254", "00:1b:21:3a:4f:fe", "orvk0", 0, kNeighborFlagStatic, 0},
+  };
+  routes.ipv6_neighbors = {
+      {"fe80::1", "00:1b:21:3a:4f:01", "orvk0", 26, 0, 1},
+      {"2001:db8:10::2", "52:54:00:0a:10:02", "orvk0", 1143, 0, 2},
+      {"fe80::5054:ff:fe0a:1003", "52:54:00:0a:10:03", "orvk0", 4, 0, 3},
+  };
+}
+
+// World ids as in the runtime area's world table.
+constexpr uint32_t kHostd = 2098733;
+constexpr uint32_t kWebProxy = 2098901;
+constexpr uint32_t kSshd = 2099215;
+constexpr uint32_t kNtpd = 2099502;
+constexpr uint32_t kDhcpClient = 2097688;
+constexpr uint32_t kNetProbe = 2099877;
+constexpr uint32_t kLivehop = 2100342;
+
+void SeedConnections(IpArea& ip) {
+  constexpr char kDefault[] = "defaultTcpipStack";
+  ip.connections = {
+      {kDefault, "tcp", 0, 0, "0.0.0.0", 22, "0.0.0.0", 0, 1, kSshd, "newreno"},
+      {kDefault, "tcp", 0, 0, "::", 22, "::", 0, 1, kSshd, "newreno"},
+      {kDefault, "tcp", 0, 0, "0.0.0.0", 443, "0.0.0.0", 0, 1, kWebProxy, "newreno"},
+      {kDefault, "tcp", 0, 0, "::", 443, "::", 0, 1, kWebProxy, "newreno"},
+      {kDefault, "tcp", 0, 0, "127.0.0.1", 8307, "0.0.0.0", 0, 1, kHostd, "newreno"},
+      {kDefault, "tcp", 0, 36, "192.168.10.21", 22, "192.168.10.77", 52814, 4, kSshd, "newreno"},
+      {kDefault, "tcp", 0, 0, "192.168.10.21", 443, "10.50.0.12", 61022, 4, kWebProxy,
+       "newreno"},
+      {kDefault, "tcp", 0, 0, "2001:db8:10::21", 443, "2001:db8:10::99", 50112, 4, kWebProxy,
+       "newreno"},
+      {kDefault, "tcp", 0, 0, "127.0.0.1", 41870, "127.0.0.1", 8307, 10, 0, "newreno"},
+      {kDefault, "udp", 0, 0, "0.0.0.0", 123, "0.0.0.0", 0, 0, kNtpd, ""},
+      {kDefault, "udp", 0, 0, "0.0.0.0", 68, "0.0.0.0", 0, 0, kDhcpClient, ""},
+      {kDefault, "udp", 0, 0, "::", 546, "::", 0, 0, kDhcpClient, ""},
+      {kDefault, "ip", 0, 0, "0.0.0.0", 0, "0.0.0.0", 0, 0, kNetProbe, ""},
+      {"livehop", "tcp", 0, 0, "0.0.0.0", 8000, "0.0.0.0", 0, 1, kLivehop, "cubic"},
+  };
+}
+
+}  // namespace
+
+void SeedWorlds(RuntimeArea& runtime) {
+  WorldState const services[] = {
+      {kDhcpClient, "dhcp-client"}, {kHostd, "hostd"},         {kWebProxy, "web-proxy"},
+      {kSshd, "sshd"},              {kNtpd, "ntpd"},           {kNetProbe, "net-probe"},
+      {kLivehop, "livehop-mover"},
+  };
+  runtime.worlds.insert(runtime.worlds.end(), std::begin(services), std::end(services));
+}
 
 void SeedIp(HostModel& host) {
   InterfaceState orvk0;
@@ -42,6 +114,7 @@ void SeedIp(HostModel& host) {
       {"2001:db8:10::/64", "::", "orvk0", "MANUAL"},
   };
   routes.ipv6_config_gateway = "fe80::1";
+  SeedNeighbors(routes);
   NetstackRoutes livehopRoutes;
   livehopRoutes.netstack = "livehop";
   host.ip.routes = {routes, livehopRoutes};
@@ -100,6 +173,9 @@ void SeedIp(HostModel& host) {
   ssh.mode = 0;       // transport
   ssh.sa_name = "sa-mgmt";
   host.ip.ipsec_sps = {ssh};
+  SeedResolution(host.ip);
+  SeedConnections(host.ip);
+  SeedWorlds(host.runtime);
 }
 
 NetstackState* FindNetstack(IpArea& area, std::string const& key) {

@@ -152,11 +152,12 @@ void SeedRuntime(HostModel& host) {
     port.team_uplink = vm.uplink;
     ports.push_back(port);
   }
-  host.runtime.worlds = {{1000271, "vmm0:web-01"},
-                         {1000305, "vmm0:db-01"},
-                         {1000412, "vmm0:app-01"},
-                         {1000433, "vmm0:app-02"},
-                         {1000458, "vmm0:repl-01"}};
+  // The VMs' worlds join the service worlds seeded with the IP stack.
+  host.runtime.worlds.insert(host.runtime.worlds.end(), {{1000271, "vmm0:web-01"},
+                                                         {1000305, "vmm0:db-01"},
+                                                         {1000412, "vmm0:app-01"},
+                                                         {1000433, "vmm0:app-02"},
+                                                         {1000458, "vmm0:repl-01"}});
 
   // Two ENS contexts serve DSwitch-Prod, one per NUMA node; a third stands
   // by, unassigned.

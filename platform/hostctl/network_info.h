@@ -53,6 +53,24 @@ struct SriovNicVFStats {
   uint64_t txTsoPkts = 0;
   uint64_t txTsoBytes = 0;
 };
+
+// One open socket of a netstack instance. Addresses are texts as the host
+// prints them ("0.0.0.0", "::1"); `state` is the TCP state number (0 closed,
+// 1 listen, 2 SYN sent, 3 SYN received, 4 established, 5 close wait, 6 FIN
+// wait 1, 7 closing, 8 last ACK, 9 FIN wait 2, 10 time wait). `worldId` is
+// the world that owns the socket.
+struct TcpIpConnection {
+  uint32_t protocol = 0;
+  uint32_t recvQ = 0;
+  uint32_t sendQ = 0;
+  std::string localAddress;
+  uint16_t localPort = 0;
+  std::string foreignAddress;
+  uint16_t foreignPort = 0;
+  uint32_t state = 0;
+  uint32_t worldId = 0;
+  std::string ccAlgo;
+};
 using NetstackInstanceList = std::vector<std::unique_ptr<NetstackInstance>>;
 
 // The network view of the host. Every operation throws Lib::HostCtlException
@@ -183,6 +201,14 @@ class NetworkInfoImpl : public virtual HostCtl::Network::NetworkInfo,
   // NIC without SR-IOV and for a VF id the NIC does not have.
   void GetSriovNicVFStats(HostCtl::Network::SriovNicVFStats* stats, std::string const& name,
                           int vfId);
+  // Append the TCP, UDP and raw IP sockets of the netstack instance `key` to
+  // `out`. Throw for an unknown instance.
+  void GetCurrentTcpOrvikConnections(std::vector<HostCtl::Network::TcpIpConnection>& out,
+                                     std::string const& key);
+  void GetCurrentUdpOrvikConnections(std::vector<HostCtl::Network::TcpIpConnection>& out,
+                                     std::string const& key);
+  void GetCurrentIpOrvikConnections(std::vector<HostCtl::Network::TcpIpConnection>& out,
+                                    std::string const& key);
 };
 
 }  // namespace OrvkCtl::Network

@@ -1,6 +1,7 @@
 // Routes and default gateways of one netstack instance.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,27 @@ struct Ipv6RouteRecord {
   Ipv6Network network;
   Ipv6Address gateway;
   std::string interfaceName;
+};
+
+// One entry of the IPv4 neighbor (ARP) table. `expiry` is the seconds left
+// before the entry must be confirmed again; `flags` is the host's own word.
+struct Ipv4Neighbor {
+  Ipv4Address address;
+  std::string macAddress;
+  std::string interfaceName;
+  int32_t expiry = 0;
+  uint32_t flags = 0;
+};
+
+// One entry of the IPv6 neighbor table; `state` and `flags` are the host's
+// own words.
+struct Ipv6Neighbor {
+  Ipv6Address address;
+  std::string macAddress;
+  std::string interfaceName;
+  uint32_t expiry = 0;
+  uint32_t state = 0;
+  uint32_t flags = 0;
 };
 
 }  // namespace HostCtl::Network
@@ -89,6 +111,23 @@ class RoutingInfoImpl : public virtual Lib::OrvkCtlObject {
   // Sets the IPv6 default gateway in force and the configured one; "::"
   // removes the default route.
   void SetIpv6OrvikDefaultGateway(HostCtl::Network::Ipv6Address const& gateway);
+
+  // Appends the neighbor entries on interface `interfaceName` to `out`; an
+  // empty name means all interfaces of the instance.
+  void GetCurrentIpv4OrvikNeighbors(std::vector<HostCtl::Network::Ipv4Neighbor>& out,
+                                    std::string const& interfaceName);
+  void GetCurrentIpv6OrvikNeighbors(std::vector<HostCtl::Network::Ipv6Neighbor>& out,
+                                    std::string const& interfaceName);
+  // "Static" for an entry made by hand, "Dynamic" for a learnt one.
+  std::string GetIpv4NeighborType(HostCtl::Network::Ipv4Neighbor neighbor);
+  std::string GetIpv6NeighborType(HostCtl::Network::Ipv6Neighbor neighbor);
+  // "Incomplete", "Reachable", "Stale", "Delay", "Probe", else "Unknown".
+  std::string GetIpv6NeighborState(HostCtl::Network::Ipv6Neighbor neighbor);
+  // Removes the entries for the neighbor's address on its interface, or on
+  // all interfaces when its interface name is empty. Throws when there is no
+  // such entry.
+  void RemoveIpv4Neighbor(HostCtl::Network::Ipv4Neighbor neighbor);
+  void RemoveIpv6Neighbor(HostCtl::Network::Ipv6Neighbor neighbor);
 
  private:
   std::string key_;

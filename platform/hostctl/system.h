@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "hostctl/lib.h"
+#include "hostctl/network_types.h"
 
 namespace HostCtl::System {
 
@@ -33,6 +34,51 @@ class FirewallRule : public virtual Lib::HostCtlObject {
 
 using FirewallRuleList = std::vector<std::unique_ptr<FirewallRule>>;
 
+// The addresses a ruleset admits traffic from when it does not allow all,
+// by kind, each list in the order its entries were added.
+struct FirewallAllowedIps {
+  std::vector<Network::Ipv4Address> ipv4Addresses;
+  std::vector<Network::Ipv4Network> ipv4Networks;
+  std::vector<Network::Ipv6Address> ipv6Addresses;
+  std::vector<Network::Ipv6Network> ipv6Networks;
+};
+
+// One firewall ruleset: a named group of rules switched as a unit, with the
+// count of the services that need it and the addresses it admits. A ruleset
+// object exists for any id; IsLoaded tells whether the host has that ruleset,
+// and every other operation throws Lib::HostCtlException for one it lacks.
+class FirewallRuleset : public virtual Lib::HostCtlObject {
+ public:
+  ~FirewallRuleset() override;
+  virtual std::string GetRulesetId() const = 0;
+  virtual bool IsEnabled() = 0;
+  virtual void Enable() = 0;
+  virtual int32_t GetClientCount() = 0;
+  // Counts one more client and puts the ruleset in force.
+  virtual void AddClient() = 0;
+  // Counts one client less and takes the ruleset out of force at zero.
+  // Throws when no client is counted.
+  virtual void RemoveClient() = 0;
+  virtual void Disable() = 0;
+  // The rules, in the ruleset's order, owned by the caller.
+  virtual FirewallRuleList GetRules() = 0;
+  // The allowed list as the host holds it now; valid until the next call on
+  // this object.
+  virtual FirewallAllowedIps const& GetAllowedIps() = 0;
+  // Adds an address ("10.1.2.3", "2001:db8::5") or a network with its
+  // prefix length ("10.1.0.0/16"). Throws for a text that is neither and
+  // for an entry the list already holds.
+  virtual void AddAllowedIp(std::string const& text) = 0;
+  // Removes an entry given as AddAllowedIp takes it. Throws when the list
+  // does not hold it.
+  virtual void RemoveAllowedIp(std::string const& text) = 0;
+  virtual bool IsLoaded() = 0;
+  virtual void SetAllowedAll(bool allowedAll) = 0;
+  virtual bool IsAllowedAll() = 0;
+};
+
+using FirewallRulesetList = std::vector<std::unique_ptr<FirewallRuleset>>;
+
 // The firewall as a whole. Every operation throws Lib::HostCtlException on
 // failure; the settings exist only while the firewall module is loaded.
 class SystemInfo : public virtual Lib::HostCtlObject {
@@ -49,6 +95,11 @@ class SystemInfo : public virtual Lib::HostCtlObject {
   virtual void AddFirewallDynamicRule(FirewallRule& rule) = 0;
   // Takes the firewall's filters down, before its module is unloaded.
   virtual void DestroyFirewallFilters() = 0;
+  // All rulesets, in the host's order, owned by the caller.
+  virtual FirewallRulesetList GetFirewallRulesets() = 0;
+  // The ruleset with that id, owned by the caller; never null (see
+  // FirewallRuleset::IsLoaded).
+  virtual std::unique_ptr<FirewallRuleset> GetFirewallRulesetById(std::string const& id) = 0;
 };
 
 }  // namespace HostCtl::System
@@ -70,6 +121,40 @@ class SystemInfoImpl : public virtual HostCtl::System::SystemInfo,
   HostCtl::System::FirewallRuleList GetFirewallDynamicRules() override;
   void AddFirewallDynamicRule(HostCtl::System::FirewallRule& rule) override;
   void DestroyFirewallFilters() override;
+  HostCtl::System::FirewallRulesetList GetFirewallRulesets() override;
+  std::unique_ptr<HostCtl::System::FirewallRuleset> GetFirewallRulesetById(
+      std::string const& id) override;
+};
+
+// One ruleset of the host's firewall configuration, by id. Making the object
+// reads nothing; the id is read once and cached, everything else is read and
+// changed on the host at each call. The configuration is kept whether or not
+// the firewall module is loaded.
+class FirewallRulesetImpl : public virtual HostCtl::System::FirewallRuleset,
+                            public virtual Lib::OrvkCtlObject {
+ public:
+  explicit FirewallRulesetImpl(std::string const& id);
+  ~FirewallRulesetImpl() override;
+  void Refresh() override;
+
+  std::string GetRulesetId() const override;
+  bool IsEnabled() override;
+  void Enable() override;
+  int32_t GetClientCount() override;
+  void AddClient() override;
+  void RemoveClient() override;
+  void Disable() override;
+  HostCtl::System::FirewallRuleList GetRules() override;
+  HostCtl::System::FirewallAllowedIps const& GetAllowedIps() override;
+  void AddAllowedIp(std::string const& text) override;
+  void RemoveAllowedIp(std::string const& text) override;
+  bool IsLoaded() override;
+  void SetAllowedAll(bool allowedAll) override;
+  bool IsAllowedAll() override;
+
+ private:
+  std::string id_;
+  HostCtl::System::FirewallAllowedIps allowed_;
 };
 
 // One kernel module, by name. IsLoaded is read once and then cached.

@@ -1,0 +1,81 @@
+#include "firewall/FirewallRulesetAllowedipList.h"
+
+#include <string>
+
+#include "firewall/RulesetKit.h"
+#include "hostctl/system.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kRuleset = "Ruleset";
+const std::string kAllowedIpAddresses = "Allowed IP Addresses";
+}  // namespace
+
+std::shared_ptr<FirewallRulesetAllowedipList> FirewallRulesetAllowedipList::New() {
+  return std::shared_ptr<FirewallRulesetAllowedipList>(new FirewallRulesetAllowedipList());
+}
+
+FirewallRulesetAllowedipList::FirewallRulesetAllowedipList() {
+  SetDescription("list allowed ip addresses for rulesets.");
+  SetDefaultOutputFormatter("table");
+  SetDefaultOutputParameter("fields:FirewallRulesetAllowedip", "Ruleset,Allowed IP Addresses");
+}
+
+FirewallRulesetAllowedipList::~FirewallRulesetAllowedipList() = default;
+
+std::shared_ptr<MetaStruct> FirewallRulesetAllowedipList::GetOutputStructure() {
+  auto result = MetaStruct::New("FirewallRulesetAllowedip");
+  result->SetField(kRuleset, MetaString::New());
+  result->SetField(kAllowedIpAddresses, MetaList::New(MetaType::String));
+  return result;
+}
+
+std::shared_ptr<InputSpec> FirewallRulesetAllowedipList::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  spec->AddParameter(NewRulesetIdParameter(false, kRulesetLabelDescription));
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> FirewallRulesetAllowedipList::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
+  return spec;
+}
+
+void FirewallRulesetAllowedipList::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                                   std::shared_ptr<Output> const& output) {
+  OrvkCtl::System::SystemInfoImpl systemInfo;
+  bool hasId = input->HasParameter(kRulesetIdOption);
+  try {
+    auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
+    HostCtl::System::FirewallRulesetList rulesets;
+    if (!CollectRulesets(systemInfo, *input, hasId, *output, rulesets)) return;
+    for (auto const& ruleset : rulesets) {
+      auto row = GetOutputStructure();
+      row->SetField(kRuleset, ruleset->GetRulesetId());
+      auto addresses = MetaList::New(MetaType::String);
+      if (ruleset->IsAllowedAll()) {
+        addresses->Add("All");
+      } else {
+        auto const& allowed = ruleset->GetAllowedIps();
+        for (auto const& address : allowed.ipv4Addresses) addresses->Add(address.GetStringAddress());
+        for (auto const& address : allowed.ipv6Addresses) addresses->Add(address.GetStringAddress());
+        for (auto const& network : allowed.ipv4Networks) addresses->Add(network.GetStringAddress());
+        for (auto const& network : allowed.ipv6Networks) addresses->Add(network.GetStringAddress());
+      }
+      row->SetField(kAllowedIpAddresses, addresses);
+      list->Add(row);
+    }
+    output->SetRootObject(list);
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

@@ -1,0 +1,39 @@
+#include "firewall/FirewallRulesetAllowedipRemove.h"
+
+#include "firewall/RulesetKit.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+std::shared_ptr<FirewallRulesetAllowedipRemove> FirewallRulesetAllowedipRemove::New() {
+  return std::shared_ptr<FirewallRulesetAllowedipRemove>(new FirewallRulesetAllowedipRemove());
+}
+
+FirewallRulesetAllowedipRemove::FirewallRulesetAllowedipRemove() {
+  SetDescription("Remove allowed ip address/range from the ruleset.");
+}
+
+FirewallRulesetAllowedipRemove::~FirewallRulesetAllowedipRemove() = default;
+
+std::shared_ptr<InputSpec> FirewallRulesetAllowedipRemove::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  AddAllowedIpParameters(*spec);
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> FirewallRulesetAllowedipRemove::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaBool::New());
+  return spec;
+}
+
+void FirewallRulesetAllowedipRemove::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                                 std::shared_ptr<Output> const& output) {
+  ChangeAllowedIp(*input, *output, AllowedIpChange::Remove);
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

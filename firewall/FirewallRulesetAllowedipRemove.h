@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+
+#include "toolbase/auto_cli.h"
+
+namespace Toolbase::CallSpec {
+class Input;
+class InputSpec;
+class Output;
+class OutputSpec;
+}  // namespace Toolbase::CallSpec
+
+namespace CorvaneCli::NetworkNamespace {
+
+// `network firewall ruleset allowedip remove`: stops admitting an address or network.
+class FirewallRulesetAllowedipRemove : public virtual Toolbase::AutoCli::Command {
+ public:
+  static std::shared_ptr<FirewallRulesetAllowedipRemove> New();
+  FirewallRulesetAllowedipRemove();
+  ~FirewallRulesetAllowedipRemove() override;
+  std::shared_ptr<Toolbase::CallSpec::InputSpec> GetInputSpecInternal() override;
+  std::shared_ptr<Toolbase::CallSpec::OutputSpec> GetOutputSpecInternal() override;
+  void ExecuteInternal(std::shared_ptr<Toolbase::CallSpec::Input> const& input,
+                       std::shared_ptr<Toolbase::CallSpec::Output> const& output) override;
+};
+
+}  // namespace CorvaneCli::NetworkNamespace

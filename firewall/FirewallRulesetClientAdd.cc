@@ -1,0 +1,51 @@
+#include "firewall/FirewallRulesetClientAdd.h"
+
+#include <string>
+
+#include "firewall/RulesetKit.h"
+#include "hostctl/system.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+std::shared_ptr<FirewallRulesetClientAdd> FirewallRulesetClientAdd::New() {
+  return std::make_shared<FirewallRulesetClientAdd>();
+}
+
+FirewallRulesetClientAdd::FirewallRulesetClientAdd() {
+  SetDescription(
+      "Add a new client to a firewall ruleset. This enables the firewall ruleset and increments the number of clients using the ruleset.");
+}
+
+FirewallRulesetClientAdd::~FirewallRulesetClientAdd() = default;
+
+std::shared_ptr<InputSpec> FirewallRulesetClientAdd::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  spec->AddParameter(NewRulesetIdParameter(true, kRulesetLabelDescription));
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> FirewallRulesetClientAdd::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaBool::New());
+  return spec;
+}
+
+void FirewallRulesetClientAdd::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                            std::shared_ptr<Output> const& output) {
+  std::string id = input->GetParameter(kRulesetIdOption);
+  try {
+    auto ruleset = FindClientRuleset(id, *output);
+    if (!ruleset) return;
+    ruleset->AddClient();
+    output->SetRootObject(MetaBool::New(true));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

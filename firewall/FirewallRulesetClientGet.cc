@@ -1,0 +1,64 @@
+#include "firewall/FirewallRulesetClientGet.h"
+
+#include <string>
+
+#include "firewall/RulesetKit.h"
+#include "hostctl/system.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kClientCount = "Ruleset Client Count";
+}  // namespace
+
+std::shared_ptr<FirewallRulesetClientGet> FirewallRulesetClientGet::New() {
+  return std::make_shared<FirewallRulesetClientGet>();
+}
+
+FirewallRulesetClientGet::FirewallRulesetClientGet() {
+  SetDescription("Show the number of clients using a firewall ruleset.");
+  SetDefaultOutputFormatter("simple");
+  SetDefaultOutputParameter("fields:FirewallRulesetClientGet", "Ruleset Client Count");
+}
+
+FirewallRulesetClientGet::~FirewallRulesetClientGet() = default;
+
+std::shared_ptr<MetaStruct> FirewallRulesetClientGet::GetOutputStructure() {
+  auto result = MetaStruct::New("FirewallRulesetClientGet");
+  result->SetField(kClientCount, MetaInt::New());
+  return result;
+}
+
+std::shared_ptr<InputSpec> FirewallRulesetClientGet::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  spec->AddParameter(NewRulesetIdParameter(true, kRulesetLabelDescription));
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> FirewallRulesetClientGet::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(GetOutputStructure());
+  return spec;
+}
+
+void FirewallRulesetClientGet::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                               std::shared_ptr<Output> const& output) {
+  std::string id = input->GetParameter(kRulesetIdOption);
+  try {
+    auto ruleset = FindClientRuleset(id, *output);
+    if (!ruleset) return;
+    int32_t count = ruleset->GetClientCount();
+    auto result = GetOutputStructure();
+    result->SetField(kClientCount, count);
+    output->SetRootObject(result);
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

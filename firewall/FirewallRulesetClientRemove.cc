@@ -1,0 +1,51 @@
+#include "firewall/FirewallRulesetClientRemove.h"
+
+#include <string>
+
+#include "firewall/RulesetKit.h"
+#include "hostctl/system.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+std::shared_ptr<FirewallRulesetClientRemove> FirewallRulesetClientRemove::New() {
+  return std::make_shared<FirewallRulesetClientRemove>();
+}
+
+FirewallRulesetClientRemove::FirewallRulesetClientRemove() {
+  SetDescription(
+      "Remove a client from a firewall ruleset. This decrements the number of clients using the ruleset and if the number reaches zero the ruleset is disabled.");
+}
+
+FirewallRulesetClientRemove::~FirewallRulesetClientRemove() = default;
+
+std::shared_ptr<InputSpec> FirewallRulesetClientRemove::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  spec->AddParameter(NewRulesetIdParameter(true, kRulesetLabelDescription));
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> FirewallRulesetClientRemove::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaBool::New());
+  return spec;
+}
+
+void FirewallRulesetClientRemove::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                               std::shared_ptr<Output> const& output) {
+  std::string id = input->GetParameter(kRulesetIdOption);
+  try {
+    auto ruleset = FindClientRuleset(id, *output);
+    if (!ruleset) return;
+    ruleset->RemoveClient();
+    output->SetRootObject(MetaBool::New(true));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

@@ -1,0 +1,71 @@
+#include "firewall/FirewallRulesetList.h"
+
+#include <string>
+
+#include "firewall/RulesetKit.h"
+#include "hostctl/system.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kName = "Name";
+const std::string kEnabled = "Enabled";
+}  // namespace
+
+std::shared_ptr<FirewallRulesetList> FirewallRulesetList::New() {
+  return std::shared_ptr<FirewallRulesetList>(new FirewallRulesetList());
+}
+
+FirewallRulesetList::FirewallRulesetList() {
+  SetDescription("List the rulesets in firewall.");
+  SetDefaultOutputFormatter("table");
+  SetDefaultOutputParameter("fields:Ruleset", "Name,Enabled");
+}
+
+FirewallRulesetList::~FirewallRulesetList() = default;
+
+std::shared_ptr<InputSpec> FirewallRulesetList::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  spec->AddParameter(NewRulesetIdParameter(false, "List configuration for specfic ruleset"));
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> FirewallRulesetList::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
+  return spec;
+}
+
+std::shared_ptr<MetaStruct> FirewallRulesetList::GetOutputStructure() {
+  auto result = MetaStruct::New("Ruleset");
+  result->SetField(kName, MetaString::New());
+  result->SetField(kEnabled, MetaBool::New());
+  return result;
+}
+
+void FirewallRulesetList::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                          std::shared_ptr<Output> const& output) {
+  OrvkCtl::System::SystemInfoImpl systemInfo;
+  bool hasId = input->HasParameter(kRulesetIdOption);
+  try {
+    auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
+    HostCtl::System::FirewallRulesetList rulesets;
+    if (!CollectRulesets(systemInfo, *input, hasId, *output, rulesets)) return;
+    for (auto const& ruleset : rulesets) {
+      auto row = GetOutputStructure();
+      row->SetField(kName, ruleset->GetRulesetId());
+      row->SetField(kEnabled, ruleset->IsEnabled());
+      list->Add(row);
+    }
+    output->SetRootObject(list);
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

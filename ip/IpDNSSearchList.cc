@@ -1,0 +1,68 @@
+#include "ip/IpDNSSearchList.h"
+
+#include <string>
+#include <vector>
+
+#include "hostctl/dns.h"
+#include "hostctl/misc.h"
+#include "ip/NetstackOption.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+namespace {
+const std::string kSearchDomains = "DNS Search Domains";
+}  // namespace
+
+std::shared_ptr<IpDNSSearchList> IpDNSSearchList::New() {
+  return std::shared_ptr<IpDNSSearchList>(new IpDNSSearchList());
+}
+
+IpDNSSearchList::IpDNSSearchList() {
+  SetDescription(
+      "List the search domains currently configured on the Haldeni host in the order in which "
+      "they will be used when searching.");
+  SetDefaultOutputFormatter("simple");
+}
+
+IpDNSSearchList::~IpDNSSearchList() = default;
+
+std::shared_ptr<MetaStruct> IpDNSSearchList::GetOutputStructure() {
+  auto result = MetaStruct::New("DNSSearchList");
+  result->SetField(kSearchDomains, MetaList::New(MetaType::String));
+  return result;
+}
+
+std::shared_ptr<InputSpec> IpDNSSearchList::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> IpDNSSearchList::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(GetOutputStructure());
+  return spec;
+}
+
+void IpDNSSearchList::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                      std::shared_ptr<Output> const& output) {
+  OrvkCtl::Network::DnsConfigImpl dnsConfig(NetstackOrDefault(*input));
+  try {
+    std::vector<std::string> tokens;
+    HostCtl::Misc::StringTokenize(dnsConfig.GetSearchDomainsString(), tokens, " ");
+    auto domains = MetaList::New(MetaType::String);
+    for (auto const& domain : tokens) domains->Add(domain);
+    auto result = GetOutputStructure();
+    result->SetField(kSearchDomains, domains);
+    output->SetRootObject(result);
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <memory>
+
+#include "toolbase/auto_cli.h"
+
+namespace Toolbase::CallSpec {
+class Input;
+class InputSpec;
+class Output;
+class OutputSpec;
+}  // namespace Toolbase::CallSpec
+
+namespace CorvaneCli::NetworkNamespace {
+
+// `network ip dns search remove`: drops a search domain of a netstack instance.
+class IpDNSSearchRemove : public virtual Toolbase::AutoCli::Command {
+ public:
+  static std::shared_ptr<IpDNSSearchRemove> New();
+  IpDNSSearchRemove();
+  void ExecuteInternal(std::shared_ptr<Toolbase::CallSpec::Input> const& input,
+                       std::shared_ptr<Toolbase::CallSpec::Output> const& output) override;
+  ~IpDNSSearchRemove() override;
+  std::shared_ptr<Toolbase::CallSpec::InputSpec> GetInputSpecInternal() override;
+  std::shared_ptr<Toolbase::CallSpec::OutputSpec> GetOutputSpecInternal() override;
+};
+
+}  // namespace CorvaneCli::NetworkNamespace

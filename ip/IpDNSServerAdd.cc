@@ -1,0 +1,60 @@
+#include "ip/IpDNSServerAdd.h"
+
+#include <string>
+
+#include "hostctl/dns.h"
+#include "hostctl/network_types.h"
+#include "ip/DnsKit.h"
+#include "ip/NetstackOption.h"
+#include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+using namespace Toolbase::MetaObj;
+
+std::shared_ptr<IpDNSServerAdd> IpDNSServerAdd::New() {
+  return std::shared_ptr<IpDNSServerAdd>(new IpDNSServerAdd());
+}
+
+IpDNSServerAdd::IpDNSServerAdd() {
+  SetDescription(
+      "Add a new DNS server to the end of the list of DNS servers to use for this Haldeni host.");
+}
+
+IpDNSServerAdd::~IpDNSServerAdd() = default;
+
+std::shared_ptr<InputSpec> IpDNSServerAdd::GetInputSpecInternal() {
+  auto spec = InputSpec::New();
+  auto server = ParameterSpec::New(kDnsServerOption, ParameterType::String);
+  server->SetRequired(true);
+  server->SetShortName("s");
+  server->SetDescription(
+      "The IP address (v4 or v6) of the DNS server to add to the DNS server list.");
+  spec->AddParameter(server);
+  spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
+  return spec;
+}
+
+std::shared_ptr<OutputSpec> IpDNSServerAdd::GetOutputSpecInternal() {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(MetaBool::New());
+  return spec;
+}
+
+void IpDNSServerAdd::ExecuteInternal(std::shared_ptr<Input> const& input,
+                                     std::shared_ptr<Output> const& output) {
+  OrvkCtl::Network::DnsConfigImpl dnsConfig(NetstackOrDefault(*input));
+  try {
+    auto address = MakeServerAddress(input->GetParameter(kDnsServerOption), *output);
+    if (!address) return;
+    dnsConfig.AddUserNameServer(*address);
+    dnsConfig.SaveConfig();
+    output->SetRootObject(MetaBool::New(true));
+  } catch (HostCtl::Lib::HostCtlException const& e) {
+    output->AddErrorMessage(e.message);
+  }
+}
+
+}  // namespace CorvaneCli::NetworkNamespace
