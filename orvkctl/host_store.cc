@@ -256,7 +256,16 @@ void ChangeHost(AreaSet areas, std::function<void(HostModel&)> const& change) {
   Store& store = TheStore();
   HostModel& host = Loaded(areas);
   HostModel changed = host;
+  AreaSet before = store.current.loaded;
   change(changed);
+  // Areas that `change` read through ReadHost() were loaded into the host,
+  // not into the copy: take them over, or they would be written back empty.
+  if (AreaSet grown = store.current.loaded & ~before) {
+    auto const& fields = HostFields();
+    for (size_t i = 0; i < fields.size(); ++i) {
+      if ((fields[i].area & grown) && !store.texts[i].empty()) fields[i].load(store.texts[i], changed);
+    }
+  }
   if (store.in_transaction) {
     store.changed_in_transaction = true;
   } else {

@@ -92,6 +92,18 @@ TEST_F(HostStoreTest, ACommandParsesAndWritesOnlyItsAreas) {
   }
 }
 
+TEST_F(HostStoreTest, AreasReadDuringAChangeAreWrittenBackWhole) {
+  ReadHost();
+  std::string nic = LineOf(StateFileText(), "nic");
+  Reload();
+  ChangeHost(OrvkCtl::Sim::kAreaFirewall, [](HostModel& host) {
+    host.firewall.enabled = !ReadHost(OrvkCtl::Sim::kAreaNic).nic.pnics.empty();
+  });
+  EXPECT_EQ(LineOf(StateFileText(), "nic"), nic);
+  ChangeHost(OrvkCtl::Sim::kAreaFirewall, [](HostModel& host) { host.firewall.enabled = false; });
+  EXPECT_EQ(LineOf(StateFileText(), "nic"), nic);
+}
+
 TEST_F(HostStoreTest, AReformattedFileLoadsAndIsWrittenBackInLines) {
   HostModel host = ReadHost();
   std::string pretty = nlohmann::json::parse(StateFileText()).dump(4);
