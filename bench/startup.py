@@ -24,13 +24,15 @@ DEFAULT_COMMANDS = [
     ["--list-commands"],
     ["network", "--help"],
     ["network", "firewall", "get"],
-    ["network", "firewall", "ruleset", "list"],
+    ["network", "ip", "get"],
     ["network", "nic", "list"],
     ["network", "ip", "interface", "list"],
     ["network", "ip", "route", "ipv4", "list"],
     ["network", "vswitch", "standard", "list"],
     ["network", "vswitch", "standard", "portgroup", "list"],
-    ["network", "vswitch", "dvs", "list"],
+    ["network", "vswitch", "dvs", "corvane", "list"],
+    ["network", "vswitch", "standard", "policy", "failover", "get", "-v", "vSwitch0"],
+    ["network", "nic", "stats", "get", "-n", "ornic0"],
     ["--formatter", "json", "network", "nic", "list"],
 ]
 

@@ -82,7 +82,7 @@ std::vector<HostField> const& HostFields() {
 
 std::vector<std::string> SplitHostDocument(std::string_view text) {
   auto const& fields = HostFields();
-  if (auto texts = SplitLines(text, fields)) return *texts;
+  if (auto texts = SplitLines(text, fields)) return std::move(*texts);
   if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) {
     throw std::runtime_error("the file is empty");
   }

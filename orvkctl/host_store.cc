@@ -164,10 +164,13 @@ std::string ReadFile(std::string const& path) {
   if (fd < 0) Fail("Cannot read host state file", path, errno);
   std::string text;
   struct stat info {};
-  if (fstat(fd, &info) == 0 && info.st_size > 0) text.reserve(static_cast<size_t>(info.st_size));
-  char buffer[65536];
+  size_t size = fstat(fd, &info) == 0 && info.st_size > 0 ? static_cast<size_t>(info.st_size) : 0;
+  // Read straight into the string; grow only if the file grew meanwhile.
+  text.resize(size + 1);
+  size_t done = 0;
   for (;;) {
-    ssize_t n = read(fd, buffer, sizeof buffer);
+    if (done == text.size()) text.resize(text.size() * 2);
+    ssize_t n = read(fd, text.data() + done, text.size() - done);
     if (n < 0 && errno == EINTR) continue;
     if (n < 0) {
       int error = errno;
@@ -175,9 +178,10 @@ std::string ReadFile(std::string const& path) {
       Fail("Cannot read host state file", path, error);
     }
     if (n == 0) break;
-    text.append(buffer, static_cast<size_t>(n));
+    done += static_cast<size_t>(n);
   }
   close(fd);
+  text.resize(done);
   return text;
 }
 
