@@ -7,7 +7,8 @@ falls on all of them alike; the figures are medians over the rounds.
   bench/startup.py                  # default host, the command set below
   bench/startup.py --scale 1000,10000,100000
                                     # hosts grown by that many port groups
-Options: --rounds N (default 40), --build DIR (default build).
+Options: --rounds N (default 40), --build DIR (default build), --compare DIR
+(another build, e.g. an older one, timed in the same rounds).
 """
 import argparse
 import json
@@ -94,6 +95,7 @@ def main():
     parser.add_argument("--rounds", type=int, default=40)
     parser.add_argument("--build", default="build")
     parser.add_argument("--scale", help="comma-separated port group counts")
+    parser.add_argument("--compare", help="another build folder, timed in the same rounds")
     args = parser.parse_args()
     toolbase = os.path.abspath(os.path.join(args.build, "toolbase"))
     work = tempfile.mkdtemp(prefix="toolbase-startup-")
@@ -104,10 +106,16 @@ def main():
         if ip:
             commands.append(("ip -j route show", [ip, "-j", "route", "show"], None))
         if not args.scale:
-            subprocess.run([toolbase, "network", "firewall", "get"], env=env, check=True,
-                           stdout=subprocess.DEVNULL)
+            builds = [("", toolbase)]
+            if args.compare:
+                builds.append(("[other] ", os.path.abspath(os.path.join(args.compare, "toolbase"))))
             for words in DEFAULT_COMMANDS:
-                commands.append((" ".join(words), [toolbase] + words, None))
+                for tag, program in builds:
+                    build_env = dict(env, TOOLBASE_HOST_STATE=os.path.join(work, tag + "default.json"))
+                    if len(commands) < 2 + len(builds):
+                        subprocess.run([program, "network", "firewall", "get"], env=build_env,
+                                       check=True, stdout=subprocess.DEVNULL)
+                    commands.append((tag + " ".join(words), [program] + words, build_env))
             report(interleave(commands, args.rounds, env))
             return
         counts = [0] + [int(n) for n in args.scale.split(",")]
