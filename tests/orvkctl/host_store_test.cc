@@ -10,6 +10,8 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <map>
+#include <optional>
 #include <random>
 
 #include <nlohmann/json.hpp>
@@ -238,19 +240,48 @@ TEST_F(HostStoreTest, UnusablePathsNameThePath) {
   EXPECT_FALSE(std::filesystem::exists(dir_ + "/missing"));
 }
 
+// Runs `toolbase ARGS` as an unprivileged user: as this one if it is not
+// root, else as "nobody" from a forked child. Empty status when neither works.
+std::optional<TestSupport::RunResult> RunUnprivileged(std::vector<std::string> const& args,
+                                                      std::map<std::string, std::string> const& env) {
+  if (geteuid() != 0) return TestSupport::RunProcess(args, env);
+  int fds[2];
+  if (pipe(fds) != 0) return std::nullopt;
+  pid_t pid = fork();
+  if (pid == 0) {
+    close(fds[0]);
+    if (setgid(65534) != 0 || setuid(65534) != 0) _exit(99);
+    auto result = TestSupport::RunProcess(args, env);
+    if (write(fds[1], result.err.data(), result.err.size()) < 0) _exit(98);
+    _exit(result.status);
+  }
+  close(fds[1]);
+  TestSupport::RunResult result;
+  char buffer[4096];
+  for (ssize_t n; (n = read(fds[0], buffer, sizeof buffer)) > 0;) result.err.append(buffer, n);
+  close(fds[0]);
+  int status = 0;
+  waitpid(pid, &status, 0);
+  if (!WIFEXITED(status) || WEXITSTATUS(status) >= 98) return std::nullopt;
+  result.status = WEXITSTATUS(status);
+  return result;
+}
+
 TEST_F(HostStoreTest, ReadOnlyFolder) {
-  if (geteuid() == 0) GTEST_SKIP() << "root writes into read-only folders";
   std::string folder = dir_ + "/ro";
   std::filesystem::create_directory(folder);
-  std::filesystem::permissions(folder, std::filesystem::perms::owner_read |
-                                           std::filesystem::perms::owner_exec);
+  namespace fs = std::filesystem;
+  fs::permissions(dir_, fs::perms::owner_all | fs::perms::group_read | fs::perms::group_exec |
+                            fs::perms::others_read | fs::perms::others_exec);
+  fs::permissions(folder, fs::perms::owner_read | fs::perms::owner_exec | fs::perms::others_read |
+                              fs::perms::others_exec);
   std::string path = folder + "/state.json";
-  auto result = TestSupport::RunProcess({"network", "firewall", "get"},
-                                        {{"TOOLBASE_HOST_STATE", path}});
-  std::filesystem::permissions(folder, std::filesystem::perms::owner_all);
-  EXPECT_EQ(result.status, 1);
-  EXPECT_NE(result.err.find("Cannot lock host state file " + path), std::string::npos)
-      << result.err;
+  auto result = RunUnprivileged({"network", "firewall", "get"}, {{"TOOLBASE_HOST_STATE", path}});
+  fs::permissions(folder, fs::perms::owner_all);
+  if (!result) GTEST_SKIP() << "no unprivileged user to run as";
+  EXPECT_EQ(result->status, 1);
+  EXPECT_NE(result->err.find("Cannot lock host state file " + path), std::string::npos)
+      << result->err;
   EXPECT_TRUE(std::filesystem::is_empty(folder));
 }
 
