@@ -304,6 +304,10 @@ extern "C" {
 
 const char* OrvkCtl_BeginTransaction() {
   Store& store = TheStore();
+  if (store.in_transaction) {
+    store.message = "A host transaction is already in progress";
+    return store.message.c_str();
+  }
   try {
     OrvkCtl::Sim::Open(store);
   } catch (std::exception const& error) {

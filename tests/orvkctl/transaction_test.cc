@@ -33,6 +33,9 @@ class TransactionTest : public TestSupport::HostTest {
 TEST_F(TransactionTest, ChangesStayInMemoryUntilCommitWritesThemAtOnce) {
   ASSERT_EQ(OrvkCtl_BeginTransaction(), nullptr);
   Rename("one");
+  char const* nested = OrvkCtl_BeginTransaction();  // refused; the first goes on
+  ASSERT_NE(nested, nullptr);
+  EXPECT_STREQ(nested, "A host transaction is already in progress");
   ChangeHost(kAreaFirewall, [](HostModel& host) { host.firewall.enabled = false; });
   EXPECT_EQ(ReadHost().hostname, "one");
   EXPECT_EQ(StateFileText(), before_);
