@@ -39,11 +39,11 @@ HostField Field(std::string_view key, AreaSet area) {
 }
 
 // The line layout, or nothing when `text` is laid out otherwise.
-std::optional<std::vector<std::string>> SplitLines(std::string_view text,
-                                                   std::vector<HostField> const& fields) {
+std::optional<std::vector<std::string_view>> SplitLines(std::string_view text,
+                                                        std::vector<HostField> const& fields) {
   if (!text.starts_with(kHead) || !text.ends_with(kTail)) return std::nullopt;
   std::string_view body = text.substr(kHead.size(), text.size() - kHead.size() - kTail.size());
-  std::vector<std::string> texts(fields.size());
+  std::vector<std::string_view> texts(fields.size());
   std::vector<bool> seen(fields.size());
   while (!body.empty()) {
     size_t end = body.find('\n');
@@ -80,10 +80,10 @@ std::vector<HostField> const& HostFields() {
   return fields;
 }
 
-std::vector<std::string> SplitHostDocument(std::string_view text) {
+std::vector<std::string_view> SplitHostDocument(std::string& text) {
   auto const& fields = HostFields();
   if (auto texts = SplitLines(text, fields)) return std::move(*texts);
-  if (text.find_first_not_of(" \t\r\n") == std::string_view::npos) {
+  if (text.find_first_not_of(" \t\r\n") == std::string::npos) {
     throw std::runtime_error("the file is empty");
   }
   auto document = nlohmann::json::parse(text);
@@ -98,16 +98,21 @@ std::vector<std::string> SplitHostDocument(std::string_view text) {
   }
   auto host = document.find("host");
   if (host == document.end() || !host->is_object()) throw std::runtime_error("no \"host\" object");
-  std::vector<std::string> texts(fields.size());
+  std::vector<std::string> values(fields.size());
   for (size_t i = 0; i < fields.size(); ++i) {
-    if (auto value = host->find(fields[i].key); value != host->end()) texts[i] = value->dump();
+    if (auto value = host->find(fields[i].key); value != host->end()) values[i] = value->dump();
   }
-  return texts;
+  text = JoinHostDocument(std::vector<std::string_view>(values.begin(), values.end()));
+  return *SplitLines(text, fields);
 }
 
-std::string JoinHostDocument(std::vector<std::string> const& texts) {
+std::string JoinHostDocument(std::vector<std::string_view> const& texts) {
   auto const& fields = HostFields();
-  std::string document(kHead);
+  size_t size = kHead.size() + kTail.size();
+  for (size_t i = 0; i < fields.size(); ++i) size += fields[i].key.size() + texts[i].size() + 5;
+  std::string document;
+  document.reserve(size);
+  document += kHead;
   bool first = true;
   for (size_t i = 0; i < fields.size(); ++i) {
     if (texts[i].empty()) continue;
@@ -124,14 +129,15 @@ std::string JoinHostDocument(std::vector<std::string> const& texts) {
 }
 
 std::string HostToJson(HostModel const& host) {
-  std::vector<std::string> texts;
-  for (auto const& field : HostFields()) texts.push_back(field.save(host));
-  return JoinHostDocument(texts);
+  std::vector<std::string> values;
+  for (auto const& field : HostFields()) values.push_back(field.save(host));
+  return JoinHostDocument(std::vector<std::string_view>(values.begin(), values.end()));
 }
 
 HostModel HostFromJson(std::string const& text) {
   auto const& fields = HostFields();
-  std::vector<std::string> texts = SplitHostDocument(text);
+  std::string document = text;
+  std::vector<std::string_view> texts = SplitHostDocument(document);
   HostModel host;
   for (size_t i = 0; i < fields.size(); ++i) {
     if (!texts[i].empty()) fields[i].load(texts[i], host);

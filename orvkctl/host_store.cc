@@ -32,7 +32,9 @@ struct Store {
   std::string path;
   int lock_fd = -1;
   bool open = false;
-  std::vector<std::string> texts;
+  // The file as last read or written, and each field's value text in it.
+  std::string file_text;
+  std::vector<std::string_view> texts;
   Snapshot current;
   // A transaction: changes stay in `current` until committed.
   bool in_transaction = false;
@@ -185,13 +187,23 @@ std::string ReadFile(std::string const& path) {
   return text;
 }
 
-std::vector<std::string> SavedTexts(Store const& store, HostModel const& host, AreaSet loaded) {
+// The document to write: the fields of `loaded` areas from `host`, the
+// others as the file has them.
+std::string Compose(Store const& store, HostModel const& host, AreaSet loaded) {
   auto const& fields = HostFields();
-  std::vector<std::string> texts = store.texts;
+  std::vector<std::string> saved(fields.size());
+  std::vector<std::string_view> texts = store.texts;
   for (size_t i = 0; i < fields.size(); ++i) {
-    if (loaded & fields[i].area) texts[i] = fields[i].save(host);
+    if (loaded & fields[i].area) texts[i] = saved[i] = fields[i].save(host);
   }
-  return texts;
+  return JoinHostDocument(texts);
+}
+
+// Writes `document` and makes it the file's known text.
+void Save(Store& store, std::string document) {
+  SaveAtomically(store.path, document);
+  store.file_text = std::move(document);
+  store.texts = SplitHostDocument(store.file_text);
 }
 
 void Open(Store& store) {
@@ -202,16 +214,14 @@ void Open(Store& store) {
   struct stat info {};
   if (stat(store.path.c_str(), &info) != 0 && errno == ENOENT) {
     HostModel host = DefaultHost();
-    std::vector<std::string> texts;
-    for (auto const& field : HostFields()) texts.push_back(field.save(host));
-    SaveAtomically(store.path, JoinHostDocument(texts));
-    store.texts = std::move(texts);
+    Save(store, HostToJson(host));
     store.current = {std::move(host), kAreaAll};
   } else {
-    std::string text = ReadFile(store.path);
+    store.file_text = ReadFile(store.path);
     try {
-      store.texts = SplitHostDocument(text);
+      store.texts = SplitHostDocument(store.file_text);
     } catch (std::exception const& error) {
+      store.file_text.clear();
       Corrupt(store.path, error.what());
     }
     store.current = {};
@@ -273,9 +283,7 @@ void ChangeHost(AreaSet areas, std::function<void(HostModel&)> const& change) {
   if (store.in_transaction) {
     store.changed_in_transaction = true;
   } else {
-    std::vector<std::string> texts = SavedTexts(store, changed, store.current.loaded);
-    SaveAtomically(store.path, JoinHostDocument(texts));
-    store.texts = std::move(texts);
+    Save(store, Compose(store, changed, store.current.loaded));
   }
   host = std::move(changed);
 }
@@ -286,6 +294,7 @@ void ResetHostForTest() {
   Store& store = TheStore();
   store.open = false;
   store.texts.clear();
+  store.file_text.clear();
   store.current = {};
   store.in_transaction = false;
   store.begin = store.savepoint = {};
@@ -336,10 +345,7 @@ const char* OrvkCtl_CommitTransaction() {
   store.in_transaction = false;
   if (!store.changed_in_transaction) return nullptr;
   try {
-    std::vector<std::string> texts =
-        OrvkCtl::Sim::SavedTexts(store, store.current.host, store.current.loaded);
-    OrvkCtl::Sim::SaveAtomically(store.path, OrvkCtl::Sim::JoinHostDocument(texts));
-    store.texts = std::move(texts);
+    OrvkCtl::Sim::Save(store, OrvkCtl::Sim::Compose(store, store.current.host, store.current.loaded));
   } catch (std::exception const& error) {
     store.current = store.begin;
     store.message = error.what();

@@ -90,11 +90,12 @@ struct HostField {
 std::vector<HostField> const& HostFields();
 
 // Splits a state document into each field's value text (empty where absent),
-// in HostFields() order. Takes the line layout as it is; parses any other
-// layout whole. Throws std::exception when it is not a state document this
-// version reads.
-std::vector<std::string> SplitHostDocument(std::string_view text);
+// in HostFields() order; the views point into `text`. Takes the line layout
+// as it is; a document laid out otherwise is parsed whole and `text`
+// rewritten in lines. Throws std::exception when it is not a state document
+// this version reads.
+std::vector<std::string_view> SplitHostDocument(std::string& text);
 // The document of the given fields' value texts (empty ones are left out).
-std::string JoinHostDocument(std::vector<std::string> const& texts);
+std::string JoinHostDocument(std::vector<std::string_view> const& texts);
 
 }  // namespace OrvkCtl::Sim
