@@ -16,7 +16,7 @@ DVPort::~DVPort() = default;
 
 std::unique_ptr<DVSwitch> NetworkFactory::GetDVSwitchByName(std::string const& name) {
   OrvkCtl::Sim::CheckFault("NetworkFactory::GetDVSwitchByName");
-  if (!OrvkCtl::Sim::FindDistributedSwitch(OrvkCtl::Sim::ReadHost().vswitch, name)) {
+  if (!OrvkCtl::Sim::FindDistributedSwitch(OrvkCtl::Sim::ReadHost(OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaNic | OrvkCtl::Sim::kAreaIp | OrvkCtl::Sim::kAreaRuntime).vswitch, name)) {
     throw Lib::HostCtlException("Distributed switch " + name + " not found");
   }
   return std::make_unique<OrvkCtl::Network::DVSwitchImpl>(name);
@@ -50,7 +50,7 @@ DistributedSwitchState const& ReadDvs(HostModel const& host, std::string const& 
 }
 
 DistributedSwitchState const& ReadDvs(std::string const& name) {
-  return ReadDvs(Sim::ReadHost(), name);
+  return ReadDvs(Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime), name);
 }
 
 DistributedSwitchState const* FindDvsById(HostModel const& host, std::string const& id) {
@@ -155,7 +155,7 @@ int DVSwitchImpl::GetNumPorts() {
 
 std::vector<std::string> DVSwitchImpl::GetConnectedUplinks() {
   CheckFault("DVSwitchImpl::GetConnectedUplinks");
-  HostModel const& host = Sim::ReadHost();
+  HostModel const& host = Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime);
   std::vector<std::string> connected;
   for (auto const& uplink : ReadDvs(host, name_).uplinks) {
     if (Sim::FindPnic(host.nic, uplink)) connected.push_back(uplink);
@@ -165,7 +165,7 @@ std::vector<std::string> DVSwitchImpl::GetConnectedUplinks() {
 
 int DVSwitchImpl::GetNumUsedPorts() {
   CheckFault("DVSwitchImpl::GetNumUsedPorts");
-  HostModel const& host = Sim::ReadHost();
+  HostModel const& host = Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime);
   ReadDvs(host, name_);
   // One port for the switch itself, one per port with a client.
   int used = 1;
@@ -183,7 +183,7 @@ std::string DVSwitchImpl::GetClass() {
 
 std::vector<std::unique_ptr<HostCtl::Network::Port>> DVSwitchImpl::GetPorts() {
   CheckFault("DVSwitchImpl::GetPorts");
-  HostModel const& host = Sim::ReadHost();
+  HostModel const& host = Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime);
   ReadDvs(host, name_);
   std::vector<std::unique_ptr<HostCtl::Network::Port>> ports;
   for (auto const& port : host.runtime.ports) {
@@ -344,12 +344,12 @@ DVPortImpl::~DVPortImpl() = default;
 
 void DVPortImpl::Refresh() {
   CheckFault("DVPortImpl::Refresh");
-  ReadDVPort(Sim::ReadHost(), switchId_, portId);
+  ReadDVPort(Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime), switchId_, portId);
 }
 
 bool DVPortImpl::IsInUse(std::vector<std::string>& clients) {
   CheckFault("DVPortImpl::IsInUse");
-  HostModel const& host = Sim::ReadHost();
+  HostModel const& host = Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime);
   auto [dvs, port] = ReadDVPort(host, switchId_, portId);
   bool inUse = false;
   for (auto const& switchPort : host.runtime.ports) {
@@ -381,17 +381,17 @@ std::pair<bool, int> DVPortImpl::GetLacpPortConfig() {
 
 std::string DVPortImpl::GetDVPortgroupId() const {
   CheckFault("DVPortImpl::GetDVPortgroupId");
-  return ReadDVPort(Sim::ReadHost(), switchId_, portId).second->portgroup_id;
+  return ReadDVPort(Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime), switchId_, portId).second->portgroup_id;
 }
 
 uint32_t DVPortImpl::GetConnectionId() {
   CheckFault("DVPortImpl::GetConnectionId");
-  return ReadDVPort(Sim::ReadHost(), switchId_, portId).second->connection_id;
+  return ReadDVPort(Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime), switchId_, portId).second->connection_id;
 }
 
 void DVPortImpl::SetConnectionId(uint32_t connectionId) {
   CheckFault("DVPortImpl::SetConnectionId");
-  Sim::ChangeHost([&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime, [&](HostModel& host) {
     ReadDVPort(host, switchId_, portId);
     for (auto& dvs : host.vswitch.distributed_switches) {
       if (dvs.id != switchId_) continue;
@@ -415,14 +415,14 @@ HostCtl::Network::DVPortParam DVPortImpl::GetDVPortParam() const {
 
 std::string DVPortImpl::GetPortsetName() {
   CheckFault("DVPortImpl::GetPortsetName");
-  auto const* dvs = FindDvsById(Sim::ReadHost(), switchId_);
+  auto const* dvs = FindDvsById(Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime), switchId_);
   if (!dvs) throw HostCtlException("Distributed switch with id " + switchId_ + " not found");
   return dvs->name;
 }
 
 bool DVPortImpl::IsValid() {
   CheckFault("DVPortImpl::IsValid");
-  auto const* dvs = FindDvsById(Sim::ReadHost(), switchId_);
+  auto const* dvs = FindDvsById(Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime), switchId_);
   return dvs && FindDVPort(*dvs, portId);
 }
 
@@ -431,7 +431,7 @@ bool DVPortImpl::IsValid() {
 std::vector<std::unique_ptr<HostCtl::Network::DVSwitch>> VirtualSwitchInfoImpl::GetDVSwitches() {
   CheckFault("VirtualSwitchInfoImpl::GetDVSwitches");
   std::vector<std::unique_ptr<HostCtl::Network::DVSwitch>> switches;
-  for (auto const& dvs : Sim::ReadHost().vswitch.distributed_switches) {
+  for (auto const& dvs : Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime).vswitch.distributed_switches) {
     switches.push_back(std::make_unique<DVSwitchImpl>(dvs.name));
   }
   return switches;
@@ -440,7 +440,7 @@ std::vector<std::unique_ptr<HostCtl::Network::DVSwitch>> VirtualSwitchInfoImpl::
 std::unique_ptr<HostCtl::Network::DVSwitch> VirtualSwitchInfoImpl::GetDVSwitchByName(
     std::string const& name) {
   CheckFault("VirtualSwitchInfoImpl::GetDVSwitchByName");
-  if (!Sim::FindDistributedSwitch(Sim::ReadHost().vswitch, name)) return nullptr;
+  if (!Sim::FindDistributedSwitch(Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime).vswitch, name)) return nullptr;
   return std::make_unique<DVSwitchImpl>(name);
 }
 

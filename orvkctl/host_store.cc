@@ -1,34 +1,47 @@
 #include "host_store.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <memory>
 #include <optional>
-#include <sstream>
 
 #include "hostctl/lib.h"
+#include "hostctl/transaction.h"
 
 namespace OrvkCtl::Sim {
 namespace {
 
 using HostCtl::Lib::HostCtlException;
 
+// The host as loaded: the value text of every field as the file has it, and
+// the fields of the areas in `loaded` parsed into `host`. Fields of loaded
+// areas are written from `host`, the others from their text.
+struct Snapshot {
+  HostModel host;
+  AreaSet loaded = 0;
+};
+
 struct Store {
   std::string path;
   int lock_fd = -1;
-  std::optional<HostModel> host;
-  // Changes held in memory: the host at HoldChanges and at the savepoint.
-  bool holding = false;
-  bool dirty = false;
-  std::optional<HostModel> at_begin;
-  std::optional<HostModel> savepoint;
+  bool open = false;
+  // The file as last read or written, and each field's value text in it.
+  std::string file_text;
+  std::vector<std::string_view> texts;
+  Snapshot current;
+  // A transaction: changes stay in `current` until committed.
+  bool in_transaction = false;
+  bool changed_in_transaction = false;
+  Snapshot begin;
+  Snapshot savepoint;
+  std::string message;
 };
 
 Store& TheStore() {
@@ -50,18 +63,55 @@ void WriteAll(int fd, std::string const& data, std::string const& path) {
   }
 }
 
-// Writes `text` to `path` atomically: a temporary file beside it, flushed,
-// renamed over the old one, and the folder flushed.
+std::string FolderOf(std::string const& path) {
+  std::string dir = std::filesystem::path(path).parent_path().string();
+  return dir.empty() ? "." : dir;
+}
+
+std::string TempPrefix(std::string const& path) {
+  return std::filesystem::path(path).filename().string() + ".tmp.";
+}
+
+// Removes temporary files a writer killed mid-write left beside `path`. Only
+// called under the lock, when no other writer can be using one.
+void RemoveStaleTemporaries(std::string const& path) {
+  std::string dir = FolderOf(path);
+  std::string prefix = TempPrefix(path);
+  DIR* folder = opendir(dir.c_str());
+  if (!folder) return;
+  while (dirent* entry = readdir(folder)) {
+    if (std::strncmp(entry->d_name, prefix.c_str(), prefix.size()) == 0) {
+      unlinkat(dirfd(folder), entry->d_name, 0);
+    }
+  }
+  closedir(folder);
+}
+
+// Writes `text` to `path` atomically: an unnamed temporary file in the same
+// folder, filled and flushed, then named and renamed over the old one, and
+// the folder flushed. A writer killed before the rename leaves nothing; one
+// killed between naming and renaming leaves a temporary that the next
+// command removes under the lock.
 void SaveAtomically(std::string const& path, std::string const& text) {
-  std::string temp = path + ".tmp." + std::to_string(getpid());
-  int fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-  if (fd < 0) Fail("Cannot write host state file", temp, errno);
+  std::string dir = FolderOf(path);
+  std::string temp = dir + "/" + TempPrefix(path) + std::to_string(getpid());
+  int fd = open(dir.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0644);
+  bool unnamed = fd >= 0;
+  if (!unnamed) fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+  if (fd < 0) Fail("Cannot write host state file", path, errno);
   try {
-    WriteAll(fd, text, temp);
-    if (fsync(fd) != 0) Fail("Cannot write host state file", temp, errno);
+    WriteAll(fd, text, path);
+    if (fsync(fd) != 0) Fail("Cannot write host state file", path, errno);
+    if (unnamed) {
+      std::string self = "/proc/self/fd/" + std::to_string(fd);
+      unlink(temp.c_str());
+      if (linkat(AT_FDCWD, self.c_str(), AT_FDCWD, temp.c_str(), AT_SYMLINK_FOLLOW) != 0) {
+        Fail("Cannot write host state file", path, errno);
+      }
+    }
   } catch (...) {
     close(fd);
-    unlink(temp.c_str());
+    if (!unnamed) unlink(temp.c_str());
     throw;
   }
   close(fd);
@@ -70,55 +120,132 @@ void SaveAtomically(std::string const& path, std::string const& text) {
     unlink(temp.c_str());
     Fail("Cannot replace host state file", path, error);
   }
-  std::string dir = std::filesystem::path(path).parent_path().string();
-  int dir_fd = open(dir.empty() ? "." : dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  int dir_fd = open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (dir_fd >= 0) {
     fsync(dir_fd);
     close(dir_fd);
   }
 }
 
+bool IsDefaultPath() {
+  char const* path = std::getenv("TOOLBASE_HOST_STATE");
+  return !path || !*path;
+}
+
 void Lock(Store& store) {
-  std::filesystem::path path(store.path);
-  std::error_code error;
-  if (path.has_parent_path()) std::filesystem::create_directories(path.parent_path(), error);
+  std::string dir = FolderOf(store.path);
+  if (IsDefaultPath()) {
+    std::error_code ignored;
+    std::filesystem::create_directories(dir, ignored);
+  }
+  struct stat info {};
+  if (stat(dir.c_str(), &info) != 0) {
+    Fail("Cannot use host state file " + store.path + ": folder", dir, errno);
+  }
+  if (stat(store.path.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) {
+    Fail("Cannot read host state file", store.path, EISDIR);
+  }
   std::string lock_path = store.path + ".lock";
   int fd = open(lock_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-  if (fd < 0) Fail("Cannot open host state lock", lock_path, errno);
+  if (fd < 0) Fail("Cannot lock host state file " + store.path + ": cannot open", lock_path, errno);
   while (flock(fd, LOCK_EX) != 0) {
     if (errno == EINTR) continue;
     int lock_error = errno;
     close(fd);
-    Fail("Cannot lock host state", lock_path, lock_error);
+    Fail("Cannot lock host state file " + store.path + ": cannot lock", lock_path, lock_error);
   }
   store.lock_fd = fd;
 }
 
-HostModel Load(std::string const& path) {
-  std::error_code error;
-  if (!std::filesystem::exists(path, error) && !error) {
-    HostModel host = DefaultHost();
-    SaveAtomically(path, HostToJson(host));
-    return host;
-  }
-  std::ifstream file(path, std::ios::binary);
-  if (!file) Fail("Cannot read host state file", path, errno ? errno : EIO);
-  std::stringstream text;
-  text << file.rdbuf();
-  try {
-    return HostFromJson(text.str());
-  } catch (std::exception const& error) {
-    throw HostCtlException("Host state file " + path + " is corrupt: " + error.what());
-  }
+[[noreturn]] void Corrupt(std::string const& path, std::string const& why) {
+  throw HostCtlException("Host state file " + path + " is corrupt: " + why);
 }
 
-HostModel& Loaded() {
-  Store& store = TheStore();
-  if (store.host) return *store.host;
+std::string ReadFile(std::string const& path) {
+  int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) Fail("Cannot read host state file", path, errno);
+  std::string text;
+  struct stat info {};
+  size_t size = fstat(fd, &info) == 0 && info.st_size > 0 ? static_cast<size_t>(info.st_size) : 0;
+  // Read straight into the string; grow only if the file grew meanwhile.
+  text.resize(size + 1);
+  size_t done = 0;
+  for (;;) {
+    if (done == text.size()) text.resize(text.size() * 2);
+    ssize_t n = read(fd, text.data() + done, text.size() - done);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) {
+      int error = errno;
+      close(fd);
+      Fail("Cannot read host state file", path, error);
+    }
+    if (n == 0) break;
+    done += static_cast<size_t>(n);
+  }
+  close(fd);
+  text.resize(done);
+  return text;
+}
+
+// The document to write: the fields of `loaded` areas from `host`, the
+// others as the file has them.
+std::string Compose(Store const& store, HostModel const& host, AreaSet loaded) {
+  auto const& fields = HostFields();
+  std::vector<std::string> saved(fields.size());
+  std::vector<std::string_view> texts = store.texts;
+  for (size_t i = 0; i < fields.size(); ++i) {
+    if (loaded & fields[i].area) texts[i] = saved[i] = fields[i].save(host);
+  }
+  return JoinHostDocument(texts);
+}
+
+// Writes `document` and makes it the file's known text.
+void Save(Store& store, std::string document) {
+  SaveAtomically(store.path, document);
+  store.file_text = std::move(document);
+  store.texts = SplitHostDocument(store.file_text);
+}
+
+void Open(Store& store) {
+  if (store.open) return;
   store.path = StatePath();
   if (store.lock_fd < 0) Lock(store);
-  store.host = Load(store.path);
-  return *store.host;
+  RemoveStaleTemporaries(store.path);
+  struct stat info {};
+  if (stat(store.path.c_str(), &info) != 0 && errno == ENOENT) {
+    HostModel host = DefaultHost();
+    Save(store, HostToJson(host));
+    store.current = {std::move(host), kAreaAll};
+  } else {
+    store.file_text = ReadFile(store.path);
+    try {
+      store.texts = SplitHostDocument(store.file_text);
+    } catch (std::exception const& error) {
+      store.file_text.clear();
+      Corrupt(store.path, error.what());
+    }
+    store.current = {};
+  }
+  store.open = true;
+}
+
+HostModel& Loaded(AreaSet areas) {
+  Store& store = TheStore();
+  Open(store);
+  AreaSet missing = areas & ~store.current.loaded;
+  if (missing) {
+    auto const& fields = HostFields();
+    for (size_t i = 0; i < fields.size(); ++i) {
+      if (!(fields[i].area & missing) || store.texts[i].empty()) continue;
+      try {
+        fields[i].load(store.texts[i], store.current.host);
+      } catch (std::exception const& error) {
+        Corrupt(store.path, "in \"" + std::string(fields[i].key) + "\": " + error.what());
+      }
+    }
+    store.current.loaded |= missing;
+  }
+  return store.current.host;
 }
 
 }  // namespace
@@ -136,71 +263,41 @@ std::string StatePath() {
   return (base / "toolbase" / "host-state.json").string();
 }
 
-HostModel const& ReadHost() { return Loaded(); }
+HostModel const& ReadHost(AreaSet areas) { return Loaded(areas); }
+HostModel const& ReadHost() { return Loaded(kAreaAll); }
 
-void ChangeHost(std::function<void(HostModel&)> const& change) {
-  HostModel& host = Loaded();
-  HostModel changed = host;
-  change(changed);
+void ChangeHost(AreaSet areas, std::function<void(HostModel&)> const& change) {
   Store& store = TheStore();
-  if (store.holding) {
-    store.dirty = true;
+  HostModel& host = Loaded(areas);
+  HostModel changed = host;
+  AreaSet before = store.current.loaded;
+  change(changed);
+  // Areas that `change` read through ReadHost() were loaded into the host,
+  // not into the copy: take them over, or they would be written back empty.
+  if (AreaSet grown = store.current.loaded & ~before) {
+    auto const& fields = HostFields();
+    for (size_t i = 0; i < fields.size(); ++i) {
+      if ((fields[i].area & grown) && !store.texts[i].empty()) fields[i].load(store.texts[i], changed);
+    }
+  }
+  if (store.in_transaction) {
+    store.changed_in_transaction = true;
   } else {
-    SaveAtomically(store.path, HostToJson(changed));
+    Save(store, Compose(store, changed, store.current.loaded));
   }
   host = std::move(changed);
 }
 
-void HoldChanges() {
-  Store& store = TheStore();
-  store.at_begin = Loaded();
-  store.savepoint = store.at_begin;
-  store.holding = true;
-  store.dirty = false;
-}
-
-void MarkSavepoint() {
-  Store& store = TheStore();
-  if (store.holding) store.savepoint = Loaded();
-}
-
-void RollbackToSavepoint() {
-  Store& store = TheStore();
-  if (store.holding && store.savepoint) store.host = store.savepoint;
-}
-
-void CommitHeld() {
-  Store& store = TheStore();
-  if (!store.holding) return;
-  if (store.dirty) {
-    try {
-      SaveAtomically(store.path, HostToJson(*store.host));
-    } catch (...) {
-      store.host = store.at_begin;
-      store.holding = false;
-      throw;
-    }
-  }
-  store.holding = false;
-  store.at_begin.reset();
-  store.savepoint.reset();
-}
-
-void AbortHeld() {
-  Store& store = TheStore();
-  if (!store.holding) return;
-  store.host = store.at_begin;
-  store.holding = false;
-  store.at_begin.reset();
-  store.savepoint.reset();
-}
+void ChangeHost(std::function<void(HostModel&)> const& change) { ChangeHost(kAreaAll, change); }
 
 void ResetHostForTest() {
   Store& store = TheStore();
-  store.host.reset();
-  store.holding = false;
-  store.at_begin.reset();
-  store.savepoint.reset();
+  store.open = false;
+  store.texts.clear();
+  store.file_text.clear();
+  store.current = {};
+  store.in_transaction = false;
+  store.begin = store.savepoint = {};
   if (store.lock_fd >= 0) {
     close(store.lock_fd);
     store.lock_fd = -1;
@@ -208,3 +305,60 @@ void ResetHostForTest() {
 }
 
 }  // namespace OrvkCtl::Sim
+
+using OrvkCtl::Sim::Store;
+using OrvkCtl::Sim::TheStore;
+
+extern "C" {
+
+const char* OrvkCtl_BeginTransaction() {
+  Store& store = TheStore();
+  if (store.in_transaction) {
+    store.message = "A host transaction is already in progress";
+    return store.message.c_str();
+  }
+  try {
+    OrvkCtl::Sim::Open(store);
+  } catch (std::exception const& error) {
+    store.message = error.what();
+    return store.message.c_str();
+  }
+  store.in_transaction = true;
+  store.changed_in_transaction = false;
+  store.begin = store.savepoint = store.current;
+  return nullptr;
+}
+
+void OrvkCtl_Savepoint() {
+  Store& store = TheStore();
+  if (store.in_transaction) store.savepoint = store.current;
+}
+
+void OrvkCtl_RollbackToSavepoint() {
+  Store& store = TheStore();
+  if (store.in_transaction) store.current = store.savepoint;
+}
+
+const char* OrvkCtl_CommitTransaction() {
+  Store& store = TheStore();
+  if (!store.in_transaction) return nullptr;
+  store.in_transaction = false;
+  if (!store.changed_in_transaction) return nullptr;
+  try {
+    OrvkCtl::Sim::Save(store, OrvkCtl::Sim::Compose(store, store.current.host, store.current.loaded));
+  } catch (std::exception const& error) {
+    store.current = store.begin;
+    store.message = error.what();
+    return store.message.c_str();
+  }
+  return nullptr;
+}
+
+void OrvkCtl_AbortTransaction() {
+  Store& store = TheStore();
+  if (!store.in_transaction) return;
+  store.in_transaction = false;
+  store.current = store.begin;
+}
+
+}  // extern "C"

@@ -2,48 +2,100 @@
 //
 // The state lives in one JSON file: the path given by TOOLBASE_HOST_STATE, or
 // $XDG_STATE_HOME/toolbase/host-state.json, or
-// ~/.local/state/toolbase/host-state.json. It is read when a command first
+// ~/.local/state/toolbase/host-state.json. It is opened when a command first
 // touches the host; from then on the process holds an exclusive lock on
 // "<path>.lock" until it ends, so that concurrent commands see each other's
 // changes whole. A missing file is seeded with DefaultHost(). Every change is
-// written through at once, atomically (temporary file, fsync, rename).
+// written through at once, atomically (unnamed temporary file, fsync,
+// rename); temporary files left by a killed writer are removed under the lock.
+//
+// Areas. The file holds one top-level field of HostModel per line:
+//   {"format":1,"host":{
+//   "hostname":"halden-01",
+//   "firewall":{...},
+//   ...
+//   }}
+// so a command parses only the areas it asks for and writes the others back
+// verbatim. Any other layout of the same JSON (hand-edited, reformatted) still
+// loads, by parsing it whole; the next change writes the line layout again.
+//
+// How an operation says what it needs: ReadHost(kAreaFirewall) loads the
+// firewall area (and whatever was loaded before); the other members of the
+// returned HostModel are empty unless loaded. ChangeHost(kAreaNic | kAreaVswitch,
+// fn) loads those areas, lets `fn` change them, and writes them. Name every
+// area the operation reads or changes, also inside `fn`. ReadHost() and
+// ChangeHost(fn) without a set load every area.
+//
+// Adding a field to an area: add it to the area's struct (model_*.h), its
+// JSON pair (json_*.cc) and its seed (seed_*.cc); nothing here changes.
+// Adding an area: a member of HostModel, a bit below (and in kAreaAll), and
+// a row in the field table of host_json.cc.
 #pragma once
 
 #include <functional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "host_model.h"
 
 namespace OrvkCtl::Sim {
 
+// Sets of areas of the host state.
+using AreaSet = unsigned;
+inline constexpr AreaSet kAreaHost = 1u << 0;  // hostname, modules
+inline constexpr AreaSet kAreaFirewall = 1u << 1;
+inline constexpr AreaSet kAreaNic = 1u << 2;
+inline constexpr AreaSet kAreaIp = 1u << 3;
+inline constexpr AreaSet kAreaVswitch = 1u << 4;
+inline constexpr AreaSet kAreaRuntime = 1u << 5;
+inline constexpr AreaSet kAreaAll = (1u << 6) - 1;
+
 // The state file this process uses.
 std::string StatePath();
 
-// The host as it stands. Loads (and locks) on first use. Throws
-// HostCtlException naming the file when it cannot be read, is corrupt, or
-// cannot be locked; the file is left untouched then.
+// The host as it stands, with at least `areas` loaded. Opens (and locks) the
+// file on first use. Throws HostCtlException naming the file when it cannot
+// be read, is corrupt, or cannot be locked; the file is left untouched then.
+HostModel const& ReadHost(AreaSet areas);
 HostModel const& ReadHost();
 
-// Applies `change` to a copy of the host and writes the copy through; only
-// then does it become the host. If `change` or the write throws, the host
-// and the file stay as they were and the exception passes on.
+// Loads `areas`, applies `change` to a copy of the host and writes the copy
+// through; only then does it become the host. If `change` or the write
+// throws, the host and the file stay as they were and the exception passes
+// on. Inside a transaction (transaction.h) the change stays in memory.
+void ChangeHost(AreaSet areas, std::function<void(HostModel&)> const& change);
 void ChangeHost(std::function<void(HostModel&)> const& change);
 
-// Holding changes in memory (see hostctl/transaction.h). While held,
-// ChangeHost changes only the loaded host; CommitHeld writes it once (only if
-// anything changed) and AbortHeld returns to the host as it was at HoldChanges.
-void HoldChanges();
-void MarkSavepoint();
-void RollbackToSavepoint();
-void CommitHeld();
-void AbortHeld();
-
-// Forgets the loaded host and releases the lock, so that the next use loads
-// the file again (from the path then in force). For tests.
+// Forgets the loaded host, ends any transaction and releases the lock, so that
+// the next use opens the file again (from the path then in force). For tests.
 void ResetHostForTest();
 
-// JSON conversion; throws std::exception on a malformed document.
+// JSON conversion of a whole host, in the file's line layout; throws
+// std::exception on a malformed document.
 std::string HostToJson(HostModel const& host);
 HostModel HostFromJson(std::string const& text);
+
+// The file's fields, one per line, for the store: the top-level members of
+// HostModel in file order. Each converts one member alone.
+struct HostField {
+  std::string_view key;
+  AreaSet area;
+  // Replaces the member with the one `text` describes; throws std::exception
+  // on malformed text and leaves `host` unchanged then.
+  void (*load)(std::string_view text, HostModel& host);
+  // The member as compact JSON text, on one line.
+  std::string (*save)(HostModel const& host);
+};
+std::vector<HostField> const& HostFields();
+
+// Splits a state document into each field's value text (empty where absent),
+// in HostFields() order; the views point into `text`. Takes the line layout
+// as it is; a document laid out otherwise is parsed whole and `text`
+// rewritten in lines. Throws std::exception when it is not a state document
+// this version reads.
+std::vector<std::string_view> SplitHostDocument(std::string& text);
+// The document of the given fields' value texts (empty ones are left out).
+std::string JoinHostDocument(std::vector<std::string_view> const& texts);
 
 }  // namespace OrvkCtl::Sim

@@ -16,12 +16,27 @@ StandardSwitchState const* FindStandardSwitch(VswitchArea const& area, std::stri
 
 PortGroupState* FindPortGroup(VswitchArea& area, std::string const& name,
                               StandardSwitchState** owner) {
-  for (auto& vswitch : area.standard_switches) {
-    for (auto& group : vswitch.port_groups) {
-      if (group.name == name) {
-        if (owner) *owner = &vswitch;
-        return &group;
-      }
+  // A listing looks each group up by name several times, in order: try where
+  // the last one was found, and the one after it, before walking them all.
+  // Names are unique host-wide, so the hint never changes the answer.
+  thread_local size_t hint_switch = 0;
+  thread_local size_t hint_group = 0;
+  auto found = [&](size_t s, size_t g) {
+    hint_switch = s;
+    hint_group = g;
+    if (owner) *owner = &area.standard_switches[s];
+    return &area.standard_switches[s].port_groups[g];
+  };
+  if (hint_switch < area.standard_switches.size()) {
+    auto const& groups = area.standard_switches[hint_switch].port_groups;
+    for (size_t g : {hint_group, hint_group + 1}) {
+      if (g < groups.size() && groups[g].name == name) return found(hint_switch, g);
+    }
+  }
+  for (size_t s = 0; s < area.standard_switches.size(); ++s) {
+    auto const& groups = area.standard_switches[s].port_groups;
+    for (size_t g = 0; g < groups.size(); ++g) {
+      if (groups[g].name == name) return found(s, g);
     }
   }
   return nullptr;

@@ -9,7 +9,7 @@ namespace HostCtl::Network {
 
 std::unique_ptr<VirtualSwitch> NetworkFactory::GetVirtualSwitchById(std::string const& name) {
   OrvkCtl::Sim::CheckFault("NetworkFactory::GetVirtualSwitchById");
-  if (!OrvkCtl::Sim::FindStandardSwitch(OrvkCtl::Sim::ReadHost().vswitch, name)) {
+  if (!OrvkCtl::Sim::FindStandardSwitch(OrvkCtl::Sim::ReadHost(OrvkCtl::Sim::kAreaVswitch).vswitch, name)) {
     throw Lib::HostCtlException("Virtual switch " + name + " not found");
   }
   return std::make_unique<OrvkCtl::Network::VirtualSwitchImpl>(name);
@@ -17,7 +17,7 @@ std::unique_ptr<VirtualSwitch> NetworkFactory::GetVirtualSwitchById(std::string 
 
 std::unique_ptr<PortGroup> NetworkFactory::GetPortGroupByName(std::string const& name) {
   OrvkCtl::Sim::CheckFault("NetworkFactory::GetPortGroupByName");
-  if (!OrvkCtl::Sim::FindPortGroup(OrvkCtl::Sim::ReadHost().vswitch, name)) return nullptr;
+  if (!OrvkCtl::Sim::FindPortGroup(OrvkCtl::Sim::ReadHost(OrvkCtl::Sim::kAreaVswitch).vswitch, name)) return nullptr;
   return std::make_unique<OrvkCtl::Network::PortGroupImpl>(name);
 }
 

@@ -26,7 +26,7 @@ void NetworkInfoImpl::Refresh() { CheckFault("NetworkInfoImpl::Refresh"); }
 HostCtl::Network::PnicList NetworkInfoImpl::GetPnics() {
   CheckFault("NetworkInfoImpl::GetPnics");
   HostCtl::Network::PnicList pnics;
-  for (auto const& nic : Sim::ReadHost().nic.pnics) {
+  for (auto const& nic : Sim::ReadHost(Sim::kAreaNic).nic.pnics) {
     pnics.push_back(std::make_unique<PnicImpl>(nic.name));
   }
   return pnics;
@@ -34,7 +34,7 @@ HostCtl::Network::PnicList NetworkInfoImpl::GetPnics() {
 
 std::unique_ptr<HostCtl::Network::Pnic> NetworkInfoImpl::GetPnicByName(std::string const& name) {
   CheckFault("NetworkInfoImpl::GetPnicByName");
-  if (!Sim::FindPnic(Sim::ReadHost().nic, name)) return nullptr;
+  if (!Sim::FindPnic(Sim::ReadHost(Sim::kAreaNic).nic, name)) return nullptr;
   return std::make_unique<PnicImpl>(name);
 }
 

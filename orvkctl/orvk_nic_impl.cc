@@ -52,11 +52,11 @@ InterfaceState const& ReadNic(HostModel const& host, std::string const& name) {
   return *nic;
 }
 
-InterfaceState const& ReadNic(std::string const& name) { return ReadNic(Sim::ReadHost(), name); }
+InterfaceState const& ReadNic(std::string const& name) { return ReadNic(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch | Sim::kAreaNic), name); }
 
 void ChangeNic(std::string const& name,
                std::function<void(HostModel&, InterfaceState&)> const& change) {
-  Sim::ChangeHost([&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch | Sim::kAreaNic, [&](HostModel& host) {
     auto* nic = Sim::FindInterface(host.ip, name);
     if (!nic) throw NotFound(name);
     change(host, *nic);
@@ -461,7 +461,7 @@ void OrvkNicImpl::SetIpConfig(IpConfig config) {
 
 std::unique_ptr<ConnectionPoint> OrvkNicImpl::GetConnectionPoint() {
   CheckFault("OrvkNicImpl::GetConnectionPoint");
-  HostModel const& host = Sim::ReadHost();
+  HostModel const& host = Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch | Sim::kAreaNic);
   auto const& nic = ReadNic(host, name_);
   if (nic.connection_type == ConnectionPoint::PortGroupConnection) {
     if (!Sim::FindPortGroup(host.vswitch, nic.portgroup)) return nullptr;
@@ -472,7 +472,7 @@ std::unique_ptr<ConnectionPoint> OrvkNicImpl::GetConnectionPoint() {
 
 std::unique_ptr<HostCtl::Network::OrvkNicPort> OrvkNicImpl::GetPort() {
   CheckFault("OrvkNicImpl::GetPort");
-  HostModel const& host = Sim::ReadHost();
+  HostModel const& host = Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch | Sim::kAreaNic);
   ReadNic(host, name_);
   auto const* port = PortOf(host, name_);
   if (!port) return nullptr;
@@ -496,7 +496,7 @@ bool OrvkNicImpl::IsEnabled() {
 
 void OrvkNicImpl::Remove() {
   CheckFault("OrvkNicImpl::Remove");
-  Sim::ChangeHost([&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch | Sim::kAreaNic, [&](HostModel& host) {
     auto& all = host.ip.interfaces;
     auto it = std::find_if(all.begin(), all.end(),
                            [&](InterfaceState const& nic) { return nic.name == name_; });
@@ -569,7 +569,7 @@ namespace {
 
 HostCtl::Network::OrvkNicList Select(std::function<bool(InterfaceState const&)> const& keep) {
   HostCtl::Network::OrvkNicList nics;
-  for (auto const& nic : Sim::ReadHost().ip.interfaces) {
+  for (auto const& nic : Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch | Sim::kAreaNic).ip.interfaces) {
     if (keep(nic)) nics.push_back(std::make_unique<OrvkNicImpl>(nic.name));
   }
   return nics;
@@ -604,7 +604,7 @@ HostCtl::Network::OrvkNicList OrvikNicInfoImpl::GetOrvikNicsByTag(OrvkNicTagType
 
 std::unique_ptr<OrvkNic> OrvikNicInfoImpl::GetOrvikNicByInterface(std::string const& name, bool) {
   CheckFault("OrvikNicInfoImpl::GetOrvikNicByInterface");
-  if (!Sim::FindInterface(Sim::ReadHost().ip, name)) return nullptr;
+  if (!Sim::FindInterface(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch | Sim::kAreaNic).ip, name)) return nullptr;
   return std::make_unique<OrvkNicImpl>(name);
 }
 
@@ -615,7 +615,7 @@ std::unique_ptr<OrvkNic> OrvikNicInfoImpl::AddOrvikNic(
   static const std::regex kName("orvk([0-9]|[1-9][0-9]|1[0-9][0-9]|2[0-4][0-9]|25[0-5])");
   InterfaceState nic = Attach(point);
   std::string made;
-  Sim::ChangeHost([&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch | Sim::kAreaNic, [&](HostModel& host) {
     if (!NetstackExists(host, key)) {
       throw HostCtlException("Netstack instance " + key + " does not exist");
     }
@@ -670,7 +670,7 @@ void OrvikNicInfoImpl::RemoveOrvikNic(ConnectionPoint* point, std::string const&
   CheckFault("OrvikNicInfoImpl::RemoveOrvikNic");
   if (!point) throw HostCtlException("No connection point given for the Orvik network interface");
   InterfaceState wanted = Attach(point);
-  Sim::ChangeHost([&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch | Sim::kAreaNic, [&](HostModel& host) {
     auto& all = host.ip.interfaces;
     auto it = std::find_if(all.begin(), all.end(), [&](InterfaceState const& nic) {
       return nic.netstack == key && SameConnection(nic, wanted);

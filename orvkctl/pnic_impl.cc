@@ -79,7 +79,7 @@ PnicImpl::~PnicImpl() = default;
 
 void PnicImpl::Refresh() {
   CheckFault("PnicImpl::Refresh");
-  auto const* nic = Sim::FindPnic(Sim::ReadHost().nic, name_);
+  auto const* nic = Sim::FindPnic(Sim::ReadHost(Sim::kAreaNic).nic, name_);
   if (!nic) throw NotFound(name_);
   cached_ = std::make_unique<PnicState>(*nic);
 }
@@ -90,7 +90,7 @@ PnicState const& PnicImpl::Cached() {
 }
 
 void PnicImpl::Change(std::function<void(PnicState&)> const& change) {
-  Sim::ChangeHost([&](Sim::HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaNic, [&](Sim::HostModel& host) {
     auto* nic = Sim::FindPnic(host.nic, name_);
     if (!nic) throw NotFound(name_);
     change(*nic);

@@ -15,7 +15,7 @@ using HostCtl::Lib::HostCtlException;
 using Sim::CheckFault;
 
 Sim::PortState const& ReadPort(int id) {
-  auto const* port = Sim::FindPort(Sim::ReadHost().runtime, static_cast<uint32_t>(id));
+  auto const* port = Sim::FindPort(Sim::ReadHost(Sim::kAreaRuntime | Sim::kAreaVswitch).runtime, static_cast<uint32_t>(id));
   if (!port || id < 0) throw HostCtlException("Port " + std::to_string(id) + " not found");
   return *port;
 }
@@ -146,7 +146,7 @@ std::string PortImpl::GetSchedTeamUplink() {
 
 std::vector<std::unique_ptr<HostCtl::Network::Port>> PortsetImpl::GetPorts() {
   CheckFault("PortsetImpl::GetPorts");
-  Sim::HostModel const& host = Sim::ReadHost();
+  Sim::HostModel const& host = Sim::ReadHost(Sim::kAreaRuntime | Sim::kAreaVswitch);
   if (!Sim::FindStandardSwitch(host.vswitch, name_)) {
     throw HostCtlException("Virtual switch " + name_ + " not found");
   }

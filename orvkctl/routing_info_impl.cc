@@ -47,13 +47,13 @@ HostCtlException UnknownNetstack(std::string const& key) {
 }
 
 NetstackRoutes const& ReadRoutes(std::string const& key) {
-  auto const* routes = Sim::FindNetstackRoutes(Sim::ReadHost().ip, key);
+  auto const* routes = Sim::FindNetstackRoutes(Sim::ReadHost(Sim::kAreaIp).ip, key);
   if (!routes) throw UnknownNetstack(key);
   return *routes;
 }
 
 void ChangeRoutes(std::string const& key, std::function<void(NetstackRoutes&)> const& change) {
-  Sim::ChangeHost([&](Sim::HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaIp, [&](Sim::HostModel& host) {
     auto* routes = Sim::FindNetstackRoutes(host.ip, key);
     if (!routes) throw UnknownNetstack(key);
     change(*routes);

@@ -12,7 +12,7 @@ using Sim::HostModel;
 constexpr char kFirewallModule[] = "haldenfw";
 
 Sim::FirewallState const& LoadedFirewall() {
-  HostModel const& host = Sim::ReadHost();
+  HostModel const& host = Sim::ReadHost(Sim::kAreaHost | Sim::kAreaFirewall);
   auto const* module = Sim::FindModule(host, kFirewallModule);
   if (!module || !module->loaded) {
     throw HostCtlException("Firewall module " + std::string(kFirewallModule) + " is not loaded");
@@ -22,7 +22,7 @@ Sim::FirewallState const& LoadedFirewall() {
 
 void ChangeFirewall(std::function<void(Sim::FirewallState&)> const& change) {
   LoadedFirewall();
-  Sim::ChangeHost([&](HostModel& host) { change(host.firewall); });
+  Sim::ChangeHost(Sim::kAreaHost | Sim::kAreaFirewall, [&](HostModel& host) { change(host.firewall); });
 }
 
 }  // namespace
@@ -90,7 +90,7 @@ ModuleImpl::~ModuleImpl() = default;
 
 void ModuleImpl::Refresh() {
   CheckFault("ModuleImpl::Refresh");
-  auto const* module = Sim::FindModule(Sim::ReadHost(), name_);
+  auto const* module = Sim::FindModule(Sim::ReadHost(Sim::kAreaHost | Sim::kAreaFirewall), name_);
   if (!module) throw HostCtlException("Module " + name_ + " not found");
   loaded_ = module->loaded;
 }
@@ -103,7 +103,7 @@ bool ModuleImpl::IsLoaded() {
 
 void ModuleImpl::Load(std::string const& /*options*/, bool /*force*/) {
   CheckFault("ModuleImpl::Load");
-  Sim::ChangeHost([&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaHost | Sim::kAreaFirewall, [&](HostModel& host) {
     auto* module = Sim::FindModule(host, name_);
     if (!module) throw HostCtlException("Module " + name_ + " not found");
     module->loaded = true;
@@ -113,7 +113,7 @@ void ModuleImpl::Load(std::string const& /*options*/, bool /*force*/) {
 
 void ModuleImpl::Unload() {
   CheckFault("ModuleImpl::Unload");
-  Sim::ChangeHost([&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaHost | Sim::kAreaFirewall, [&](HostModel& host) {
     auto* module = Sim::FindModule(host, name_);
     if (!module) throw HostCtlException("Module " + name_ + " not found");
     if (!module->loaded) throw HostCtlException("Module " + name_ + " is not loaded");

@@ -17,7 +17,7 @@ namespace OrvkCtl::Network {
 
 bool PnicImpl::IsValidPnic(std::string const& name) {
   Sim::CheckFault("PnicImpl::IsValidPnic");
-  return Sim::IsPhysicalNic(Sim::ReadHost(), name);
+  return Sim::IsPhysicalNic(Sim::ReadHost(Sim::kAreaNic), name);
 }
 
 }  // namespace OrvkCtl::Network

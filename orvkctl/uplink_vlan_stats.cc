@@ -25,7 +25,7 @@ std::vector<std::unique_ptr<UplinkVlanStats>> Portset::GetUplinkVlanStats(
     std::string const& uplink) {
   OrvkCtl::Sim::CheckFault("Portset::GetUplinkVlanStats");
   CheckConnected(*this, uplink);
-  auto const* nic = OrvkCtl::Sim::FindPnic(OrvkCtl::Sim::ReadHost().nic, uplink);
+  auto const* nic = OrvkCtl::Sim::FindPnic(OrvkCtl::Sim::ReadHost(OrvkCtl::Sim::kAreaNic | OrvkCtl::Sim::kAreaVswitch).nic, uplink);
   if (!nic) throw HostCtlException("Physical NIC " + uplink + " not found");
   std::vector<std::unique_ptr<UplinkVlanStats>> result;
   if (!nic->vlan_stats_enabled) return result;
@@ -40,7 +40,7 @@ void Portset::SetUplinkVlanStats(std::string const& uplink, bool enabled) {
   OrvkCtl::Sim::CheckFault("Portset::SetUplinkVlanStats");
   CheckConnected(*this, uplink);
   std::string const switchName = GetName();
-  OrvkCtl::Sim::ChangeHost([&](OrvkCtl::Sim::HostModel& host) {
+  OrvkCtl::Sim::ChangeHost(OrvkCtl::Sim::kAreaNic | OrvkCtl::Sim::kAreaVswitch, [&](OrvkCtl::Sim::HostModel& host) {
     auto* nic = OrvkCtl::Sim::FindPnic(host.nic, uplink);
     if (!nic) throw HostCtlException("Physical NIC " + uplink + " not found");
     if (nic->vlan_stats_enabled == enabled) return;

@@ -17,10 +17,13 @@ ensure_deps() {
   DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq "${missing[@]}" >/dev/null
 }
 
-# Configures and builds into the folder $1 with the CMake options that follow.
+# Configures and builds into the folder $1 with the CMake options that follow;
+# only the targets in $BUILD_TARGETS when set, else everything.
 build_into() {
   local dir=$1
   shift
   cmake -S . -B "$dir" "$@" >/dev/null
-  cmake --build "$dir" -j"$(nproc)"
+  local targets=()
+  for target in ${BUILD_TARGETS:-}; do targets+=(--target "$target"); done
+  cmake --build "$dir" -j"$(nproc)" "${targets[@]}"
 }

@@ -6,6 +6,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/deps.sh
 ensure_deps
-build_into build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+# Only the executable, its libraries and the plug-in: the tests and benchmarks
+# are built by scripts/test.sh.
+BUILD_TARGETS="toolbase_cli network" build_into build -DCMAKE_BUILD_TYPE=RelWithDebInfo
 if [ $# -eq 0 ]; then set -- network firewall get; fi
 exec build/toolbase "$@"

@@ -1,6 +1,7 @@
 #include "cli.h"
 
 #include <dlfcn.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -31,6 +32,7 @@ using AutoCli::NamespaceNode;
 struct GlobalOptions {
   std::string formatter;
   std::string host_state;
+  bool host_state_given = false;
   bool help = false;
   bool list_commands = false;
   // Workflow options: a batch file, the completion script, the version, and
@@ -78,6 +80,7 @@ size_t ParseGlobalOptions(std::vector<std::string> const& args, GlobalOptions& o
       options.formatter = value_of("--formatter");
     } else if (arg.rfind("--host-state", 0) == 0 && (arg.size() == 12 || arg[12] == '=')) {
       options.host_state = value_of("--host-state");
+      options.host_state_given = true;
     } else if (arg == "--batch" || arg.rfind("--batch=", 0) == 0) {
       options.batch = value_of("--batch");
       if (options.batch.empty()) throw UsageError("Option --batch needs a file name or -");
@@ -97,6 +100,16 @@ size_t ParseGlobalOptions(std::vector<std::string> const& args, GlobalOptions& o
     }
   }
   return i;
+}
+
+// A state path must name a file (which need not exist yet): an empty one
+// would silently fall back to the user's default host.
+void CheckHostStatePath(std::string const& path) {
+  if (path.empty()) throw UsageError("Option --host-state needs a file path, got an empty one");
+  struct stat info {};
+  if (stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) {
+    throw UsageError("Option --host-state needs a file path, but " + path + " is a folder");
+  }
 }
 
 void CollectCommands(NamespaceNode& node, std::vector<std::string>& paths) {
@@ -142,6 +155,7 @@ int RunCommand(AutoCli::Command& command, std::vector<std::string> const& args,
         if ((arg == flag || arg.rfind(flag + "=", 0) == 0) && !spec->FindParameter(option)) {
           target = field;
           name = flag;
+          if (field == &options.host_state) options.host_state_given = true;
         }
       }
       if (!target) {
@@ -157,6 +171,7 @@ int RunCommand(AutoCli::Command& command, std::vector<std::string> const& args,
     if (!options.formatter.empty() && !Format::IsFormatter(options.formatter)) {
       throw UsageError("Unknown formatter '" + options.formatter + "'");
     }
+    if (options.host_state_given) CheckHostStatePath(options.host_state);
     input = ParseParameters(*spec, own);
   } catch (UsageError const& error) {
     return Usage(error.what(), path, err);

@@ -1,10 +1,10 @@
 #include "params.h"
 
-#include <boost/regex.hpp>
 #include <cctype>
 #include <cerrno>
 #include <cstdlib>
 #include <map>
+#include <regex>
 
 #include "bool_word.h"
 #include "toolbase/call_spec.h"
@@ -105,7 +105,7 @@ std::string CheckValue(ParameterSpec const& parameter, std::string const& value)
       }
       break;
     case CallSpec::StringRegex:
-      allowed = boost::regex_match(value, boost::regex(constraint->GetRegex()));
+      allowed = std::regex_match(value, std::regex(constraint->GetRegex()));
       break;
     default:
       break;

@@ -1,9 +1,11 @@
 #include "vswitch/PolicyKit.h"
 
+#include <dlfcn.h>
+
 #include <algorithm>
-#include <boost/regex.hpp>
 #include <cstdint>
 #include <limits>
+#include <stdexcept>
 
 #include "hostctl/pnic.h"
 #include "hostctl/policy.h"
@@ -328,11 +330,18 @@ void SetFailoverPolicy(std::shared_ptr<Input> const& input, std::shared_ptr<Outp
   target.SetUplinkOrder(order);
 }
 
+// The splitting itself lives in libnetwork_regex.so (found through the
+// plug-in's run path), opened when first needed.
 std::vector<std::string> SplitUplinks(std::string const& text) {
-  static const boost::regex separator(",");
+  using Split = void (*)(std::string const*, std::vector<std::string>*);
+  static Split const split = [] {
+    void* handle = dlopen("libnetwork_regex.so", RTLD_NOW | RTLD_LOCAL);
+    void* entry = handle ? dlsym(handle, "NetworkRegex_SplitUplinks") : nullptr;
+    if (!entry) throw std::runtime_error(std::string("Cannot load uplink splitter: ") + dlerror());
+    return reinterpret_cast<Split>(entry);
+  }();
   std::vector<std::string> tokens;
-  boost::sregex_token_iterator it(text.begin(), text.end(), separator, -1);
-  for (boost::sregex_token_iterator end; it != end; ++it) tokens.push_back(*it);
+  split(&text, &tokens);
   return tokens;
 }
 

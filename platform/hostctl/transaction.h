@@ -1,21 +1,24 @@
-// Holding host changes in memory, so that a caller can apply a series of
-// commands all or nothing. Looked up by name (dlsym) by the framework, which
-// does not link the host library: hence plain C entries.
-//
-// Between Begin and Commit/Abort every change stays in memory; the state file
-// is written once, atomically, by Commit, and is not touched by Abort.
+// Transactions over the simulated host, for running many command lines as
+// one change. The host control library exports these with C linkage so the
+// framework can find them with dlsym in a plug-in's handle without linking
+// the library.
 #pragma once
 
 extern "C" {
-// Holds changes in memory from now on; loads and locks the host. Null on
-// success, else the reason (valid until the next call into the library).
+
+// From now on changes are applied to the loaded host in memory only, and
+// written to the state file once, by OrvkCtl_CommitTransaction. Loads (and
+// locks) the host if not yet loaded. Returns nullptr, or a message on failure
+// (also when a transaction is already in progress).
 const char* OrvkCtl_BeginTransaction();
-// Marks the in-memory host as the point RollbackToSavepoint returns to.
+// Marks the current in-memory host as the point to which
+// OrvkCtl_RollbackToSavepoint returns (used between batch lines).
 void OrvkCtl_Savepoint();
 void OrvkCtl_RollbackToSavepoint();
-// Writes everything changed since Begin, once and atomically. Null on
-// success, else the reason; the file is then as it was before Begin.
+// Writes every change made since BeginTransaction at once, atomically, and
+// ends the transaction. Returns nullptr, or a message (valid until the next call).
+// When the write fails, the changes are dropped and the file stays as it was.
 const char* OrvkCtl_CommitTransaction();
-// Drops everything changed since Begin; the file stays untouched.
+// Drops every change made since BeginTransaction; the file stays as it was.
 void OrvkCtl_AbortTransaction();
 }

@@ -1,0 +1,101 @@
+// Transactions for batch mode: changes stay in memory until committed.
+#include "hostctl/transaction.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "host_store.h"
+#include "support/harness.h"
+
+namespace {
+
+using OrvkCtl::Sim::ChangeHost;
+using OrvkCtl::Sim::HostModel;
+using OrvkCtl::Sim::kAreaFirewall;
+using OrvkCtl::Sim::kAreaHost;
+using OrvkCtl::Sim::ReadHost;
+
+class TransactionTest : public TestSupport::HostTest {
+ protected:
+  void SetUp() override {
+    HostTest::SetUp();
+    ReadHost();
+    Reload();
+    before_ = StateFileText();
+  }
+  void Rename(std::string const& name) {
+    ChangeHost(kAreaHost, [&](HostModel& host) { host.hostname = name; });
+  }
+  std::string before_;
+};
+
+TEST_F(TransactionTest, ChangesStayInMemoryUntilCommitWritesThemAtOnce) {
+  ASSERT_EQ(OrvkCtl_BeginTransaction(), nullptr);
+  Rename("one");
+  char const* nested = OrvkCtl_BeginTransaction();  // refused; the first goes on
+  ASSERT_NE(nested, nullptr);
+  EXPECT_STREQ(nested, "A host transaction is already in progress");
+  ChangeHost(kAreaFirewall, [](HostModel& host) { host.firewall.enabled = false; });
+  EXPECT_EQ(ReadHost().hostname, "one");
+  EXPECT_EQ(StateFileText(), before_);
+  EXPECT_EQ(OrvkCtl_CommitTransaction(), nullptr);
+  Reload();
+  EXPECT_EQ(ReadHost().hostname, "one");
+  EXPECT_FALSE(ReadHost().firewall.enabled);
+  // Ended: the next change writes through again.
+  Rename("two");
+  Reload();
+  EXPECT_EQ(ReadHost().hostname, "two");
+}
+
+TEST_F(TransactionTest, RollbackReturnsToTheSavepoint) {
+  ASSERT_EQ(OrvkCtl_BeginTransaction(), nullptr);
+  Rename("kept");
+  OrvkCtl_Savepoint();
+  Rename("dropped");
+  ChangeHost(kAreaFirewall, [](HostModel& host) { host.firewall.dynamic_rules.clear(); });
+  OrvkCtl_RollbackToSavepoint();
+  EXPECT_EQ(ReadHost().hostname, "kept");
+  EXPECT_EQ(ReadHost().firewall.dynamic_rules.size(), 2u);
+  OrvkCtl_RollbackToSavepoint();  // again: still the same point
+  EXPECT_EQ(ReadHost().hostname, "kept");
+  EXPECT_EQ(OrvkCtl_CommitTransaction(), nullptr);
+  Reload();
+  EXPECT_EQ(ReadHost().hostname, "kept");
+  EXPECT_EQ(ReadHost().firewall.dynamic_rules.size(), 2u);
+}
+
+TEST_F(TransactionTest, AbortLeavesTheFileByteForByte) {
+  ASSERT_EQ(OrvkCtl_BeginTransaction(), nullptr);
+  Rename("gone");
+  OrvkCtl_Savepoint();
+  Rename("also gone");
+  OrvkCtl_AbortTransaction();
+  EXPECT_EQ(ReadHost().hostname, "halden-01");
+  EXPECT_EQ(OrvkCtl_CommitTransaction(), nullptr);  // nothing to commit
+  EXPECT_EQ(StateFileText(), before_);
+}
+
+TEST_F(TransactionTest, FailuresComeBackAsMessages) {
+  std::filesystem::create_directory(dir_ + "/folder");
+  setenv("TOOLBASE_HOST_STATE", (dir_ + "/folder").c_str(), 1);
+  Reload();
+  char const* message = OrvkCtl_BeginTransaction();
+  ASSERT_NE(message, nullptr);
+  EXPECT_EQ(std::string(message), "Cannot read host state file " + dir_ + "/folder: Is a directory");
+
+  // A commit that cannot write leaves the file and the host as they were.
+  setenv("TOOLBASE_HOST_STATE", state_path_.c_str(), 1);
+  Reload();
+  ASSERT_EQ(OrvkCtl_BeginTransaction(), nullptr);
+  Rename("unsaved");
+  std::filesystem::remove(state_path_);
+  std::filesystem::create_directory(state_path_);  // rename over it fails
+  message = OrvkCtl_CommitTransaction();
+  ASSERT_NE(message, nullptr);
+  EXPECT_NE(std::string(message).find(state_path_), std::string::npos) << message;
+  EXPECT_EQ(ReadHost().hostname, "halden-01");
+}
+
+}  // namespace
