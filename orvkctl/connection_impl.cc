@@ -20,7 +20,7 @@ uint32_t ProtocolNumber(std::string const& protocol) {
 
 void Collect(std::vector<TcpIpConnection>& out, std::string const& key,
              std::string const& protocol) {
-  auto const& host = Sim::ReadHost();
+  auto const& host = Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime);
   if (!Sim::FindNetstack(host.ip, key)) {
     throw HostCtlException("Netstack instance " + key + " does not exist");
   }
@@ -72,7 +72,7 @@ void ResourceInfoImpl::Refresh() { Sim::CheckFault("ResourceInfoImpl::Refresh");
 
 std::string ResourceInfoImpl::GetWorldName(unsigned long worldId) {
   Sim::CheckFault("ResourceInfoImpl::GetWorldName");
-  for (auto const& world : Sim::ReadHost().runtime.worlds) {
+  for (auto const& world : Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime).runtime.worlds) {
     if (world.id == worldId) return world.name;
   }
   return std::string();

@@ -22,7 +22,7 @@ DcbInfoImpl::~DcbInfoImpl() = default;
 
 void DcbInfoImpl::Refresh() {
   CheckFault("DcbInfoImpl::Refresh");
-  auto const* nic = Sim::FindPnic(Sim::ReadHost().nic, name_);
+  auto const* nic = Sim::FindPnic(Sim::ReadHost(Sim::kAreaNic).nic, name_);
   if (!nic) throw HostCtlException("Physical NIC " + name_ + " not found");
   if (!nic->dcb.supported) throw HostCtlException("DCB is not supported by " + name_);
   cached_ = std::make_unique<Sim::DcbState>(nic->dcb);

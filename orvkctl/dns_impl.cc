@@ -65,7 +65,7 @@ DnsConfigImpl::~DnsConfigImpl() = default;
 
 void DnsConfigImpl::Refresh() {
   CheckFault("DnsConfigImpl::Refresh");
-  auto const& host = Sim::ReadHost();
+  auto const& host = Sim::ReadHost(Sim::kAreaIp);
   RequireNetstack(host, key_);
   servers_.clear();
   domains_.clear();
@@ -149,7 +149,7 @@ std::string DnsConfigImpl::GetSearchDomainsString() {
 void DnsConfigImpl::SaveConfig() {
   CheckFault("DnsConfigImpl::SaveConfig");
   EnsureFresh();
-  Sim::ChangeHost([&](Sim::HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaIp, [&](Sim::HostModel& host) {
     RequireNetstack(host, key_);
     auto& all = host.ip.dns;
     auto found = std::find_if(all.begin(), all.end(), [&](Sim::DnsConfigState const& config) {
@@ -188,7 +188,7 @@ void HostsFile::AddEntryFromUser(std::string const& ip, std::string const& hostN
   if (comment.find_first_of("\r\n") != std::string::npos) {
     throw HostCtlException("The comment must fit on one line");
   }
-  Sim::ChangeHost([&](Sim::HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaIp, [&](Sim::HostModel& host) {
     for (auto const& entry : host.ip.hosts) {
       if (entry.ip == address && SameName(entry.hostname, hostName)) {
         throw HostCtlException("An entry for " + address + " " + hostName + " already exists");
@@ -201,7 +201,7 @@ void HostsFile::AddEntryFromUser(std::string const& ip, std::string const& hostN
 void HostsFile::RemoveEntryFromUser(std::string const& ip, std::string const& hostName) {
   CheckFault("HostsFile::RemoveEntryFromUser");
   std::string address = CanonicalHostAddress(ip);
-  Sim::ChangeHost([&](Sim::HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaIp, [&](Sim::HostModel& host) {
     auto& entries = host.ip.hosts;
     auto found = std::find_if(entries.begin(), entries.end(), [&](Sim::HostsEntryState const& e) {
       return e.ip == address && SameName(e.hostname, hostName);
@@ -216,7 +216,7 @@ void HostsFile::RemoveEntryFromUser(std::string const& ip, std::string const& ho
 HostsFileEntryList HostsFile::GetEntriesFromConfig() {
   CheckFault("HostsFile::GetEntriesFromConfig");
   HostsFileEntryList entries;
-  for (auto const& entry : Sim::ReadHost().ip.hosts) {
+  for (auto const& entry : Sim::ReadHost(Sim::kAreaIp).ip.hosts) {
     entries.push_back(
         std::make_shared<HostsFileEntry>(entry.ip, entry.hostname, entry.aliases, entry.comment));
   }

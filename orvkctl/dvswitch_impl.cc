@@ -16,7 +16,11 @@ DVPort::~DVPort() = default;
 
 std::unique_ptr<DVSwitch> NetworkFactory::GetDVSwitchByName(std::string const& name) {
   OrvkCtl::Sim::CheckFault("NetworkFactory::GetDVSwitchByName");
-  if (!OrvkCtl::Sim::FindDistributedSwitch(OrvkCtl::Sim::ReadHost(OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaNic | OrvkCtl::Sim::kAreaIp | OrvkCtl::Sim::kAreaRuntime).vswitch, name)) {
+  if (!OrvkCtl::Sim::FindDistributedSwitch(
+          OrvkCtl::Sim::ReadHost(OrvkCtl::Sim::kAreaNic | OrvkCtl::Sim::kAreaIp |
+                                 OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime)
+              .vswitch,
+          name)) {
     throw Lib::HostCtlException("Distributed switch " + name + " not found");
   }
   return std::make_unique<OrvkCtl::Network::DVSwitchImpl>(name);
@@ -50,7 +54,8 @@ DistributedSwitchState const& ReadDvs(HostModel const& host, std::string const& 
 }
 
 DistributedSwitchState const& ReadDvs(std::string const& name) {
-  return ReadDvs(Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime), name);
+  return ReadDvs(
+      Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime), name);
 }
 
 DistributedSwitchState const* FindDvsById(HostModel const& host, std::string const& id) {
@@ -155,7 +160,8 @@ int DVSwitchImpl::GetNumPorts() {
 
 std::vector<std::string> DVSwitchImpl::GetConnectedUplinks() {
   CheckFault("DVSwitchImpl::GetConnectedUplinks");
-  HostModel const& host = Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime);
+  HostModel const& host =
+      Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   std::vector<std::string> connected;
   for (auto const& uplink : ReadDvs(host, name_).uplinks) {
     if (Sim::FindPnic(host.nic, uplink)) connected.push_back(uplink);
@@ -165,7 +171,8 @@ std::vector<std::string> DVSwitchImpl::GetConnectedUplinks() {
 
 int DVSwitchImpl::GetNumUsedPorts() {
   CheckFault("DVSwitchImpl::GetNumUsedPorts");
-  HostModel const& host = Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime);
+  HostModel const& host =
+      Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   ReadDvs(host, name_);
   // One port for the switch itself, one per port with a client.
   int used = 1;
@@ -183,7 +190,8 @@ std::string DVSwitchImpl::GetClass() {
 
 std::vector<std::unique_ptr<HostCtl::Network::Port>> DVSwitchImpl::GetPorts() {
   CheckFault("DVSwitchImpl::GetPorts");
-  HostModel const& host = Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime);
+  HostModel const& host =
+      Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   ReadDvs(host, name_);
   std::vector<std::unique_ptr<HostCtl::Network::Port>> ports;
   for (auto const& port : host.runtime.ports) {
@@ -246,24 +254,27 @@ std::vector<HostCtl::Network::LacpGroup> DVSwitchImpl::GetLacpGroups() {
 
 void DVSwitchImpl::SetLacpTimeout(unsigned lagId, bool shortTimeout, std::string const& nic) {
   CheckFault("DVSwitchImpl::SetLacpTimeout");
-  Sim::ChangeHost([&](HostModel& host) {
-    auto* dvs = Sim::FindDistributedSwitch(host.vswitch, name_);
-    if (!dvs) throw HostCtlException("Distributed switch " + name_ + " not found");
-    auto lag = std::find_if(dvs->lags.begin(), dvs->lags.end(),
-                            [&](auto const& l) { return l.id == lagId && l.running; });
-    if (lag == dvs->lags.end()) {
-      throw HostCtlException("No running LAG with ID " + std::to_string(lagId) + " on " + name_);
-    }
-    bool found = nic.empty();
-    for (auto& member : lag->members) {
-      if (!nic.empty() && member.nic != nic) continue;
-      found = true;
-      member.port_state = shortTimeout ? (member.port_state | 0x02) : (member.port_state & ~0x02);
-    }
-    if (!found) {
-      throw HostCtlException("Uplink " + nic + " is not in LAG " + std::to_string(lagId));
-    }
-  });
+  Sim::ChangeHost(
+      Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime, [&](HostModel& host) {
+        auto* dvs = Sim::FindDistributedSwitch(host.vswitch, name_);
+        if (!dvs) throw HostCtlException("Distributed switch " + name_ + " not found");
+        auto lag = std::find_if(dvs->lags.begin(), dvs->lags.end(),
+                                [&](auto const& l) { return l.id == lagId && l.running; });
+        if (lag == dvs->lags.end()) {
+          throw HostCtlException("No running LAG with ID " + std::to_string(lagId) + " on " +
+                                 name_);
+        }
+        bool found = nic.empty();
+        for (auto& member : lag->members) {
+          if (!nic.empty() && member.nic != nic) continue;
+          found = true;
+          member.port_state =
+              shortTimeout ? (member.port_state | 0x02) : (member.port_state & ~0x02);
+        }
+        if (!found) {
+          throw HostCtlException("Uplink " + nic + " is not in LAG " + std::to_string(lagId));
+        }
+      });
 }
 
 std::vector<HostCtl::Network::LagConfig> DVSwitchImpl::GetLagConfigs() {
@@ -344,12 +355,14 @@ DVPortImpl::~DVPortImpl() = default;
 
 void DVPortImpl::Refresh() {
   CheckFault("DVPortImpl::Refresh");
-  ReadDVPort(Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime), switchId_, portId);
+  ReadDVPort(Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime),
+             switchId_, portId);
 }
 
 bool DVPortImpl::IsInUse(std::vector<std::string>& clients) {
   CheckFault("DVPortImpl::IsInUse");
-  HostModel const& host = Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime);
+  HostModel const& host =
+      Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   auto [dvs, port] = ReadDVPort(host, switchId_, portId);
   bool inUse = false;
   for (auto const& switchPort : host.runtime.ports) {
@@ -370,36 +383,49 @@ bool DVPortImpl::IsInUse(std::vector<std::string>& clients) {
 
 std::string DVPortImpl::GetPortName() {
   CheckFault("DVPortImpl::GetPortName");
-  return ReadDVPort(Sim::ReadHost(), switchId_, portId).second->name;
+  return ReadDVPort(
+             Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime),
+             switchId_, portId)
+      .second->name;
 }
 
 std::pair<bool, int> DVPortImpl::GetLacpPortConfig() {
   CheckFault("DVPortImpl::GetLacpPortConfig");
-  auto const* port = ReadDVPort(Sim::ReadHost(), switchId_, portId).second;
+  auto const* port = ReadDVPort(Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch |
+                                              Sim::kAreaRuntime),
+                                switchId_, portId)
+                         .second;
   return {port->lacp_enabled, port->lacp_mode};
 }
 
 std::string DVPortImpl::GetDVPortgroupId() const {
   CheckFault("DVPortImpl::GetDVPortgroupId");
-  return ReadDVPort(Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime), switchId_, portId).second->portgroup_id;
+  return ReadDVPort(
+             Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime),
+             switchId_, portId)
+      .second->portgroup_id;
 }
 
 uint32_t DVPortImpl::GetConnectionId() {
   CheckFault("DVPortImpl::GetConnectionId");
-  return ReadDVPort(Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime), switchId_, portId).second->connection_id;
+  return ReadDVPort(
+             Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime),
+             switchId_, portId)
+      .second->connection_id;
 }
 
 void DVPortImpl::SetConnectionId(uint32_t connectionId) {
   CheckFault("DVPortImpl::SetConnectionId");
-  Sim::ChangeHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime, [&](HostModel& host) {
-    ReadDVPort(host, switchId_, portId);
-    for (auto& dvs : host.vswitch.distributed_switches) {
-      if (dvs.id != switchId_) continue;
-      for (auto& port : dvs.ports) {
-        if (port.id == portId) port.connection_id = connectionId;
-      }
-    }
-  });
+  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime,
+                  [&](HostModel& host) {
+                    ReadDVPort(host, switchId_, portId);
+                    for (auto& dvs : host.vswitch.distributed_switches) {
+                      if (dvs.id != switchId_) continue;
+                      for (auto& port : dvs.ports) {
+                        if (port.id == portId) port.connection_id = connectionId;
+                      }
+                    }
+                  });
   connectionId_ = connectionId;
 }
 
@@ -415,14 +441,18 @@ HostCtl::Network::DVPortParam DVPortImpl::GetDVPortParam() const {
 
 std::string DVPortImpl::GetPortsetName() {
   CheckFault("DVPortImpl::GetPortsetName");
-  auto const* dvs = FindDvsById(Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime), switchId_);
+  auto const* dvs = FindDvsById(
+      Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime),
+      switchId_);
   if (!dvs) throw HostCtlException("Distributed switch with id " + switchId_ + " not found");
   return dvs->name;
 }
 
 bool DVPortImpl::IsValid() {
   CheckFault("DVPortImpl::IsValid");
-  auto const* dvs = FindDvsById(Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime), switchId_);
+  auto const* dvs = FindDvsById(
+      Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime),
+      switchId_);
   return dvs && FindDVPort(*dvs, portId);
 }
 
@@ -431,7 +461,9 @@ bool DVPortImpl::IsValid() {
 std::vector<std::unique_ptr<HostCtl::Network::DVSwitch>> VirtualSwitchInfoImpl::GetDVSwitches() {
   CheckFault("VirtualSwitchInfoImpl::GetDVSwitches");
   std::vector<std::unique_ptr<HostCtl::Network::DVSwitch>> switches;
-  for (auto const& dvs : Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime).vswitch.distributed_switches) {
+  for (auto const& dvs :
+       Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime)
+           .vswitch.distributed_switches) {
     switches.push_back(std::make_unique<DVSwitchImpl>(dvs.name));
   }
   return switches;
@@ -440,30 +472,40 @@ std::vector<std::unique_ptr<HostCtl::Network::DVSwitch>> VirtualSwitchInfoImpl::
 std::unique_ptr<HostCtl::Network::DVSwitch> VirtualSwitchInfoImpl::GetDVSwitchByName(
     std::string const& name) {
   CheckFault("VirtualSwitchInfoImpl::GetDVSwitchByName");
-  if (!Sim::FindDistributedSwitch(Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaRuntime).vswitch, name)) return nullptr;
+  if (!Sim::FindDistributedSwitch(
+          Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime)
+              .vswitch,
+          name))
+    return nullptr;
   return std::make_unique<DVSwitchImpl>(name);
 }
 
 std::vector<std::unique_ptr<HostCtl::Network::DVSwitch>>
 VirtualSwitchInfoImpl::GetOpaqueDVSwitches() {
   CheckFault("VirtualSwitchInfoImpl::GetOpaqueDVSwitches");
-  Sim::ReadHost();
+  Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   return {};
 }
 
 bool VirtualSwitchInfoImpl::IsLegacySwitch(std::string const& name) {
   CheckFault("VirtualSwitchInfoImpl::IsLegacySwitch");
-  return Sim::FindStandardSwitch(Sim::ReadHost().vswitch, name) != nullptr;
+  return Sim::FindStandardSwitch(
+             Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime)
+                 .vswitch,
+             name) != nullptr;
 }
 
 bool VirtualSwitchInfoImpl::IsDVSwitch(std::string const& name) {
   CheckFault("VirtualSwitchInfoImpl::IsDVSwitch");
-  return Sim::FindDistributedSwitch(Sim::ReadHost().vswitch, name) != nullptr;
+  return Sim::FindDistributedSwitch(
+             Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime)
+                 .vswitch,
+             name) != nullptr;
 }
 
 bool VirtualSwitchInfoImpl::IsOpaqueSwitch(std::string const& name) {
   CheckFault("VirtualSwitchInfoImpl::IsOpaqueSwitch");
-  Sim::ReadHost();
+  Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   static_cast<void>(name);
   return false;
 }

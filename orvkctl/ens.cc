@@ -23,7 +23,9 @@ HostCtlException NoLcore(unsigned long id) {
 }
 
 EnsLcoreState const& ReadLcore(unsigned long id) {
-  for (auto const& lcore : OrvkCtl::Sim::ReadHost().runtime.ens.lcores) {
+  for (auto const& lcore :
+       OrvkCtl::Sim::ReadHost(OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime)
+           .runtime.ens.lcores) {
     if (lcore.id == id) return lcore;
   }
   throw NoLcore(id);
@@ -34,13 +36,14 @@ EnsLcoreState const& ReadLcore(unsigned long id) {
 bool ChangeLcore(unsigned long id,
                  std::function<bool(HostModel const&, EnsLcoreState&)> const& change) {
   bool result = false;
-  OrvkCtl::Sim::ChangeHost([&](HostModel& host) {
-    auto& lcores = host.runtime.ens.lcores;
-    auto found = std::find_if(lcores.begin(), lcores.end(),
-                              [id](EnsLcoreState const& lcore) { return lcore.id == id; });
-    if (found == lcores.end()) throw NoLcore(id);
-    result = change(host, *found);
-  });
+  OrvkCtl::Sim::ChangeHost(
+      OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime, [&](HostModel& host) {
+        auto& lcores = host.runtime.ens.lcores;
+        auto found = std::find_if(lcores.begin(), lcores.end(),
+                                  [id](EnsLcoreState const& lcore) { return lcore.id == id; });
+        if (found == lcores.end()) throw NoLcore(id);
+        result = change(host, *found);
+      });
   return result;
 }
 
@@ -53,64 +56,72 @@ bool SwitchExists(HostModel const& host, std::string const& name) {
 
 uint32_t NetworkInfo::GetMaxLcores() {
   CheckFault("NetworkInfo::GetMaxLcores");
-  return OrvkCtl::Sim::ReadHost().runtime.ens.max_lcores;
+  return OrvkCtl::Sim::ReadHost(OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime)
+      .runtime.ens.max_lcores;
 }
 
 bool NetworkInfo::SetMaxLcores(unsigned long maximum) {
   CheckFault("NetworkInfo::SetMaxLcores");
   bool result = false;
-  OrvkCtl::Sim::ChangeHost([&](HostModel& host) {
-    auto& ens = host.runtime.ens;
-    if (maximum < 1 || maximum > ens.lcore_limit) {
-      throw HostCtlException("Maximum number of ENS contexts " + std::to_string(maximum) +
-                             " is out of range 1 to " + std::to_string(ens.lcore_limit));
-    }
-    result = std::all_of(ens.lcores.begin(), ens.lcores.end(),
-                         [maximum](EnsLcoreState const& lcore) { return lcore.id < maximum; });
-    if (result) ens.max_lcores = static_cast<uint32_t>(maximum);
-  });
+  OrvkCtl::Sim::ChangeHost(
+      OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime, [&](HostModel& host) {
+        auto& ens = host.runtime.ens;
+        if (maximum < 1 || maximum > ens.lcore_limit) {
+          throw HostCtlException("Maximum number of ENS contexts " + std::to_string(maximum) +
+                                 " is out of range 1 to " + std::to_string(ens.lcore_limit));
+        }
+        result = std::all_of(ens.lcores.begin(), ens.lcores.end(),
+                             [maximum](EnsLcoreState const& lcore) { return lcore.id < maximum; });
+        if (result) ens.max_lcores = static_cast<uint32_t>(maximum);
+      });
   return result;
 }
 
 bool NetworkInfo::AddLcore(unsigned long lcoreId) {
   CheckFault("NetworkInfo::AddLcore");
-  OrvkCtl::Sim::ChangeHost([&](HostModel& host) {
-    auto& ens = host.runtime.ens;
-    if (lcoreId >= ens.max_lcores) {
-      throw HostCtlException("ENS context id " + std::to_string(lcoreId) +
-                             " is out of range 0 to " + std::to_string(ens.max_lcores - 1));
-    }
-    auto at = std::find_if(ens.lcores.begin(), ens.lcores.end(),
-                           [lcoreId](EnsLcoreState const& lcore) { return lcore.id >= lcoreId; });
-    if (at != ens.lcores.end() && at->id == lcoreId) {
-      throw HostCtlException("ENS context " + std::to_string(lcoreId) + " already exists");
-    }
-    EnsLcoreState lcore;
-    lcore.id = lcoreId;
-    ens.lcores.insert(at, lcore);
-  });
+  OrvkCtl::Sim::ChangeHost(
+      OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime, [&](HostModel& host) {
+        auto& ens = host.runtime.ens;
+        if (lcoreId >= ens.max_lcores) {
+          throw HostCtlException("ENS context id " + std::to_string(lcoreId) +
+                                 " is out of range 0 to " + std::to_string(ens.max_lcores - 1));
+        }
+        auto at =
+            std::find_if(ens.lcores.begin(), ens.lcores.end(),
+                         [lcoreId](EnsLcoreState const& lcore) { return lcore.id >= lcoreId; });
+        if (at != ens.lcores.end() && at->id == lcoreId) {
+          throw HostCtlException("ENS context " + std::to_string(lcoreId) + " already exists");
+        }
+        EnsLcoreState lcore;
+        lcore.id = lcoreId;
+        ens.lcores.insert(at, lcore);
+      });
   return true;
 }
 
 bool NetworkInfo::RemoveLcore(unsigned long lcoreId) {
   CheckFault("NetworkInfo::RemoveLcore");
   bool result = false;
-  OrvkCtl::Sim::ChangeHost([&](HostModel& host) {
-    auto& lcores = host.runtime.ens.lcores;
-    auto found = std::find_if(lcores.begin(), lcores.end(), [lcoreId](EnsLcoreState const& lcore) {
-      return lcore.id == lcoreId;
-    });
-    if (found == lcores.end()) throw NoLcore(lcoreId);
-    result = found->switch_name == kNoSwitch;
-    if (result) lcores.erase(found);
-  });
+  OrvkCtl::Sim::ChangeHost(
+      OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime, [&](HostModel& host) {
+        auto& lcores = host.runtime.ens.lcores;
+        auto found =
+            std::find_if(lcores.begin(), lcores.end(),
+                         [lcoreId](EnsLcoreState const& lcore) { return lcore.id == lcoreId; });
+        if (found == lcores.end()) throw NoLcore(lcoreId);
+        result = found->switch_name == kNoSwitch;
+        if (result) lcores.erase(found);
+      });
   return result;
 }
 
 std::vector<unsigned long> NetworkInfo::GetLcoreList() {
   CheckFault("NetworkInfo::GetLcoreList");
   std::vector<unsigned long> ids;
-  for (auto const& lcore : OrvkCtl::Sim::ReadHost().runtime.ens.lcores) ids.push_back(lcore.id);
+  for (auto const& lcore :
+       OrvkCtl::Sim::ReadHost(OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime)
+           .runtime.ens.lcores)
+    ids.push_back(lcore.id);
   return ids;
 }
 

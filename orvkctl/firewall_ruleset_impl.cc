@@ -27,14 +27,14 @@ HostCtlException NoSuchRuleset(std::string const& id) {
 }
 
 FirewallRulesetState const& ReadRuleset(std::string const& id) {
-  auto const* ruleset = Sim::FindRuleset(Sim::ReadHost().firewall, id);
+  auto const* ruleset = Sim::FindRuleset(Sim::ReadHost(Sim::kAreaFirewall).firewall, id);
   if (!ruleset) throw NoSuchRuleset(id);
   return *ruleset;
 }
 
 void ChangeRuleset(std::string const& id,
                    std::function<void(FirewallRulesetState&)> const& change) {
-  Sim::ChangeHost([&](Sim::HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaFirewall, [&](Sim::HostModel& host) {
     auto* ruleset = Sim::FindRuleset(host.firewall, id);
     if (!ruleset) throw NoSuchRuleset(id);
     change(*ruleset);
@@ -64,7 +64,7 @@ FirewallRulesetImpl::~FirewallRulesetImpl() = default;
 
 void FirewallRulesetImpl::Refresh() {
   CheckFault("FirewallRulesetImpl::Refresh");
-  Sim::ReadHost();
+  Sim::ReadHost(Sim::kAreaFirewall);
 }
 
 std::string FirewallRulesetImpl::GetRulesetId() const {
@@ -76,7 +76,7 @@ std::string FirewallRulesetImpl::GetRulesetId() const {
 
 bool FirewallRulesetImpl::IsLoaded() {
   CheckFault("FirewallRulesetImpl::IsLoaded");
-  return Sim::FindRuleset(Sim::ReadHost().firewall, id_) != nullptr;
+  return Sim::FindRuleset(Sim::ReadHost(Sim::kAreaFirewall).firewall, id_) != nullptr;
 }
 
 bool FirewallRulesetImpl::IsEnabled() {
@@ -122,8 +122,7 @@ HostCtl::System::FirewallRuleList FirewallRulesetImpl::GetRules() {
   HostCtl::System::FirewallRuleList rules;
   for (auto const& rule : ReadRuleset(id_).rules) {
     rules.push_back(std::make_unique<HostCtl::System::FirewallRule>(
-        rule.name, rule.port_type, rule.port_begin, rule.port_end, rule.direction,
-        rule.protocol));
+        rule.name, rule.port_type, rule.port_begin, rule.port_end, rule.direction, rule.protocol));
   }
   return rules;
 }
@@ -187,7 +186,7 @@ bool FirewallRulesetImpl::IsAllowedAll() {
 HostCtl::System::FirewallRulesetList SystemInfoImpl::GetFirewallRulesets() {
   CheckFault("SystemInfoImpl::GetFirewallRulesets");
   HostCtl::System::FirewallRulesetList rulesets;
-  for (auto const& ruleset : Sim::ReadHost().firewall.rulesets) {
+  for (auto const& ruleset : Sim::ReadHost(Sim::kAreaFirewall).firewall.rulesets) {
     rulesets.push_back(std::make_unique<FirewallRulesetImpl>(ruleset.id));
   }
   return rulesets;

@@ -65,7 +65,7 @@ IpSecConfigImpl::~IpSecConfigImpl() = default;
 
 void IpSecConfigImpl::Refresh() {
   CheckFault("IpSecConfigImpl::Refresh");
-  Sim::ReadHost();
+  Sim::ReadHost(Sim::kAreaIp);
 }
 
 Net::IpSecMode IpSecConfigImpl::StringToIpSecMode(std::string const& text) {
@@ -150,7 +150,7 @@ void IpSecConfigImpl::AddSADConfig(Net::IpSecSadParam const& param) {
   record.encrypt_key = param.encryptKey;
   record.auth_algo = param.authAlgo;
   record.auth_key = param.authKey;
-  Sim::ChangeHost([&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaIp, [&](HostModel& host) {
     for (auto const& sa : host.ip.ipsec_sas) {
       if (sa.name == record.name) {
         throw HostCtlException("Security Association " + record.name + " already exists");
@@ -178,7 +178,7 @@ void OrphanPolicies(HostModel& host, std::string const& name) {
 
 void IpSecConfigImpl::RemoveSADConfig(std::string const& name) {
   CheckFault("IpSecConfigImpl::RemoveSADConfig");
-  Sim::ChangeHost([&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaIp, [&](HostModel& host) {
     auto& sas = host.ip.ipsec_sas;
     auto it = std::find_if(sas.begin(), sas.end(),
                            [&](auto const& sa) { return sa.name == name && !sa.automatic; });
@@ -192,7 +192,7 @@ void IpSecConfigImpl::RemoveAutoSADConfig(Net::IpSecSadParam const& param) {
   CheckFault("IpSecConfigImpl::RemoveAutoSADConfig");
   std::string source = Canonical(param.source);
   std::string destination = Canonical(param.destination);
-  Sim::ChangeHost([&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaIp, [&](HostModel& host) {
     auto& sas = host.ip.ipsec_sas;
     auto it = std::find_if(sas.begin(), sas.end(), [&](auto const& sa) {
       return sa.automatic && sa.spi == param.spi && sa.source == source &&
@@ -208,7 +208,7 @@ void IpSecConfigImpl::RemoveAutoSADConfig(Net::IpSecSadParam const& param) {
 
 void IpSecConfigImpl::FlushSADConfig() {
   CheckFault("IpSecConfigImpl::FlushSADConfig");
-  Sim::ChangeHost([&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaIp, [&](HostModel& host) {
     for (auto const& sa : host.ip.ipsec_sas) {
       if (!sa.automatic) OrphanPolicies(host, sa.name);
     }
@@ -219,7 +219,7 @@ void IpSecConfigImpl::FlushSADConfig() {
 void IpSecConfigImpl::GetSADConfigList(std::list<Net::IpSecSadParam>& list) {
   CheckFault("IpSecConfigImpl::GetSADConfigList");
   list.clear();
-  for (auto const& sa : Sim::ReadHost().ip.ipsec_sas) {
+  for (auto const& sa : Sim::ReadHost(Sim::kAreaIp).ip.ipsec_sas) {
     Net::IpSecSadParam param;
     param.name = sa.name;
     param.state = static_cast<Net::IpSecSaState>(sa.state);
@@ -262,7 +262,7 @@ void IpSecConfigImpl::AddSPDConfig(Net::IpSecSpdParam const& param) {
   record.action = param.action;
   record.mode = param.mode;
   record.sa_name = param.saName;
-  Sim::ChangeHost([&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaIp, [&](HostModel& host) {
     for (auto const& sp : host.ip.ipsec_sps) {
       if (sp.name == record.name) {
         throw HostCtlException("Security Policy " + record.name + " already exists");
@@ -282,7 +282,7 @@ void IpSecConfigImpl::AddSPDConfig(Net::IpSecSpdParam const& param) {
 
 void IpSecConfigImpl::RemoveSPDConfig(std::string const& name) {
   CheckFault("IpSecConfigImpl::RemoveSPDConfig");
-  Sim::ChangeHost([&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaIp, [&](HostModel& host) {
     auto& sps = host.ip.ipsec_sps;
     auto it = std::find_if(sps.begin(), sps.end(), [&](auto const& sp) { return sp.name == name; });
     if (it == sps.end()) throw HostCtlException("Security Policy " + name + " not found");
@@ -292,13 +292,13 @@ void IpSecConfigImpl::RemoveSPDConfig(std::string const& name) {
 
 void IpSecConfigImpl::FlushSPDConfig() {
   CheckFault("IpSecConfigImpl::FlushSPDConfig");
-  Sim::ChangeHost([&](HostModel& host) { host.ip.ipsec_sps.clear(); });
+  Sim::ChangeHost(Sim::kAreaIp, [&](HostModel& host) { host.ip.ipsec_sps.clear(); });
 }
 
 void IpSecConfigImpl::GetSPDConfigList(std::list<Net::IpSecSpdParam>& list) {
   CheckFault("IpSecConfigImpl::GetSPDConfigList");
   list.clear();
-  for (auto const& sp : Sim::ReadHost().ip.ipsec_sps) {
+  for (auto const& sp : Sim::ReadHost(Sim::kAreaIp).ip.ipsec_sps) {
     Net::IpSecSpdParam param;
     param.name = sp.name;
     param.source = Net::Ipv6Address(sp.source);

@@ -75,7 +75,7 @@ void Join(std::vector<OrvkNic::MulticastGroup>& groups, std::string const& inter
 
 void OrvkNicImpl::GetMulticastGroups(std::vector<MulticastGroup>& groups) {
   Sim::CheckFault("OrvkNicImpl::GetMulticastGroups");
-  auto const* nic = Sim::FindInterface(Sim::ReadHost().ip, name_);
+  auto const* nic = Sim::FindInterface(Sim::ReadHost(Sim::kAreaIp).ip, name_);
   if (!nic) {
     throw HostCtl::Lib::HostCtlException("Orvik network interface " + name_ + " not found");
   }

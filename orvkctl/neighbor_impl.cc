@@ -20,7 +20,7 @@ using Sim::NeighborState;
 using Sim::NetstackRoutes;
 
 NetstackRoutes const& ReadTables(std::string const& key) {
-  auto const* routes = Sim::FindNetstackRoutes(Sim::ReadHost().ip, key);
+  auto const* routes = Sim::FindNetstackRoutes(Sim::ReadHost(Sim::kAreaIp).ip, key);
   if (!routes) throw HostCtlException("Netstack instance " + key + " does not exist");
   return *routes;
 }
@@ -33,7 +33,7 @@ std::string TypeWord(uint32_t flags) {
 // empty) from the chosen table of instance `key`.
 void RemoveNeighbor(std::string const& key, bool ipv6, std::string const& address,
                     std::string const& interfaceName) {
-  Sim::ChangeHost([&](Sim::HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaIp, [&](Sim::HostModel& host) {
     auto* routes = Sim::FindNetstackRoutes(host.ip, key);
     if (!routes) throw HostCtlException("Netstack instance " + key + " does not exist");
     auto& table = ipv6 ? routes->ipv6_neighbors : routes->ipv4_neighbors;

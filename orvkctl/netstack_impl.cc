@@ -43,7 +43,7 @@ NetstackState const& ReadNetstack(HostModel const& host, std::string const& key)
 
 void ChangeNetstack(std::string const& key,
                     std::function<void(HostModel&, NetstackState&)> const& change) {
-  Sim::ChangeHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch, [&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime, [&](HostModel& host) {
     auto* netstack = Sim::FindNetstack(host.ip, key);
     if (!netstack) throw UnknownNetstack(key);
     change(host, *netstack);
@@ -152,7 +152,8 @@ std::vector<std::string> NetstackInstanceImpl::GetCongestionControlAlgorithmList
 
 void NetstackInstanceImpl::Refresh() {
   CheckFault("NetstackInstanceImpl::Refresh");
-  auto const* netstack = Sim::FindNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch).ip, key_);
+  auto const* netstack = Sim::FindNetstack(
+      Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).ip, key_);
   if (!netstack) {
     if (detached_) return;
     throw UnknownNetstack(key_);
@@ -189,8 +190,12 @@ void NetstackInstanceImpl::SetInstanceName(std::string const& name, bool /*persi
 
 uint32_t NetstackInstanceImpl::GetMaxConnections() {
   CheckFault("NetstackInstanceImpl::GetMaxConnections");
-  if (detached_ && !Sim::FindNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch).ip, key_)) return maxConnections_;
-  return ReadNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch), key_).max_connections;
+  if (detached_ &&
+      !Sim::FindNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).ip,
+                         key_))
+    return maxConnections_;
+  return ReadNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime), key_)
+      .max_connections;
 }
 
 void NetstackInstanceImpl::SetMaxConnections(uint32_t maxConnections, bool /*persist*/) {
@@ -204,8 +209,12 @@ void NetstackInstanceImpl::SetMaxConnections(uint32_t maxConnections, bool /*per
 
 std::string NetstackInstanceImpl::GetCongestionControlAlgorithm() {
   CheckFault("NetstackInstanceImpl::GetCongestionControlAlgorithm");
-  if (detached_ && !Sim::FindNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch).ip, key_)) return ccAlgorithm_;
-  return ReadNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch), key_).cc_algorithm;
+  if (detached_ &&
+      !Sim::FindNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).ip,
+                         key_))
+    return ccAlgorithm_;
+  return ReadNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime), key_)
+      .cc_algorithm;
 }
 
 void NetstackInstanceImpl::SetCongestionControlAlgorithm(std::string const& algorithm,
@@ -288,7 +297,8 @@ uint32_t NetstackInstanceImpl::GetFlags() {
 HostCtl::Network::NetstackInstanceList NetworkInfoImpl::ListNetstackInstances() {
   CheckFault("NetworkInfoImpl::ListNetstackInstances");
   HostCtl::Network::NetstackInstanceList list;
-  for (auto const& netstack : Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch).ip.netstacks) {
+  for (auto const& netstack :
+       Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).ip.netstacks) {
     list.push_back(std::make_unique<NetstackInstanceImpl>(netstack.key));
   }
   return list;
@@ -297,7 +307,9 @@ HostCtl::Network::NetstackInstanceList NetworkInfoImpl::ListNetstackInstances() 
 std::unique_ptr<NetstackInstance> NetworkInfoImpl::LookupNetstackInstanceByKey(
     std::string const& key) {
   CheckFault("NetworkInfoImpl::LookupNetstackInstanceByKey");
-  if (!Sim::FindNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch).ip, key)) return nullptr;
+  if (!Sim::FindNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).ip,
+                         key))
+    return nullptr;
   return std::make_unique<NetstackInstanceImpl>(key);
 }
 
@@ -306,7 +318,8 @@ void NetworkInfoImpl::AddNetstackInstance(NetstackInstance* instance, bool confi
   if (!instance) throw HostCtlException("No netstack instance given");
   std::string key = instance->GetInstanceKey();
   CheckKey(key);
-  if (Sim::FindNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch).ip, key)) {
+  if (Sim::FindNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).ip,
+                        key)) {
     throw HostCtlException("Netstack instance " + key + " already exists");
   }
   NetstackState netstack;
@@ -321,7 +334,7 @@ void NetworkInfoImpl::AddNetstackInstance(NetstackInstance* instance, bool confi
   CheckAlgorithm(netstack.cc_algorithm);
   CheckEcn(netstack.ecn_status);
   if (!configOnly) BringUp(netstack);
-  Sim::ChangeHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch, [&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime, [&](HostModel& host) {
     if (Sim::FindNetstack(host.ip, key)) {
       throw HostCtlException("Netstack instance " + key + " already exists");
     }
@@ -358,18 +371,20 @@ void NetworkInfoImpl::RemoveNetstackInstance(std::string const& key, bool kernel
 
 uint32_t NetworkInfoImpl::GetNetstackInstanceState(std::string const& key) {
   CheckFault("NetworkInfoImpl::GetNetstackInstanceState");
-  auto const* netstack = Sim::FindNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch).ip, key);
+  auto const* netstack = Sim::FindNetstack(
+      Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).ip, key);
   return netstack ? netstack->state : 0;
 }
 
 bool NetworkInfoImpl::IsOrvkIpv6Enabled() {
   CheckFault("NetworkInfoImpl::IsOrvkIpv6Enabled");
-  return Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch).ip.ipv6_enabled;
+  return Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).ip.ipv6_enabled;
 }
 
 void NetworkInfoImpl::SetOrvkIpv6Enabled(bool enabled) {
   CheckFault("NetworkInfoImpl::SetOrvkIpv6Enabled");
-  Sim::ChangeHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch, [&](HostModel& host) { host.ip.ipv6_enabled = enabled; });
+  Sim::ChangeHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime,
+                  [&](HostModel& host) { host.ip.ipv6_enabled = enabled; });
 }
 
 }  // namespace OrvkCtl::Network

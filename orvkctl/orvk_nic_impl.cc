@@ -52,15 +52,19 @@ InterfaceState const& ReadNic(HostModel const& host, std::string const& name) {
   return *nic;
 }
 
-InterfaceState const& ReadNic(std::string const& name) { return ReadNic(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch | Sim::kAreaNic), name); }
+InterfaceState const& ReadNic(std::string const& name) {
+  return ReadNic(
+      Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime), name);
+}
 
 void ChangeNic(std::string const& name,
                std::function<void(HostModel&, InterfaceState&)> const& change) {
-  Sim::ChangeHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch | Sim::kAreaNic, [&](HostModel& host) {
-    auto* nic = Sim::FindInterface(host.ip, name);
-    if (!nic) throw NotFound(name);
-    change(host, *nic);
-  });
+  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime,
+                  [&](HostModel& host) {
+                    auto* nic = Sim::FindInterface(host.ip, name);
+                    if (!nic) throw NotFound(name);
+                    change(host, *nic);
+                  });
 }
 
 IpConfig ToConfig(IpConfigState const& state) {
@@ -461,7 +465,8 @@ void OrvkNicImpl::SetIpConfig(IpConfig config) {
 
 std::unique_ptr<ConnectionPoint> OrvkNicImpl::GetConnectionPoint() {
   CheckFault("OrvkNicImpl::GetConnectionPoint");
-  HostModel const& host = Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch | Sim::kAreaNic);
+  HostModel const& host =
+      Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   auto const& nic = ReadNic(host, name_);
   if (nic.connection_type == ConnectionPoint::PortGroupConnection) {
     if (!Sim::FindPortGroup(host.vswitch, nic.portgroup)) return nullptr;
@@ -472,7 +477,8 @@ std::unique_ptr<ConnectionPoint> OrvkNicImpl::GetConnectionPoint() {
 
 std::unique_ptr<HostCtl::Network::OrvkNicPort> OrvkNicImpl::GetPort() {
   CheckFault("OrvkNicImpl::GetPort");
-  HostModel const& host = Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch | Sim::kAreaNic);
+  HostModel const& host =
+      Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   ReadNic(host, name_);
   auto const* port = PortOf(host, name_);
   if (!port) return nullptr;
@@ -496,16 +502,17 @@ bool OrvkNicImpl::IsEnabled() {
 
 void OrvkNicImpl::Remove() {
   CheckFault("OrvkNicImpl::Remove");
-  Sim::ChangeHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch | Sim::kAreaNic, [&](HostModel& host) {
-    auto& all = host.ip.interfaces;
-    auto it = std::find_if(all.begin(), all.end(),
-                           [&](InterfaceState const& nic) { return nic.name == name_; });
-    if (it == all.end()) throw NotFound(name_);
-    DropRoutes(host, *it);
-    CountClient(host, *it, -1);
-    ClosePort(host, it->name);
-    all.erase(it);
-  });
+  Sim::ChangeHost(
+      Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime, [&](HostModel& host) {
+        auto& all = host.ip.interfaces;
+        auto it = std::find_if(all.begin(), all.end(),
+                               [&](InterfaceState const& nic) { return nic.name == name_; });
+        if (it == all.end()) throw NotFound(name_);
+        DropRoutes(host, *it);
+        CountClient(host, *it, -1);
+        ClosePort(host, it->name);
+        all.erase(it);
+      });
   MarkStale();
 }
 
@@ -569,7 +576,9 @@ namespace {
 
 HostCtl::Network::OrvkNicList Select(std::function<bool(InterfaceState const&)> const& keep) {
   HostCtl::Network::OrvkNicList nics;
-  for (auto const& nic : Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch | Sim::kAreaNic).ip.interfaces) {
+  for (auto const& nic :
+       Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime)
+           .ip.interfaces) {
     if (keep(nic)) nics.push_back(std::make_unique<OrvkNicImpl>(nic.name));
   }
   return nics;
@@ -590,7 +599,9 @@ HostCtl::Network::OrvkNicList OrvikNicInfoImpl::GetOrvikNicsByInstanceKey(std::s
 void OrvikNicInfoImpl::GetOrvikNicNamesByInstanceKey(std::vector<std::string>& names,
                                                      std::string const& key) {
   CheckFault("OrvikNicInfoImpl::GetOrvikNicNamesByInstanceKey");
-  for (auto const& nic : Sim::ReadHost().ip.interfaces) {
+  for (auto const& nic :
+       Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime)
+           .ip.interfaces) {
     if (nic.netstack == key) names.push_back(nic.name);
   }
 }
@@ -604,7 +615,10 @@ HostCtl::Network::OrvkNicList OrvikNicInfoImpl::GetOrvikNicsByTag(OrvkNicTagType
 
 std::unique_ptr<OrvkNic> OrvikNicInfoImpl::GetOrvikNicByInterface(std::string const& name, bool) {
   CheckFault("OrvikNicInfoImpl::GetOrvikNicByInterface");
-  if (!Sim::FindInterface(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch | Sim::kAreaNic).ip, name)) return nullptr;
+  if (!Sim::FindInterface(
+          Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).ip,
+          name))
+    return nullptr;
   return std::make_unique<OrvkNicImpl>(name);
 }
 
@@ -615,54 +629,59 @@ std::unique_ptr<OrvkNic> OrvikNicInfoImpl::AddOrvikNic(
   static const std::regex kName("orvk([0-9]|[1-9][0-9]|1[0-9][0-9]|2[0-4][0-9]|25[0-5])");
   InterfaceState nic = Attach(point);
   std::string made;
-  Sim::ChangeHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch | Sim::kAreaNic, [&](HostModel& host) {
-    if (!NetstackExists(host, key)) {
-      throw HostCtlException("Netstack instance " + key + " does not exist");
-    }
-    for (auto const& other : host.ip.interfaces) {
-      if (SameConnection(other, nic)) {
-        throw HostCtlException("The " + Describe(nic) + " already has the interface " + other.name);
-      }
-    }
-    nic.name = name.empty() ? FreeName(host) : name;
-    if (!std::regex_match(nic.name, kName)) {
-      throw HostCtlException("Invalid interface name " + nic.name +
-                             ": it must be orvk0 to orvk255");
-    }
-    if (Sim::FindInterface(host.ip, nic.name)) {
-      throw HostCtlException("Orvik network interface " + nic.name + " already exists");
-    }
-    if (mac == MacAddress()) {
-      nic.mac = FreeMac(host);
-    } else {
-      nic.mac = mac.GetStringAddress();
-      if (mac.GetBytes()[0] & 0x01) {
-        throw HostCtlException("Invalid MAC address " + nic.mac + ": it is a multicast address");
-      }
-      for (auto const& other : host.ip.interfaces) {
-        if (other.mac == nic.mac) {
-          throw HostCtlException("MAC address " + nic.mac + " is already in use by " + other.name);
+  Sim::ChangeHost(
+      Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime, [&](HostModel& host) {
+        if (!NetstackExists(host, key)) {
+          throw HostCtlException("Netstack instance " + key + " does not exist");
         }
-      }
-    }
-    nic.mtu = mtu == 0 ? kDefaultMtu : mtu;
-    CheckMtu(nic.name, nic.mtu);
-    if (numRxQueue > kMaxRxQueues) {
-      throw HostCtlException("Invalid number of RX dispatch queues " + std::to_string(numRxQueue) +
-                             ": at most " + std::to_string(kMaxRxQueues));
-    }
-    nic.num_rx_queue = numRxQueue == 0 ? 1 : numRxQueue;
-    nic.netstack = key;
-    CheckDVPortFree(host, nic);
-    CheckIpv4(host, nic, config);
-    nic.ip = ToState(config);
-    nic.configured_ip = nic.ip;
-    CountClient(host, nic, +1);
-    OpenPort(host, nic);
-    host.ip.interfaces.push_back(nic);
-    SyncOnLinkRoutes(host, nic);
-    made = nic.name;
-  });
+        for (auto const& other : host.ip.interfaces) {
+          if (SameConnection(other, nic)) {
+            throw HostCtlException("The " + Describe(nic) + " already has the interface " +
+                                   other.name);
+          }
+        }
+        nic.name = name.empty() ? FreeName(host) : name;
+        if (!std::regex_match(nic.name, kName)) {
+          throw HostCtlException("Invalid interface name " + nic.name +
+                                 ": it must be orvk0 to orvk255");
+        }
+        if (Sim::FindInterface(host.ip, nic.name)) {
+          throw HostCtlException("Orvik network interface " + nic.name + " already exists");
+        }
+        if (mac == MacAddress()) {
+          nic.mac = FreeMac(host);
+        } else {
+          nic.mac = mac.GetStringAddress();
+          if (mac.GetBytes()[0] & 0x01) {
+            throw HostCtlException("Invalid MAC address " + nic.mac +
+                                   ": it is a multicast address");
+          }
+          for (auto const& other : host.ip.interfaces) {
+            if (other.mac == nic.mac) {
+              throw HostCtlException("MAC address " + nic.mac + " is already in use by " +
+                                     other.name);
+            }
+          }
+        }
+        nic.mtu = mtu == 0 ? kDefaultMtu : mtu;
+        CheckMtu(nic.name, nic.mtu);
+        if (numRxQueue > kMaxRxQueues) {
+          throw HostCtlException("Invalid number of RX dispatch queues " +
+                                 std::to_string(numRxQueue) + ": at most " +
+                                 std::to_string(kMaxRxQueues));
+        }
+        nic.num_rx_queue = numRxQueue == 0 ? 1 : numRxQueue;
+        nic.netstack = key;
+        CheckDVPortFree(host, nic);
+        CheckIpv4(host, nic, config);
+        nic.ip = ToState(config);
+        nic.configured_ip = nic.ip;
+        CountClient(host, nic, +1);
+        OpenPort(host, nic);
+        host.ip.interfaces.push_back(nic);
+        SyncOnLinkRoutes(host, nic);
+        made = nic.name;
+      });
   return std::make_unique<OrvkNicImpl>(made);
 }
 
@@ -670,20 +689,21 @@ void OrvikNicInfoImpl::RemoveOrvikNic(ConnectionPoint* point, std::string const&
   CheckFault("OrvikNicInfoImpl::RemoveOrvikNic");
   if (!point) throw HostCtlException("No connection point given for the Orvik network interface");
   InterfaceState wanted = Attach(point);
-  Sim::ChangeHost(Sim::kAreaIp | Sim::kAreaRuntime | Sim::kAreaVswitch | Sim::kAreaNic, [&](HostModel& host) {
-    auto& all = host.ip.interfaces;
-    auto it = std::find_if(all.begin(), all.end(), [&](InterfaceState const& nic) {
-      return nic.netstack == key && SameConnection(nic, wanted);
-    });
-    if (it == all.end()) {
-      throw HostCtlException("No Orvik network interface on " + Describe(wanted) + " in netstack " +
-                             key);
-    }
-    DropRoutes(host, *it);
-    CountClient(host, *it, -1);
-    ClosePort(host, it->name);
-    all.erase(it);
-  });
+  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime,
+                  [&](HostModel& host) {
+                    auto& all = host.ip.interfaces;
+                    auto it = std::find_if(all.begin(), all.end(), [&](InterfaceState const& nic) {
+                      return nic.netstack == key && SameConnection(nic, wanted);
+                    });
+                    if (it == all.end()) {
+                      throw HostCtlException("No Orvik network interface on " + Describe(wanted) +
+                                             " in netstack " + key);
+                    }
+                    DropRoutes(host, *it);
+                    CountClient(host, *it, -1);
+                    ClosePort(host, it->name);
+                    all.erase(it);
+                  });
 }
 
 }  // namespace OrvkCtl::Network

@@ -29,7 +29,7 @@ Sim::PnicState const* TrunkOf(Sim::NicArea const& area, std::string const& branc
 void PnicImpl::AddAttachment(std::string const& branch, uint16_t vlanId) {
   CheckFault("PnicImpl::AddAttachment");
   uint16_t const maxVlan = HostCtl::Network::PortGroup::MAX_VLAN_ID - 1;
-  Sim::ChangeHost([&](Sim::HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaNic, [&](Sim::HostModel& host) {
     auto* trunk = Sim::FindPnic(host.nic, name_);
     if (!trunk) throw HostCtlException("Physical NIC " + name_ + " not found");
     auto const* target = Sim::FindPnic(host.nic, branch);

@@ -34,12 +34,14 @@ GroupRef ReadGroup(HostModel const& host, std::string const& name) {
   return {owner, group};
 }
 
-GroupRef ReadGroup(std::string const& name) { return ReadGroup(Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic), name); }
+GroupRef ReadGroup(std::string const& name) {
+  return ReadGroup(Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch), name);
+}
 
 // Applies `change` to the group and its switch, inside one host change.
 void ChangeGroup(std::string const& name,
                  std::function<void(StandardSwitchState&, PortGroupState&)> const& change) {
-  Sim::ChangeHost(Sim::kAreaVswitch | Sim::kAreaNic, [&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](HostModel& host) {
     StandardSwitchState* owner = nullptr;
     auto* group = Sim::FindPortGroup(host.vswitch, name, &owner);
     if (!group) throw HostCtlException(NotFound(name));
@@ -106,7 +108,7 @@ void PortGroupImpl::ApplySecurityPolicy(PortSecurityPolicy const& policy) {
 
 NicTeamingPolicy PortGroupImpl::GetEffectiveTeamingPolicy() {
   CheckFault("PortGroupImpl::GetEffectiveTeamingPolicy");
-  HostModel const& host = Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic);
+  HostModel const& host = Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch);
   auto ref = ReadGroup(host, name_);
   return Sim::EffectiveTeaming(host, *ref.vswitch, *ref.group);
 }
@@ -168,7 +170,8 @@ std::string PortGroupImpl::GetPortsetName() {
 
 bool PortGroupImpl::IsValid() {
   CheckFault("PortGroupImpl::IsValid");
-  return Sim::FindPortGroup(Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic).vswitch, name_) != nullptr;
+  return Sim::FindPortGroup(Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch).vswitch, name_) !=
+         nullptr;
 }
 
 }  // namespace OrvkCtl::Network
@@ -178,7 +181,8 @@ namespace OrvkCtl::Network {
 std::vector<std::unique_ptr<HostCtl::Network::PortGroup>> NetworkInfoImpl::GetAllPortGroups() {
   CheckFault("NetworkInfoImpl::GetAllPortGroups");
   std::vector<std::unique_ptr<HostCtl::Network::PortGroup>> groups;
-  for (auto const& vswitch : Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic).vswitch.standard_switches) {
+  for (auto const& vswitch :
+       Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch).vswitch.standard_switches) {
     for (auto const& group : vswitch.port_groups) {
       groups.push_back(std::make_unique<PortGroupImpl>(group.name));
     }

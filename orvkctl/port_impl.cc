@@ -15,7 +15,9 @@ using HostCtl::Lib::HostCtlException;
 using Sim::CheckFault;
 
 Sim::PortState const& ReadPort(int id) {
-  auto const* port = Sim::FindPort(Sim::ReadHost(Sim::kAreaRuntime | Sim::kAreaVswitch).runtime, static_cast<uint32_t>(id));
+  auto const* port = Sim::FindPort(
+      Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).runtime,
+      static_cast<uint32_t>(id));
   if (!port || id < 0) throw HostCtlException("Port " + std::to_string(id) + " not found");
   return *port;
 }
@@ -112,7 +114,8 @@ std::vector<HostCtl::Network::MacAddress> PortImpl::GetMacAddresses() {
 
 HostCtl::Network::Ipv4Address PortImpl::GetPortClientIpv4Address() {
   CheckFault("PortImpl::GetPortClientIpv4Address");
-  Sim::HostModel const& host = Sim::ReadHost();
+  Sim::HostModel const& host =
+      Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   auto const* port = Sim::FindPort(host.runtime, static_cast<uint32_t>(id_));
   if (!port || id_ < 0) throw HostCtlException("Port " + std::to_string(id_) + " not found");
   if (!port->client_ipv4.empty()) return HostCtl::Network::Ipv4Address(port->client_ipv4);
@@ -126,7 +129,8 @@ HostCtl::Network::Ipv4Address PortImpl::GetPortClientIpv4Address() {
 
 std::string PortImpl::GetSchedTeamUplink() {
   CheckFault("PortImpl::GetSchedTeamUplink");
-  Sim::HostModel const& host = Sim::ReadHost();
+  Sim::HostModel const& host =
+      Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   auto const* port = Sim::FindPort(host.runtime, static_cast<uint32_t>(id_));
   if (!port || id_ < 0) throw HostCtlException("Port " + std::to_string(id_) + " not found");
   if (!port->team_uplink.empty()) return port->team_uplink;
@@ -146,7 +150,8 @@ std::string PortImpl::GetSchedTeamUplink() {
 
 std::vector<std::unique_ptr<HostCtl::Network::Port>> PortsetImpl::GetPorts() {
   CheckFault("PortsetImpl::GetPorts");
-  Sim::HostModel const& host = Sim::ReadHost(Sim::kAreaRuntime | Sim::kAreaVswitch);
+  Sim::HostModel const& host =
+      Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   if (!Sim::FindStandardSwitch(host.vswitch, name_)) {
     throw HostCtlException("Virtual switch " + name_ + " not found");
   }

@@ -13,7 +13,7 @@ using HostCtl::Lib::HostCtlException;
 using Sim::CheckFault;
 
 Sim::PnicState const& SriovNic(std::string const& name) {
-  auto const* nic = Sim::FindPnic(Sim::ReadHost().nic, name);
+  auto const* nic = Sim::FindPnic(Sim::ReadHost(Sim::kAreaNic).nic, name);
   if (!nic) throw HostCtlException("Physical NIC " + name + " not found");
   if (!nic->sriov.enabled)
     throw HostCtlException("Physical NIC " + name + " is not SR-IOV enabled");
@@ -25,7 +25,7 @@ Sim::PnicState const& SriovNic(std::string const& name) {
 HostCtl::Network::PnicList NetworkInfoImpl::GetSriovNics() {
   CheckFault("NetworkInfoImpl::GetSriovNics");
   HostCtl::Network::PnicList pnics;
-  for (auto const& nic : Sim::ReadHost().nic.pnics) {
+  for (auto const& nic : Sim::ReadHost(Sim::kAreaNic).nic.pnics) {
     if (nic.sriov.enabled) pnics.push_back(std::make_unique<PnicImpl>(nic.name));
   }
   return pnics;
@@ -34,7 +34,7 @@ HostCtl::Network::PnicList NetworkInfoImpl::GetSriovNics() {
 std::unique_ptr<HostCtl::Network::Pnic> NetworkInfoImpl::GetSriovNicByName(
     std::string const& name) {
   CheckFault("NetworkInfoImpl::GetSriovNicByName");
-  auto const* nic = Sim::FindPnic(Sim::ReadHost().nic, name);
+  auto const* nic = Sim::FindPnic(Sim::ReadHost(Sim::kAreaNic).nic, name);
   if (!nic || !nic->sriov.enabled) return nullptr;
   return std::make_unique<PnicImpl>(name);
 }

@@ -10,8 +10,9 @@ namespace OrvkCtl::Util {
 int OrvkCtl_Exec(std::string const& commandLine, bool, bool, bool) {
   try {
     Sim::CheckFault("OrvkCtl_Exec");
-    Sim::ChangeHost(Sim::kAreaIp, 
-        [&](Sim::HostModel& host) { host.ip.executed_commands.push_back(commandLine); });
+    Sim::ChangeHost(Sim::kAreaIp, [&](Sim::HostModel& host) {
+      host.ip.executed_commands.push_back(commandLine);
+    });
   } catch (HostCtl::Lib::HostCtlException const&) {
     return 1;
   }

@@ -2,8 +2,8 @@
 #include <algorithm>
 
 #include "fault.h"
-#include "hostctl/dvswitch.h"
 #include "host_store.h"
+#include "hostctl/dvswitch.h"
 #include "hostctl/orvk_nic.h"
 #include "hostctl/port_group_impl.h"
 #include "hostctl/virtual_switch.h"
@@ -39,7 +39,7 @@ StandardSwitchState const& ReadSwitch(HostModel const& host, std::string const& 
 }
 
 StandardSwitchState const& ReadSwitch(std::string const& name) {
-  return ReadSwitch(Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic), name);
+  return ReadSwitch(Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch), name);
 }
 
 StandardSwitchState& WriteSwitch(HostModel& host, std::string const& name) {
@@ -93,7 +93,8 @@ PortsetImpl::~PortsetImpl() = default;
 
 bool PortsetImpl::IsValidVirtualSwitch(std::string const& name) {
   CheckFault("PortsetImpl::IsValidVirtualSwitch");
-  return Sim::FindStandardSwitch(Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic).vswitch, name) != nullptr;
+  return Sim::FindStandardSwitch(Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch).vswitch, name) !=
+         nullptr;
 }
 
 void PortsetImpl::Refresh() {
@@ -125,7 +126,7 @@ int PortsetImpl::GetNumPorts() {
 
 std::vector<std::string> PortsetImpl::GetConnectedUplinks() {
   CheckFault("PortsetImpl::GetConnectedUplinks");
-  HostModel const& host = Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic);
+  HostModel const& host = Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch);
   return Sim::ConnectedUplinks(host, ReadSwitch(host, name_));
 }
 
@@ -151,7 +152,7 @@ std::unique_ptr<HostCtl::Network::PortGroup> VirtualSwitchImpl::AddPortGroup(
     std::string const& name) {
   CheckFault("VirtualSwitchImpl::AddPortGroup");
   CheckName("Port group", name);
-  Sim::ChangeHost(Sim::kAreaVswitch | Sim::kAreaNic, [&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](HostModel& host) {
     auto& vswitch = WriteSwitch(host, name_);
     StandardSwitchState* owner = nullptr;
     if (Sim::FindPortGroup(host.vswitch, name, &owner)) {
@@ -167,7 +168,7 @@ std::unique_ptr<HostCtl::Network::PortGroup> VirtualSwitchImpl::AddPortGroup(
 
 void VirtualSwitchImpl::RemovePortGroup(std::string const& name) {
   CheckFault("VirtualSwitchImpl::RemovePortGroup");
-  Sim::ChangeHost(Sim::kAreaVswitch | Sim::kAreaNic, [&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](HostModel& host) {
     auto& vswitch = WriteSwitch(host, name_);
     auto& groups = vswitch.port_groups;
     auto it = std::find_if(groups.begin(), groups.end(),
@@ -195,8 +196,9 @@ PortSecurityPolicy VirtualSwitchImpl::GetConfiguredSecurityPolicy() {
 
 void VirtualSwitchImpl::ApplySecurityPolicy(PortSecurityPolicy const& policy) {
   CheckFault("VirtualSwitchImpl::ApplySecurityPolicy");
-  Sim::ChangeHost(Sim::kAreaVswitch | Sim::kAreaNic, 
-      [&](HostModel& host) { WriteSwitch(host, name_).security = Sim::ToState(policy); });
+  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](HostModel& host) {
+    WriteSwitch(host, name_).security = Sim::ToState(policy);
+  });
 }
 
 ShapingPolicy VirtualSwitchImpl::GetEffectiveShapingPolicy() {
@@ -211,7 +213,7 @@ ShapingPolicy VirtualSwitchImpl::GetConfiguredShapingPolicy() {
 
 void VirtualSwitchImpl::ApplyShapingPolicy(ShapingPolicy policy) {
   CheckFault("VirtualSwitchImpl::ApplyShapingPolicy");
-  Sim::ChangeHost(Sim::kAreaVswitch | Sim::kAreaNic, [&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](HostModel& host) {
     auto& vswitch = WriteSwitch(host, name_);
     vswitch.shaping = Sim::ToState(policy);
     Sim::CheckShaping(vswitch);
@@ -220,7 +222,7 @@ void VirtualSwitchImpl::ApplyShapingPolicy(ShapingPolicy policy) {
 
 NicTeamingPolicy VirtualSwitchImpl::GetEffectiveTeamingPolicy() {
   CheckFault("VirtualSwitchImpl::GetEffectiveTeamingPolicy");
-  HostModel const& host = Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic);
+  HostModel const& host = Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch);
   return Sim::EffectiveTeaming(host, ReadSwitch(host, name_));
 }
 
@@ -231,7 +233,7 @@ NicTeamingPolicy VirtualSwitchImpl::GetConfiguredTeamingPolicy() {
 
 void VirtualSwitchImpl::ApplyTeamingPolicy(NicTeamingPolicy policy) {
   CheckFault("VirtualSwitchImpl::ApplyTeamingPolicy");
-  Sim::ChangeHost(Sim::kAreaVswitch | Sim::kAreaNic, [&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](HostModel& host) {
     auto& vswitch = WriteSwitch(host, name_);
     Sim::CheckTeaming(vswitch, "virtual switch " + name_, policy);
     vswitch.teaming = Sim::ToState(policy);
@@ -240,7 +242,7 @@ void VirtualSwitchImpl::ApplyTeamingPolicy(NicTeamingPolicy policy) {
 
 void VirtualSwitchImpl::AddUplink(std::string const& name) {
   CheckFault("VirtualSwitchImpl::AddUplink");
-  Sim::ChangeHost(Sim::kAreaVswitch | Sim::kAreaNic, [&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](HostModel& host) {
     if (!Sim::IsPhysicalNic(host, name)) {
       throw HostCtlException("Unable to add uplink " + name + ": no physical NIC of that name");
     }
@@ -256,7 +258,7 @@ void VirtualSwitchImpl::AddUplink(std::string const& name) {
 
 void VirtualSwitchImpl::RemoveUplink(std::string const& name, bool force) {
   CheckFault("VirtualSwitchImpl::RemoveUplink");
-  Sim::ChangeHost(Sim::kAreaVswitch | Sim::kAreaNic, [&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](HostModel& host) {
     auto& vswitch = WriteSwitch(host, name_);
     auto it = std::find(vswitch.uplinks.begin(), vswitch.uplinks.end(), name);
     if (it == vswitch.uplinks.end()) {
@@ -274,7 +276,8 @@ void VirtualSwitchImpl::SetCdpStatus(int status) {
   if (status < 0 || status > 3) {
     throw HostCtlException("Invalid CDP status " + std::to_string(status));
   }
-  Sim::ChangeHost(Sim::kAreaVswitch | Sim::kAreaNic, [&](HostModel& host) { WriteSwitch(host, name_).cdp_status = status; });
+  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch,
+                  [&](HostModel& host) { WriteSwitch(host, name_).cdp_status = status; });
 }
 
 void VirtualSwitchImpl::SetMTU(int mtu) {
@@ -285,7 +288,8 @@ void VirtualSwitchImpl::SetMTU(int mtu) {
                            ": it must be between " + std::to_string(OrvkNic::MIN_MTU) + " and " +
                            std::to_string(OrvkNic::MAX_MTU));
   }
-  Sim::ChangeHost(Sim::kAreaVswitch | Sim::kAreaNic, [&](HostModel& host) { WriteSwitch(host, name_).mtu = mtu; });
+  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch,
+                  [&](HostModel& host) { WriteSwitch(host, name_).mtu = mtu; });
 }
 
 int VirtualSwitchImpl::GetNumConfiguredPorts() {
@@ -306,7 +310,7 @@ std::string VirtualSwitchImpl::GetCdpStatusString() {
 
 bool VirtualSwitchImpl::IsBeaconEnabled() {
   CheckFault("VirtualSwitchImpl::IsBeaconEnabled");
-  HostModel const& host = Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic);
+  HostModel const& host = Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch);
   return !BeaconUsers(host, ReadSwitch(host, name_)).empty();
 }
 
@@ -322,7 +326,7 @@ int VirtualSwitchImpl::GetBeaconThreshold() {
 
 std::vector<std::string> VirtualSwitchImpl::NeedBeacon() {
   CheckFault("VirtualSwitchImpl::NeedBeacon");
-  HostModel const& host = Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic);
+  HostModel const& host = Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch);
   return BeaconUsers(host, ReadSwitch(host, name_));
 }
 
@@ -351,7 +355,7 @@ std::unique_ptr<HostCtl::Network::VirtualSwitch> VirtualSwitchInfoImpl::AddVirtu
                            ": a virtual switch has 1 to " + std::to_string(kMaxPortsPerSwitch) +
                            " ports");
   }
-  Sim::ChangeHost(Sim::kAreaVswitch | Sim::kAreaNic, [&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](HostModel& host) {
     if (Sim::FindStandardSwitch(host.vswitch, name)) {
       throw HostCtlException("A virtual switch named " + name + " already exists");
     }
@@ -381,7 +385,7 @@ std::unique_ptr<HostCtl::Network::VirtualSwitch> VirtualSwitchInfoImpl::AddVirtu
 
 void VirtualSwitchInfoImpl::RemoveVirtualSwitch(std::string const& name) {
   CheckFault("VirtualSwitchInfoImpl::RemoveVirtualSwitch");
-  Sim::ChangeHost(Sim::kAreaVswitch | Sim::kAreaNic, [&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](HostModel& host) {
     auto& switches = host.vswitch.standard_switches;
     auto it =
         std::find_if(switches.begin(), switches.end(),
@@ -400,7 +404,8 @@ void VirtualSwitchInfoImpl::RemoveVirtualSwitch(std::string const& name) {
 std::unique_ptr<HostCtl::Network::VirtualSwitch> VirtualSwitchInfoImpl::GetVirtualSwitchByName(
     std::string const& name) {
   CheckFault("VirtualSwitchInfoImpl::GetVirtualSwitchByName");
-  if (!Sim::FindStandardSwitch(Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic).vswitch, name)) return nullptr;
+  if (!Sim::FindStandardSwitch(Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch).vswitch, name))
+    return nullptr;
   return std::make_unique<VirtualSwitchImpl>(name);
 }
 
@@ -408,7 +413,8 @@ std::vector<std::unique_ptr<HostCtl::Network::VirtualSwitch>>
 VirtualSwitchInfoImpl::GetVirtualSwitches() {
   CheckFault("VirtualSwitchInfoImpl::GetVirtualSwitches");
   std::vector<std::unique_ptr<HostCtl::Network::VirtualSwitch>> switches;
-  for (auto const& vswitch : Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic).vswitch.standard_switches) {
+  for (auto const& vswitch :
+       Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch).vswitch.standard_switches) {
     switches.push_back(std::make_unique<VirtualSwitchImpl>(vswitch.name));
   }
   return switches;
@@ -417,7 +423,7 @@ VirtualSwitchInfoImpl::GetVirtualSwitches() {
 std::vector<std::unique_ptr<HostCtl::Network::Portset>> VirtualSwitchInfoImpl::GetAllSwitches() {
   CheckFault("VirtualSwitchInfoImpl::GetAllSwitches");
   std::vector<std::unique_ptr<HostCtl::Network::Portset>> switches;
-  HostModel const& host = Sim::ReadHost(Sim::kAreaVswitch | Sim::kAreaNic);
+  HostModel const& host = Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch);
   for (auto const& vswitch : host.vswitch.standard_switches) {
     switches.push_back(std::make_unique<VirtualSwitchImpl>(vswitch.name));
   }

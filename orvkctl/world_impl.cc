@@ -7,7 +7,7 @@ namespace OrvkCtl::Resource {
 namespace {
 
 Sim::WorldState const& ReadWorld(unsigned long id) {
-  for (auto const& world : Sim::ReadHost().runtime.worlds) {
+  for (auto const& world : Sim::ReadHost(Sim::kAreaRuntime).runtime.worlds) {
     if (world.id == id) return world;
   }
   throw HostCtl::Lib::HostCtlException("World " + std::to_string(id) + " not found");
