@@ -74,6 +74,26 @@ void CollectCommands(NamespaceNode& node, std::vector<std::string>& paths) {
   }
 }
 
+// The one message for an unknown formatter, wherever the option stands.
+std::string UnknownFormatter(std::string const& name) {
+  std::string names;
+  for (auto const& known : Format::FormatterNames()) names += (names.empty() ? "" : ", ") + known;
+  return "Unknown formatter '" + name + "'. Valid formatters: " + names;
+}
+
+// True when `args` asks for help: --help anywhere, or -h unless the command
+// has a parameter of that short name.
+bool AsksForHelp(std::vector<std::string> const& args, AutoCli::Command* command) {
+  if (std::find(args.begin(), args.end(), "--help") != args.end()) return true;
+  if (std::find(args.begin(), args.end(), "-h") == args.end()) return false;
+  if (!command) return true;
+  auto const spec = command->GetInputSpec();
+  for (auto const& parameter : spec->GetParameters()) {
+    if (parameter->GetShortName() == "h") return false;
+  }
+  return true;
+}
+
 int Usage(std::string const& message, std::string const& help_path, std::ostream& err) {
   err << "Error: " << message << '\n';
   if (!help_path.empty()) err << "Run 'toolbase " << help_path << " --help' for usage.\n";
@@ -120,7 +140,7 @@ int RunCommand(AutoCli::Command& command, std::vector<std::string> const& args,
       }
     }
     if (!options.formatter.empty() && !Format::IsFormatter(options.formatter)) {
-      throw UsageError("Unknown formatter '" + options.formatter + "'");
+      throw UsageError(UnknownFormatter(options.formatter));
     }
     input = ParseParameters(*spec, own);
   } catch (UsageError const& error) {
@@ -201,17 +221,13 @@ int Run(std::vector<std::string> const& args, NamespaceNode& root, std::ostream&
     return Usage(error.what(), "", err);
   }
   if (!options.formatter.empty() && !Format::IsFormatter(options.formatter)) {
-    std::string names;
-    for (auto const& name : Format::FormatterNames()) names += (names.empty() ? "" : ", ") + name;
-    return Usage("Unknown formatter '" + options.formatter + "'. Valid formatters: " + names, "",
-                 err);
+    return Usage(UnknownFormatter(options.formatter), "", err);
   }
 
   std::list<std::string> words;
   size_t i = first_word;
   for (; i < args.size() && !args[i].empty() && args[i][0] != '-'; ++i) words.push_back(args[i]);
   std::vector<std::string> rest(args.begin() + static_cast<long>(i), args.end());
-  bool help = options.help || std::find(rest.begin(), rest.end(), "--help") != rest.end();
 
   if (options.list_commands) {
     std::vector<std::string> paths;
@@ -239,6 +255,7 @@ int Run(std::vector<std::string> const& args, NamespaceNode& root, std::ostream&
   }
 
   auto command = node->GetDispatcher();
+  bool const help = options.help || AsksForHelp(rest, command.get());
   if (!command) {
     if (help) {
       PrintNamespaceHelp(*node, out);
