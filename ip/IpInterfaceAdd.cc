@@ -8,7 +8,6 @@
 #include "hostctl/network_types.h"
 #include "hostctl/orvk_nic.h"
 #include "hostctl/util.h"
-#include "frame/ParamRange.h"
 #include "ip/IpInterfaceCommon.h"
 #include "ip/NetstackOption.h"
 #include "toolbase/call_spec.h"
@@ -154,16 +153,12 @@ void IpInterfaceAdd::ExecuteInternal(std::shared_ptr<Input> const& input,
     }
     mac = HostCtl::Network::MacAddress(text);
   }
-  // Both go into 32-bit host fields; 0 stands for "not given".
-  long const mtuValue = input->HasParameter(kMtu) ? input->GetParameterInt(kMtu) : 0;
-  long const rxqueueValue =
-      input->HasParameter(kNumRxqueue) ? input->GetParameterInt(kNumRxqueue) : 0;
-  if (!CheckParamUint32(*output, kMtu, mtuValue) ||
-      !CheckParamUint32(*output, kNumRxqueue, rxqueueValue)) {
-    return;
-  }
-  uint32_t const mtu = static_cast<uint32_t>(mtuValue);
-  uint32_t const rxqueue = static_cast<uint32_t>(rxqueueValue);
+  // The framework holds both to their ranges, which fit 32 bits.
+  uint32_t const mtu =
+      input->HasParameter(kMtu) ? static_cast<uint32_t>(input->GetParameterInt(kMtu)) : 0;
+  uint32_t const rxqueue = input->HasParameter(kNumRxqueue)
+                               ? static_cast<uint32_t>(input->GetParameterInt(kNumRxqueue))
+                               : 0;
 
   // Built last of all checks: a DVPort may be given a connection id here.
   std::unique_ptr<HostCtl::Network::ConnectionPoint> point = BuildConnectionPoint(*input, *output);

@@ -245,7 +245,6 @@ void NicSet::ExecuteInternal(std::shared_ptr<Input> const& input,
         !CheckParamUint32(*output, kMessageLevel, input->GetParameterInt(kMessageLevel))) {
       return;
     }
-    if (hasSpeed && !CheckParamUint32(*output, kSpeed, input->GetParameterInt(kSpeed))) return;
     if (changed) pnic->SetInfo(info);
     if (!changed && !linkChange) {
       output->AddErrorMessage("There is no change for nic " + name);

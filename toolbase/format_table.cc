@@ -159,6 +159,19 @@ void WriteRows(std::vector<MetaStruct const*> const& records,
   }
 }
 
+// True when the heading template names (as %Field%) a field that is not
+// one of `columns`.
+bool NamesHiddenField(std::string const& header, std::vector<std::string> const& columns) {
+  for (auto open = header.find('%'); open != std::string::npos;) {
+    auto const close = header.find('%', open + 1);
+    if (close == std::string::npos) break;
+    auto const name = header.substr(open + 1, close - open - 1);
+    if (std::find(columns.begin(), columns.end(), name) == columns.end()) return true;
+    open = header.find('%', close + 1);
+  }
+  return false;
+}
+
 }  // namespace
 
 void WriteTable(MetaList const& list, Style const& style, Options const& options, int indent,
@@ -166,12 +179,13 @@ void WriteTable(MetaList const& list, Style const& style, Options const& options
   auto const records = Records(list);
   auto const columns = Columns(list, records, style, root);
   if (columns.empty()) return;
-  // Records with a heading (which often names what the fields describe, a
-  // NIC or a VLAN) each get their heading and a table of their own below it.
+  // A heading that names a field the columns leave out (what the record
+  // describes: a NIC, a VLAN) would lose that value in one table; such
+  // records each get their heading and a table of their own below it.
   auto const* header = list.GetPrototype() ? style.Header(*list.GetPrototype())
                        : records.empty()   ? nullptr
                                            : style.Header(*records.front());
-  if (!header || Style::IsNoHeader(*header)) {
+  if (!header || Style::IsNoHeader(*header) || !NamesHiddenField(*header, columns)) {
     return WriteRows(records, columns, style, options, indent, out);
   }
   bool first = true;

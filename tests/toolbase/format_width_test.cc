@@ -80,9 +80,9 @@ TEST(FormatTableWidth, WrapsWideTextWithinTheLine) {
             "      " + rest + "\n");
 }
 
-// A record type with a heading (here naming the NIC the counters belong to)
-// prints each record under its heading, as the simple formatter does, so the
-// identifying value that only the heading shows is not lost.
+// A record type whose heading names a field the columns leave out (here the
+// NIC the counters belong to) prints each record under its heading, as the
+// simple formatter does, so the identifying value is not lost.
 TEST(FormatTableWidth, RecordsWithAHeadingKeepIt) {
   auto list = Pairs({{"ornic0", "1"}, {"ornic1", "2"}});
   Directives const directives = {{"header:Pair", "Counters of %Name%"}, {"fields:Pair", "Value"}};
@@ -96,12 +96,14 @@ TEST(FormatTableWidth, RecordsWithAHeadingKeepIt) {
             "   Value\n"
             "   -----\n"
             "   2\n");
-  // "<NONE>" keeps one plain table.
-  EXPECT_EQ(Render(list, {{"header:Pair", "<NONE>"}, {"fields:Pair", "Value"}}),
-            "Value\n"
-            "-----\n"
-            "1\n"
-            "2\n");
+  // "<NONE>", or a heading whose fields are all columns, keeps one table.
+  for (auto const& header : {"<NONE>", "Counters of %Value%"}) {
+    EXPECT_EQ(Render(list, {{"header:Pair", header}, {"fields:Pair", "Value"}}),
+              "Value\n"
+              "-----\n"
+              "1\n"
+              "2\n");
+  }
 }
 
 }  // namespace
