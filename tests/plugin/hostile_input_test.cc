@@ -4,12 +4,15 @@
 // file is byte for byte what it was. Sanitizer builds run the same walk.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include <nlohmann/json.hpp>
 
 #include "host_store.h"
 #include "support/harness.h"
@@ -140,7 +143,7 @@ class HostileInputTest : public HostTest {
 
   // Runs one line and checks the contract; puts the default host back when a
   // run changed it.
-  void Check(Args const& args) {
+  void Check(Args const& args, std::string const& value = "") {
     ++runs_;
     auto const result = Run(args);
     std::string const after = StateFileText();
@@ -151,6 +154,15 @@ class HostileInputTest : public HostTest {
       EXPECT_EQ(result.err.find("json.exception"), std::string::npos)
           << Show(args) << ": " << result.err;
       EXPECT_TRUE(after == pristine_) << Show(args) << " failed but changed the state file";
+    }
+    // Names and texts are shown in lists and tables: the host does not keep
+    // line breaks or terminal controls.
+    bool const control = std::any_of(value.begin(), value.end(),
+                                     [](unsigned char c) { return c < 0x20 || c == 0x7f; });
+    if (result.status == 0 && control && after != pristine_) {
+      std::string const stored = nlohmann::json(value).dump();
+      EXPECT_EQ(after.find(stored.substr(1, stored.size() - 2)), std::string::npos)
+          << Show(args) << " stored a control character";
     }
     if (after != pristine_) {
       std::ofstream(state_path_, std::ios::trunc) << pristine_;
@@ -199,7 +211,7 @@ TEST_F(HostileInputTest, EveryLeafSurvivesHostileValues) {
         Args args = base;
         args.push_back("--" + target->GetName());
         args.push_back(value);
-        Check(args);
+        Check(args, value);
       }
       // The option without its value.
       Args missing = base;
