@@ -142,8 +142,7 @@ void IpInterfaceAdd::ExecuteInternal(std::shared_ptr<Input> const& input,
     }
   }
 
-  std::unique_ptr<HostCtl::Network::ConnectionPoint> point = BuildConnectionPoint(*input, *output);
-  if (!point) return;
+  if (!CheckConnectionParameters(*input, *output)) return;
 
   HostCtl::Network::MacAddress mac;
   if (input->HasParameter(kMacAddress)) {
@@ -154,11 +153,16 @@ void IpInterfaceAdd::ExecuteInternal(std::shared_ptr<Input> const& input,
     }
     mac = HostCtl::Network::MacAddress(text);
   }
+  // The framework holds both to their ranges, which fit 32 bits.
   uint32_t const mtu =
       input->HasParameter(kMtu) ? static_cast<uint32_t>(input->GetParameterInt(kMtu)) : 0;
   uint32_t const rxqueue = input->HasParameter(kNumRxqueue)
                                ? static_cast<uint32_t>(input->GetParameterInt(kNumRxqueue))
                                : 0;
+
+  // Built last of all checks: a DVPort may be given a connection id here.
+  std::unique_ptr<HostCtl::Network::ConnectionPoint> point = BuildConnectionPoint(*input, *output);
+  if (!point) return;
   std::string const name = OptionalText(*input, kInterfaceName);
 
   try {

@@ -22,23 +22,30 @@ std::string OptionalText(Toolbase::CallSpec::Input const& input, std::string con
   return input.HasParameter(name) ? input.GetParameter(name) : std::string();
 }
 
-std::unique_ptr<HostCtl::Network::ConnectionPoint> BuildConnectionPoint(
-    Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output) {
+bool CheckConnectionParameters(Toolbase::CallSpec::Input const& input,
+                               Toolbase::CallSpec::Output& output) {
   bool const portgroup = input.HasParameter(kPortgroupName);
   bool const dvs = input.HasParameter(kDvsName);
   bool const dvport = input.HasParameter(kDvportId);
   if (portgroup && dvs && dvport) {
     output.AddErrorMessage(
         "Only one connection point can be specified, vswitch port group or DVPort.");
-    return nullptr;
+    return false;
   }
   if (dvs != dvport || (!portgroup && !dvs)) {
     output.AddErrorMessage(
         "A connection point of either vswitch port group name or dvs-name/dvport-id should be "
         "specified. If connection point is DVPort, --dvs-name and --dvport-id must be specified "
         "at the same time.");
-    return nullptr;
+    return false;
   }
+  return true;
+}
+
+std::unique_ptr<HostCtl::Network::ConnectionPoint> BuildConnectionPoint(
+    Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output) {
+  if (!CheckConnectionParameters(input, output)) return nullptr;
+  bool const portgroup = input.HasParameter(kPortgroupName);
 
   std::unique_ptr<HostCtl::Network::ConnectionPoint> point;
   if (portgroup) {

@@ -21,6 +21,12 @@ namespace CorvaneCli::NetworkNamespace {
 // The parameter's text; empty when it was not given.
 std::string OptionalText(Toolbase::CallSpec::Input const& input, std::string const& name);
 
+// True when the options name exactly one connection point: --portgroup-name
+// alone, or --dvs-name with --dvport-id. Otherwise adds the error to `output`.
+// Touches no host service.
+bool CheckConnectionParameters(Toolbase::CallSpec::Input const& input,
+                               Toolbase::CallSpec::Output& output);
+
 // Builds the connection point the options name: a port group for
 // --portgroup-name alone, a DVPort for --dvs-name with --dvport-id. A DVPort
 // that has no connection id yet gets one. Any other combination, a name the

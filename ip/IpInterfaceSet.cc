@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "frame/ParamRange.h"
 #include "hostctl/orvk_nic.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -83,6 +84,7 @@ void IpInterfaceSet::ExecuteInternal(std::shared_ptr<Input> const& input,
         output->AddErrorMessage("MTU size should be a positive value");
         return;
       }
+      if (!CheckParamUint32(*output, kMtu, mtu)) return;
       target->SetMtu(static_cast<uint32_t>(mtu));
     }
     output->SetRootObject(MetaBool::New(true));

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "frame/ParamRange.h"
 #include "hostctl/netstack.h"
 #include "hostctl/network_info.h"
 #include "toolbase/call_spec.h"
@@ -109,6 +110,10 @@ void IpNetstackInstanceSet::ExecuteInternal(std::shared_ptr<Input> const& input,
     auto instance = networkInfo.LookupNetstackInstanceByKey(key);
     if (!instance) {
       output->AddErrorMessage("Unable to find a Netstack instance " + key);
+      return;
+    }
+    if (input->HasParameter(kMaxconn) &&
+        !CheckParamUint32(*output, kMaxconn, input->GetParameterInt(kMaxconn))) {
       return;
     }
     if (input->HasParameter(kName) && !input->GetParameter(kName).empty()) {

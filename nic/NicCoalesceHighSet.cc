@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "frame/ParamRange.h"
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "toolbase/call_spec.h"
@@ -89,9 +90,14 @@ void NicCoalesceHighSet::ExecuteInternal(std::shared_ptr<Input> const& input,
     }
     HostCtl::Network::PnicCoalesceParams params;
     pnic->GetCoalesceParams(params);
+    bool fits = true;
     auto number = [&](std::string const& parameter, uint32_t& field) {
-      if (input->HasParameter(parameter)) {
-        field = static_cast<uint32_t>(input->GetParameterInt(parameter));
+      if (!input->HasParameter(parameter)) return;
+      long const value = input->GetParameterInt(parameter);
+      if (CheckParamUint32(*output, parameter, value)) {
+        field = static_cast<uint32_t>(value);
+      } else {
+        fits = false;
       }
     };
     number(kPktRate, params.highPacketRate);
@@ -99,6 +105,7 @@ void NicCoalesceHighSet::ExecuteInternal(std::shared_ptr<Input> const& input,
     number(kRxMaxFrames, params.rxMaxFramesHigh);
     number(kTxUsecs, params.txMicrosecondsHigh);
     number(kTxMaxFrames, params.txMaxFramesHigh);
+    if (!fits) return;
     pnic->SetCoalesceParams(params);
     output->SetRootObject(MetaBool::New(true));
   } catch (HostCtl::Lib::HostCtlException const& e) {

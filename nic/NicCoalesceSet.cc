@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "frame/ParamRange.h"
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "toolbase/call_spec.h"
@@ -92,9 +93,14 @@ void NicCoalesceSet::ExecuteInternal(std::shared_ptr<Input> const& input,
     }
     HostCtl::Network::PnicCoalesceParams params;
     pnic->GetCoalesceParams(params);
+    bool fits = true;
     auto number = [&](std::string const& parameter, uint32_t& field) {
-      if (input->HasParameter(parameter)) {
-        field = static_cast<uint32_t>(input->GetParameterInt(parameter));
+      if (!input->HasParameter(parameter)) return;
+      long const value = input->GetParameterInt(parameter);
+      if (CheckParamUint32(*output, parameter, value)) {
+        field = static_cast<uint32_t>(value);
+      } else {
+        fits = false;
       }
     };
     auto truth = [&](std::string const& parameter, bool& field) {
@@ -107,6 +113,7 @@ void NicCoalesceSet::ExecuteInternal(std::shared_ptr<Input> const& input,
     truth(kAdaptiveRx, params.adaptiveRx);
     truth(kAdaptiveTx, params.adaptiveTx);
     number(kSampleInterval, params.sampleInterval);
+    if (!fits) return;
     pnic->SetCoalesceParams(params);
     output->SetRootObject(MetaBool::New(true));
   } catch (HostCtl::Lib::HostCtlException const& e) {

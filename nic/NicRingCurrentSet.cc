@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "frame/ParamRange.h"
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "toolbase/call_spec.h"
@@ -74,16 +75,22 @@ void NicRingCurrentSet::ExecuteInternal(std::shared_ptr<Input> const& input,
     }
     using HostCtl::Network::PnicRingParams;
     PnicRingParams params;
+    bool fits = true;
     auto ring = [&](std::string const& parameter, uint8_t bit, uint32_t& field) {
-      if (input->HasParameter(parameter)) {
+      if (!input->HasParameter(parameter)) return;
+      long const value = input->GetParameterInt(parameter);
+      if (CheckParamUint32(*output, parameter, value)) {
         params.mask |= bit;
-        field = static_cast<uint32_t>(input->GetParameterInt(parameter));
+        field = static_cast<uint32_t>(value);
+      } else {
+        fits = false;
       }
     };
     ring(kRx, PnicRingParams::MASK_RX, params.rx);
     ring(kRxMini, PnicRingParams::MASK_RX_MINI, params.rxMini);
     ring(kRxJumbo, PnicRingParams::MASK_RX_JUMBO, params.rxJumbo);
     ring(kTx, PnicRingParams::MASK_TX, params.tx);
+    if (!fits) return;
     if (params.mask != 0) pnic->SetRingParams(params);
     output->SetRootObject(MetaBool::New(true));
   } catch (HostCtl::Lib::HostCtlException const& e) {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "frame/ParamRange.h"
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "toolbase/call_spec.h"
@@ -233,6 +234,17 @@ void NicSet::ExecuteInternal(std::shared_ptr<Input> const& input,
     HostCtl::Network::PnicInfo info;
     pnic->GetInfo(info);
     bool const changed = GetInfoFromParam(input, info);
+    // Values for 32-bit host fields; checked after the record's own checks
+    // and before anything is applied. -1 leaves the PHY address as it is.
+    if (input->HasParameter(kPhyAddress) && input->GetParameterInt(kPhyAddress) != -1 &&
+        !CheckParamRange(*output, kPhyAddress, input->GetParameterInt(kPhyAddress), 1,
+                         UINT32_MAX)) {
+      return;
+    }
+    if (input->HasParameter(kMessageLevel) &&
+        !CheckParamUint32(*output, kMessageLevel, input->GetParameterInt(kMessageLevel))) {
+      return;
+    }
     if (changed) pnic->SetInfo(info);
     if (!changed && !linkChange) {
       output->AddErrorMessage("There is no change for nic " + name);

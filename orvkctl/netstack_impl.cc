@@ -184,6 +184,11 @@ std::string NetstackInstanceImpl::GetInstanceName() {
 void NetstackInstanceImpl::SetInstanceName(std::string const& name, bool /*persist*/) {
   CheckFault("NetstackInstanceImpl::SetInstanceName");
   if (name.empty()) throw HostCtlException("Netstack instance name cannot be empty");
+  // A name is shown in lists and tables: no line breaks or terminal controls.
+  if (std::any_of(name.begin(), name.end(),
+                  [](unsigned char c) { return c < 0x20 || c == 0x7f; })) {
+    throw HostCtlException("Netstack instance name " + name + " contains a control character");
+  }
   ChangeNetstack(key_, [&](HostModel&, NetstackState& netstack) { netstack.name = name; });
   MarkStale();
 }

@@ -1,6 +1,10 @@
 #include "hostctl/network_types.h"
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
+
 #include <algorithm>
+#include <iterator>
 #include <cstdio>
 #include <string_view>
 #include <utility>
@@ -13,7 +17,6 @@ using Lib::HostCtlException;
 
 constexpr unsigned kIpv4Bits = 32;
 constexpr unsigned kIpv6Bits = 128;
-constexpr int kIpv6Groups = 8;
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
@@ -39,139 +42,65 @@ bool ParseSmallDecimal(std::string_view text, unsigned max, unsigned* out) {
   return true;
 }
 
+// Text as libc's converters want it: NUL-terminated, with no NUL inside.
+bool ToCString(std::string_view text, std::string* out) {
+  if (text.find('\0') != std::string_view::npos) return false;
+  out->assign(text);
+  return true;
+}
+
+// A dotted quad of four decimal parts, none with a leading zero; inet_pton
+// takes exactly that form (no octal, hex or fewer parts, unlike inet_aton).
 bool ParseIpv4(std::string_view text, uint32_t* out) {
-  uint32_t value = 0;
-  int parts = 0;
-  size_t pos = 0;
-  for (;;) {
-    size_t dot = text.find('.', pos);
-    unsigned octet = 0;
-    if (!ParseSmallDecimal(text.substr(pos, dot == std::string_view::npos ? dot : dot - pos), 255,
-                           &octet)) {
-      return false;
-    }
-    value = value << 8 | octet;
-    ++parts;
-    if (dot == std::string_view::npos) break;
-    if (parts == 4) return false;
-    pos = dot + 1;
+  std::string c_text;
+  in_addr address{};
+  if (!ToCString(text, &c_text) || inet_pton(AF_INET, c_text.c_str(), &address) != 1) {
+    return false;
   }
-  if (parts != 4) return false;
-  *out = value;
+  *out = ntohl(address.s_addr);
   return true;
 }
 
 std::string FormatIpv4(uint32_t value) {
-  char buf[16];
-  std::snprintf(buf, sizeof buf, "%u.%u.%u.%u", value >> 24, (value >> 16) & 0xffu,
-                (value >> 8) & 0xffu, value & 0xffu);
-  return buf;
+  in_addr const address{htonl(value)};
+  char buf[INET_ADDRSTRLEN];
+  return inet_ntop(AF_INET, &address, buf, sizeof buf);
 }
 
-// Parses the groups of one side of an optional "::". `text` empty means no
-// group. A dotted quad is allowed as the last piece when `ipv4_allowed`, and
-// counts as two groups. Fails when the side would hold more than `max` groups.
-bool ParseIpv6Groups(std::string_view text, bool ipv4_allowed, int max, uint16_t* groups,
-                     int* count) {
-  *count = 0;
-  if (text.empty()) return true;
-  size_t pos = 0;
-  for (;;) {
-    size_t colon = text.find(':', pos);
-    bool last = colon == std::string_view::npos;
-    std::string_view piece = text.substr(pos, last ? colon : colon - pos);
-    if (last && ipv4_allowed && piece.find('.') != std::string_view::npos) {
-      uint32_t v4 = 0;
-      if (*count + 2 > max || !ParseIpv4(piece, &v4)) return false;
-      groups[(*count)++] = static_cast<uint16_t>(v4 >> 16);
-      groups[(*count)++] = static_cast<uint16_t>(v4 & 0xffffu);
-      return true;
-    }
-    if (piece.empty() || piece.size() > 4 || *count + 1 > max) return false;
-    unsigned value = 0;
-    for (char c : piece) {
-      int digit = HexValue(c);
-      if (digit < 0) return false;
-      value = value << 4 | static_cast<unsigned>(digit);
-    }
-    groups[(*count)++] = static_cast<uint16_t>(value);
-    if (last) return true;
-    pos = colon + 1;
-  }
-}
-
+// Any RFC 4291 text form: eight groups, "::" for one or more zero groups, a
+// dotted quad in the last 32 bits. No zone index, brackets or prefix.
 bool ParseIpv6(std::string_view text, Ipv6Address::Bytes* out) {
-  if (text.empty()) return false;
-  size_t gap = text.find("::");
-  bool compressed = gap != std::string_view::npos;
-  // A second "::" leaves an empty piece in the tail, which the tail refuses.
-  std::string_view head = compressed ? text.substr(0, gap) : text;
-  std::string_view tail = compressed ? text.substr(gap + 2) : std::string_view();
-
-  // "::" stands for at least one zero group, so a compressed text names at
-  // most seven groups.
-  int const max = compressed ? kIpv6Groups - 1 : kIpv6Groups;
-  uint16_t head_groups[kIpv6Groups];
-  uint16_t tail_groups[kIpv6Groups];
-  int head_count = 0;
-  int tail_count = 0;
-  if (!ParseIpv6Groups(head, !compressed, max, head_groups, &head_count)) return false;
-  if (!ParseIpv6Groups(tail, true, max - head_count, tail_groups, &tail_count)) return false;
-  if (!compressed && head_count != kIpv6Groups) return false;
-
-  uint16_t groups[kIpv6Groups] = {};
-  std::copy(head_groups, head_groups + head_count, groups);
-  std::copy(tail_groups, tail_groups + tail_count, groups + kIpv6Groups - tail_count);
-  for (int i = 0; i < kIpv6Groups; ++i) {
-    (*out)[2 * i] = static_cast<uint8_t>(groups[i] >> 8);
-    (*out)[2 * i + 1] = static_cast<uint8_t>(groups[i] & 0xffu);
+  std::string c_text;
+  in6_addr address{};
+  if (!ToCString(text, &c_text) || inet_pton(AF_INET6, c_text.c_str(), &address) != 1) {
+    return false;
   }
+  std::copy(std::begin(address.s6_addr), std::end(address.s6_addr), out->begin());
   return true;
 }
 
+// RFC 5952 text: lower-case hex without leading zeros, the longest run of two
+// or more zero groups (the leftmost on a tie) as "::", and dotted quads only
+// for IPv4-mapped addresses (::ffff:0:0/96).
 std::string FormatIpv6(Ipv6Address::Bytes const& bytes) {
-  bool mapped = std::all_of(bytes.begin(), bytes.begin() + 10, [](uint8_t b) { return b == 0; }) &&
-                bytes[10] == 0xff && bytes[11] == 0xff;
-  if (mapped) {
-    uint32_t v4 = uint32_t{bytes[12]} << 24 | uint32_t{bytes[13]} << 16 | uint32_t{bytes[14]} << 8 |
-                  uint32_t{bytes[15]};
-    return "::ffff:" + FormatIpv4(v4);
-  }
-
-  unsigned groups[kIpv6Groups];
-  for (int i = 0; i < kIpv6Groups; ++i) groups[i] = unsigned{bytes[2 * i]} << 8 | bytes[2 * i + 1];
-
-  // The longest run of zero groups, the leftmost one on a tie; a single zero
-  // group is written out.
-  int best_start = -1;
-  int best_length = 1;
-  for (int i = 0; i < kIpv6Groups;) {
-    if (groups[i] != 0) {
-      ++i;
-      continue;
+  // inet_ntop also writes the deprecated IPv4-compatible form (::a.b.c.d)
+  // for addresses whose first 96 bits are zero; those are written in hex.
+  if (std::all_of(bytes.begin(), bytes.begin() + 12, [](uint8_t b) { return b == 0; })) {
+    unsigned const high = unsigned{bytes[12]} << 8 | bytes[13];
+    unsigned const low = unsigned{bytes[14]} << 8 | bytes[15];
+    char buf[16];
+    if (high == 0 && low == 0) return "::";
+    if (high == 0) {
+      std::snprintf(buf, sizeof buf, "::%x", low);
+    } else {
+      std::snprintf(buf, sizeof buf, "::%x:%x", high, low);
     }
-    int j = i;
-    while (j < kIpv6Groups && groups[j] == 0) ++j;
-    if (j - i > best_length) {
-      best_start = i;
-      best_length = j - i;
-    }
-    i = j;
+    return buf;
   }
-
-  std::string text;
-  for (int i = 0; i < kIpv6Groups; ++i) {
-    if (i == best_start) {
-      text += "::";
-      i += best_length - 1;
-      continue;
-    }
-    if (!text.empty() && text.back() != ':') text += ':';
-    char buf[8];
-    std::snprintf(buf, sizeof buf, "%x", groups[i]);
-    text += buf;
-  }
-  return text;
+  in6_addr address{};
+  std::copy(bytes.begin(), bytes.end(), std::begin(address.s6_addr));
+  char buf[INET6_ADDRSTRLEN];
+  return inet_ntop(AF_INET6, &address, buf, sizeof buf);
 }
 
 uint32_t Ipv4Mask(unsigned prefix_length) {

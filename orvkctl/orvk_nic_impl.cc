@@ -348,13 +348,24 @@ std::string FreeName(HostModel const& host) {
   throw HostCtlException("No free Orvik network interface name: orvk0 to orvk255 are all in use");
 }
 
+// The NIC, interface or physical, that owns the MAC address `mac` (canonical
+// text); empty when none does. A physical NIC owns its burnt-in address and
+// its virtual one. MAC addresses are unique across every NIC of the host.
+std::string MacOwner(HostModel const& host, std::string const& mac) {
+  for (auto const& nic : host.ip.interfaces) {
+    if (nic.mac == mac) return nic.name;
+  }
+  for (auto const& pnic : host.nic.pnics) {
+    if (pnic.mac == mac || pnic.virtual_address == mac) return pnic.name;
+  }
+  return "";
+}
+
 std::string FreeMac(HostModel const& host) {
   for (int n = 1; n < 256; ++n) {
     char text[18];
     std::snprintf(text, sizeof text, "d2:6e:a0:00:10:%02x", n);
-    bool const used = std::any_of(host.ip.interfaces.begin(), host.ip.interfaces.end(),
-                                  [&](InterfaceState const& nic) { return nic.mac == text; });
-    if (!used) return text;
+    if (MacOwner(host, text).empty()) return text;
   }
   throw HostCtlException("No free MAC address for a new Orvik network interface");
 }
@@ -656,11 +667,8 @@ std::unique_ptr<OrvkNic> OrvikNicInfoImpl::AddOrvikNic(
             throw HostCtlException("Invalid MAC address " + nic.mac +
                                    ": it is a multicast address");
           }
-          for (auto const& other : host.ip.interfaces) {
-            if (other.mac == nic.mac) {
-              throw HostCtlException("MAC address " + nic.mac + " is already in use by " +
-                                     other.name);
-            }
+          if (auto owner = MacOwner(host, nic.mac); !owner.empty()) {
+            throw HostCtlException("MAC address " + nic.mac + " is already in use by " + owner);
           }
         }
         nic.mtu = mtu == 0 ? kDefaultMtu : mtu;

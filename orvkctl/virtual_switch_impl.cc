@@ -52,13 +52,16 @@ int NumPorts(StandardSwitchState const& vswitch) {
   return vswitch.configured_ports + kReservedPorts;
 }
 
-// Drops `uplink` from a stored order, keeping the active count in step.
+// Drops `uplink` from a stored order, keeping the active count in step. When
+// the last active uplink goes, the first standby takes over, as the failover
+// order would make it do on a link failure.
 void DropFromOrder(Sim::TeamingPolicyState& teaming, std::string const& uplink) {
   auto& order = teaming.uplink_order;
   auto it = std::find(order.begin(), order.end(), uplink);
   if (it == order.end()) return;
   if (it - order.begin() < teaming.max_active_uplinks) --teaming.max_active_uplinks;
   order.erase(it);
+  if (teaming.max_active_uplinks == 0 && !order.empty()) teaming.max_active_uplinks = 1;
 }
 
 // The switch, when it detects failures by beaconing, and the groups that
@@ -247,6 +250,13 @@ void VirtualSwitchImpl::AddUplink(std::string const& name) {
       throw HostCtlException("Unable to add uplink " + name + ": no physical NIC of that name");
     }
     for (auto const& other : host.vswitch.standard_switches) {
+      if (std::find(other.uplinks.begin(), other.uplinks.end(), name) != other.uplinks.end()) {
+        throw HostCtlException("Unable to add uplink " + name + ": it is already an uplink of " +
+                               other.name);
+      }
+    }
+    // A NIC serves one switch at a time, standard or distributed.
+    for (auto const& other : host.vswitch.distributed_switches) {
       if (std::find(other.uplinks.begin(), other.uplinks.end(), name) != other.uplinks.end()) {
         throw HostCtlException("Unable to add uplink " + name + ": it is already an uplink of " +
                                other.name);

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, then builds and runs every test twice: a normal
 # build in build/, and one under AddressSanitizer and UndefinedBehaviorSanitizer
-# in build-asan/.
+# in build-asan/, then a short run of every fuzz target.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/deps.sh
@@ -15,3 +15,6 @@ build_into build-asan -DCMAKE_BUILD_TYPE=Debug -DTOOLBASE_SANITIZE=ON -DTOOLBASE
 (cd build-asan &&
   ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1 \
   ctest --output-on-failure -j"$jobs")
+
+# Each libFuzzer target briefly (build-fuzz/, clang); see scripts/fuzz.sh.
+FUZZ_SECONDS=${FUZZ_SECONDS:-8} bash scripts/fuzz.sh

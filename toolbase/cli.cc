@@ -122,6 +122,26 @@ void CollectCommands(NamespaceNode& node, std::vector<std::string>& paths) {
   }
 }
 
+// The one message for an unknown formatter, wherever the option stands.
+std::string UnknownFormatter(std::string const& name) {
+  std::string names;
+  for (auto const& known : Format::FormatterNames()) names += (names.empty() ? "" : ", ") + known;
+  return "Unknown formatter '" + name + "'. Valid formatters: " + names;
+}
+
+// True when `args` asks for help: --help anywhere, or -h unless the command
+// has a parameter of that short name.
+bool AsksForHelp(std::vector<std::string> const& args, AutoCli::Command* command) {
+  if (std::find(args.begin(), args.end(), "--help") != args.end()) return true;
+  if (std::find(args.begin(), args.end(), "-h") == args.end()) return false;
+  if (!command) return true;
+  auto const spec = command->GetInputSpec();
+  for (auto const& parameter : spec->GetParameters()) {
+    if (parameter->GetShortName() == "h") return false;
+  }
+  return true;
+}
+
 int Usage(std::string const& message, std::string const& help_path, std::ostream& err) {
   err << "Error: " << message << '\n';
   if (!help_path.empty()) err << "Run 'toolbase " << help_path << " --help' for usage.\n";
@@ -169,7 +189,7 @@ int RunCommand(AutoCli::Command& command, std::vector<std::string> const& args,
       }
     }
     if (!options.formatter.empty() && !Format::IsFormatter(options.formatter)) {
-      throw UsageError("Unknown formatter '" + options.formatter + "'");
+      throw UsageError(UnknownFormatter(options.formatter));
     }
     if (options.host_state_given) CheckHostStatePath(options.host_state);
     input = ParseParameters(*spec, own);
@@ -320,10 +340,7 @@ int RunLine(std::vector<std::string> const& args, NamespaceNode& root, std::ostr
     return Usage(error.what(), "", err);
   }
   if (!options.formatter.empty() && !Format::IsFormatter(options.formatter)) {
-    std::string names;
-    for (auto const& name : Format::FormatterNames()) names += (names.empty() ? "" : ", ") + name;
-    return Usage("Unknown formatter '" + options.formatter + "'. Valid formatters: " + names, "",
-                 err);
+    return Usage(UnknownFormatter(options.formatter), "", err);
   }
 
   if (options.Workflow()) {
@@ -343,7 +360,6 @@ int RunLine(std::vector<std::string> const& args, NamespaceNode& root, std::ostr
   size_t i = first_word;
   for (; i < args.size() && !args[i].empty() && args[i][0] != '-'; ++i) words.push_back(args[i]);
   std::vector<std::string> rest(args.begin() + static_cast<long>(i), args.end());
-  bool help = options.help || std::find(rest.begin(), rest.end(), "--help") != rest.end();
 
   if (options.list_commands) {
     std::vector<std::string> paths;
@@ -371,6 +387,7 @@ int RunLine(std::vector<std::string> const& args, NamespaceNode& root, std::ostr
   }
 
   auto command = node->GetDispatcher();
+  bool const help = options.help || AsksForHelp(rest, command.get());
   if (!command) {
     if (help) {
       PrintNamespaceHelp(*node, out);

@@ -1,6 +1,7 @@
 #include <string>
 
 #include "format_internal.h"
+#include "utf8.h"
 #include "toolbase/meta_obj.h"
 
 namespace Toolbase::Format::Internal {
@@ -91,13 +92,7 @@ std::vector<std::string> SplitNames(std::string const& value) {
   return names;
 }
 
-std::size_t DisplayWidth(std::string_view text) {
-  std::size_t width = 0;
-  for (unsigned char c : text) {
-    if ((c & 0xC0) != 0x80) ++width;
-  }
-  return width;
-}
+std::size_t DisplayWidth(std::string_view text) { return Text::DisplayWidth(text); }
 
 std::string const* Style::Find(std::string const& key) const {
   auto const found = directives_.find(key);

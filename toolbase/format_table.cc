@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "format_internal.h"
+#include "utf8.h"
 #include "toolbase/meta_obj.h"
 
 namespace Toolbase::Format::Internal {
@@ -19,6 +20,8 @@ namespace {
 // A wrapped last column never gets narrower than this.
 constexpr std::size_t kMinWrapWidth = 20;
 constexpr char const* kGap = "  ";
+// Indent of a table below its record's heading, as the simple formatter's.
+constexpr int kHeadingStep = 3;
 
 std::vector<MetaStruct const*> Records(MetaList const& list) {
   std::vector<MetaStruct const*> records;
@@ -62,17 +65,8 @@ std::string OneLine(std::string text) {
   return text;
 }
 
-// Byte length of the first `count` characters of `text`.
-std::size_t PrefixBytes(std::string_view text, std::size_t count) {
-  std::size_t bytes = 0;
-  for (std::size_t seen = 0; bytes < text.size(); ++bytes) {
-    if ((static_cast<unsigned char>(text[bytes]) & 0xC0) != 0x80 && seen++ == count) break;
-  }
-  return bytes;
-}
-
-// Splits `text` into lines of at most `width` characters at blanks; a word
-// longer than a line is cut.
+// Splits `text` into lines of at most `width` columns at blanks; a word
+// longer than a line is cut between characters.
 std::vector<std::string> Wrap(std::string_view text, std::size_t width) {
   std::vector<std::string> lines;
   std::string line;
@@ -89,7 +83,7 @@ std::vector<std::string> Wrap(std::string_view text, std::size_t width) {
     if (word.empty()) continue;
     while (DisplayWidth(word) > width) {
       flush();
-      auto const cut = PrefixBytes(word, width);
+      auto const cut = Text::PrefixForWidth(word, width);
       lines.emplace_back(word.substr(0, cut));
       word.remove_prefix(cut);
     }
@@ -116,14 +110,10 @@ void WriteLine(std::vector<std::string> const& cells, std::vector<std::size_t> c
   out << line << '\n';
 }
 
-}  // namespace
-
-void WriteTable(MetaList const& list, Style const& style, Options const& options, int indent,
-                bool root, std::ostream& out) {
-  auto const records = Records(list);
-  auto const columns = Columns(list, records, style, root);
-  if (columns.empty()) return;
-
+// One table of `records` under `columns`.
+void WriteRows(std::vector<MetaStruct const*> const& records,
+               std::vector<std::string> const& columns, Style const& style,
+               Options const& options, int indent, std::ostream& out) {
   std::vector<std::vector<std::string>> rows;
   for (auto const* record : records) {
     auto& cells = rows.emplace_back();
@@ -166,6 +156,44 @@ void WriteTable(MetaList const& list, Style const& style, Options const& options
     for (std::size_t i = 1; i < lines.size(); ++i) {
       out << std::string(lead, ' ') << lines[i] << '\n';
     }
+  }
+}
+
+// True when the heading template names (as %Field%) a field that is not
+// one of `columns`.
+bool NamesHiddenField(std::string const& header, std::vector<std::string> const& columns) {
+  for (auto open = header.find('%'); open != std::string::npos;) {
+    auto const close = header.find('%', open + 1);
+    if (close == std::string::npos) break;
+    auto const name = header.substr(open + 1, close - open - 1);
+    if (std::find(columns.begin(), columns.end(), name) == columns.end()) return true;
+    open = header.find('%', close + 1);
+  }
+  return false;
+}
+
+}  // namespace
+
+void WriteTable(MetaList const& list, Style const& style, Options const& options, int indent,
+                bool root, std::ostream& out) {
+  auto const records = Records(list);
+  auto const columns = Columns(list, records, style, root);
+  if (columns.empty()) return;
+  // A heading that names a field the columns leave out (what the record
+  // describes: a NIC, a VLAN) would lose that value in one table; such
+  // records each get their heading and a table of their own below it.
+  auto const* header = list.GetPrototype() ? style.Header(*list.GetPrototype())
+                       : records.empty()   ? nullptr
+                                           : style.Header(*records.front());
+  if (!header || Style::IsNoHeader(*header) || !NamesHiddenField(*header, columns)) {
+    return WriteRows(records, columns, style, options, indent, out);
+  }
+  bool first = true;
+  for (auto const* record : records) {
+    if (!first) out << '\n';
+    first = false;
+    out << std::string(indent, ' ') << style.ExpandHeader(*header, *record) << '\n';
+    WriteRows({record}, columns, style, options, indent + kHeadingStep, out);
   }
 }
 

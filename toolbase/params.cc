@@ -7,6 +7,7 @@
 #include <regex>
 
 #include "bool_word.h"
+#include "utf8.h"
 #include "toolbase/call_spec.h"
 
 namespace Toolbase::Cli {
@@ -66,6 +67,9 @@ std::string Option(ParameterSpec const& parameter) { return "--" + parameter.Get
 }  // namespace
 
 std::string CheckValue(ParameterSpec const& parameter, std::string const& value) {
+  // Everything a command stores or prints is text: bytes that are not UTF-8
+  // would only fail later, deep inside the host library.
+  if (!Text::IsValidUtf8(value)) return "expects UTF-8 text; the value has bytes that are not";
   long number = 0;
   switch (parameter.GetType()) {
     case CallSpec::Int:

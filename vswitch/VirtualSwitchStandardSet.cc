@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "frame/ParamRange.h"
 #include "hostctl/virtual_switch.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -89,12 +90,13 @@ void VirtualSwitchStandardSet::ExecuteInternal(std::shared_ptr<Input> const& inp
       return;
     }
     if (input->HasParameter(kMtu)) {
-      auto mtu = static_cast<int32_t>(input->GetParameterInt(kMtu));
+      long const mtu = input->GetParameterInt(kMtu);
       if (mtu < 0) {
         output->AddErrorMessage("MTU size should be a positive value");
         return;
       }
-      vswitch->SetMTU(mtu);
+      if (!CheckParamRange(*output, kMtu, mtu, 0, INT32_MAX)) return;
+      vswitch->SetMTU(static_cast<int32_t>(mtu));
     }
     if (input->HasParameter(kCdpStatus)) {
       vswitch->SetCdpStatus(CdpStatusNumber(input->GetParameter(kCdpStatus)));

@@ -97,22 +97,26 @@ TEST_F(VirtualSwitchTest, GroupsFollowTheirSwitchUntilTheyOverride) {
 }
 
 TEST_F(VirtualSwitchTest, WithoutAnOrderEveryConnectedUplinkIsActive) {
+  // A NIC serves one switch at a time: free two first.
+  auto first = NetworkFactory::GetVirtualSwitchById("vSwitch0");
+  first->RemoveUplink("ornic0", false);
+  first->RemoveUplink("ornic1", false);
   auto vswitch = AddSwitch("vSwitch2");
-  vswitch->AddUplink("ornic2");
-  vswitch->AddUplink("ornic3");
+  vswitch->AddUplink("ornic0");
+  vswitch->AddUplink("ornic1");
   auto teaming = vswitch->GetEffectiveTeamingPolicy();
-  EXPECT_EQ(teaming.uplinkOrder, (Strings{"ornic2", "ornic3"}));
+  EXPECT_EQ(teaming.uplinkOrder, (Strings{"ornic0", "ornic1"}));
   EXPECT_EQ(teaming.maxActiveUplinks, 2);
   EXPECT_EQ(teaming.setMask & NicTeamingPolicy::UPLINK_ORDER_BIT, 0u);
 
   // With an order of its own, a new uplink stays unused.
   auto configured = vswitch->GetConfiguredTeamingPolicy();
-  configured.SetUplinkOrder({"ornic3"});
+  configured.SetUplinkOrder({"ornic1"});
   configured.SetMaxActiveUplinks(1);
   vswitch->ApplyTeamingPolicy(configured);
-  vswitch->RemoveUplink("ornic2", false);
-  vswitch->AddUplink("ornic2");
-  EXPECT_EQ(vswitch->GetEffectiveTeamingPolicy().uplinkOrder, Strings{"ornic3"});
+  vswitch->RemoveUplink("ornic0", false);
+  vswitch->AddUplink("ornic0");
+  EXPECT_EQ(vswitch->GetEffectiveTeamingPolicy().uplinkOrder, Strings{"ornic1"});
 }
 
 TEST_F(VirtualSwitchTest, RemovedUplinkLeavesEveryOrder) {
@@ -126,7 +130,7 @@ TEST_F(VirtualSwitchTest, RemovedUplinkLeavesEveryOrder) {
   vswitch->RemoveUplink("ornic0", false);
   auto switchOrder = vswitch->GetEffectiveTeamingPolicy();
   EXPECT_EQ(switchOrder.uplinkOrder, Strings{"ornic1"});
-  EXPECT_EQ(switchOrder.maxActiveUplinks, 0);
+  EXPECT_EQ(switchOrder.maxActiveUplinks, 1);  // the standby took over
   auto groupOrder = group->GetEffectiveTeamingPolicy();
   EXPECT_EQ(groupOrder.uplinkOrder, Strings{"ornic1"});
   EXPECT_EQ(groupOrder.maxActiveUplinks, 1);
@@ -263,8 +267,9 @@ TEST_F(VirtualSwitchTest, ListShowsBeaconUsers) {
 }
 
 TEST_F(VirtualSwitchTest, ChangesSurviveAReload) {
+  NetworkFactory::GetVirtualSwitchById("vSwitch0")->RemoveUplink("ornic1", false);
   auto vswitch = AddSwitch("vSwitch2", 32);
-  vswitch->AddUplink("ornic2");
+  vswitch->AddUplink("ornic1");
   auto group = vswitch->AddPortGroup("Lab");
   group->SetVlanId(42);
   ShapingPolicy shaping;
@@ -274,7 +279,7 @@ TEST_F(VirtualSwitchTest, ChangesSurviveAReload) {
   shaping.SetBurstSize(12800);
   group->ApplyShapingPolicy(shaping);
   NicTeamingPolicy teaming;
-  teaming.SetUplinkOrder({"ornic2"});
+  teaming.SetUplinkOrder({"ornic1"});
   teaming.SetMaxActiveUplinks(0);
   group->ApplyTeamingPolicy(teaming);
   group.reset();
@@ -289,12 +294,12 @@ TEST_F(VirtualSwitchTest, ChangesSurviveAReload) {
   EXPECT_EQ(reloaded.peakBps, 3000u);
   EXPECT_EQ(reloaded.burstSize, 12800u);
   auto order = again->GetEffectiveTeamingPolicy();
-  EXPECT_EQ(order.uplinkOrder, Strings{"ornic2"});
+  EXPECT_EQ(order.uplinkOrder, Strings{"ornic1"});
   EXPECT_EQ(order.maxActiveUplinks, 0);
   VirtualSwitchImpl vswitch2("vSwitch2");
   EXPECT_EQ(vswitch2.GetNumConfiguredPorts(), 32);
   EXPECT_EQ(vswitch2.GetNumPorts(), 40);
-  EXPECT_EQ(vswitch2.GetConnectedUplinks(), Strings{"ornic2"});
+  EXPECT_EQ(vswitch2.GetConnectedUplinks(), Strings{"ornic1"});
 }
 
 }  // namespace

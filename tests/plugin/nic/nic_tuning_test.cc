@@ -149,7 +149,7 @@ TEST_F(NicTuningTest, LibraryRefusalsComeThroughUnchanged) {
        "RX microseconds 5000 of ornic2 is beyond the maximum of 1023"},
       {{"network", "nic", "coalesce", "low", "set", "-n", "ornic0", "-p", "500000"},
        "Low packet rate 500000 of ornic0 is above its high packet rate 400000"},
-      {{"network", "nic", "coalesce", "high", "set", "-n", "ornic2", "-T", "-1"},
+      {{"network", "nic", "coalesce", "high", "set", "-n", "ornic2", "-T", "4294967295"},
        "TX maximum frames at high packet rate 4294967295 of ornic2 is beyond the maximum of 255"},
       {{"network", "nic", "coalesce", "high", "get", "-n", "ornic4"},
        "Interrupt coalescing is not supported by ornic4"},

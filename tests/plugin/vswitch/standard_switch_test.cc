@@ -190,18 +190,20 @@ TEST_F(StandardSwitchTest, MtuStaysSetWhenTheCdpStatusFails) {
 }
 
 TEST_F(StandardSwitchTest, UplinksComeAndGo) {
-  ASSERT_EQ(Run(Standard({"uplink", "add", "-v", "vSwitch1", "-u", "ornic2"})).status, 0);
-  EXPECT_EQ(ListField("vSwitch1", "Uplinks"), "ornic2");
+  ASSERT_EQ(Run(Standard({"uplink", "add", "-v", "vSwitch1", "-u", "ornic4"})).status, 0);
+  EXPECT_EQ(ListField("vSwitch1", "Uplinks"), "ornic4");
   // Without an order of its own the switch uses the new uplink at once.
-  EXPECT_EQ(FailoverField("vSwitch1", "Active Adapters"), "ornic2");
+  EXPECT_EQ(FailoverField("vSwitch1", "Active Adapters"), "ornic4");
   // vSwitch0 has an order: a new uplink stays unused until the policy names it.
-  ASSERT_EQ(Run(Standard({"uplink", "add", "-v", "vSwitch0", "-u", "ornic3"})).status, 0);
-  EXPECT_EQ(FailoverField("vSwitch0", "Unused Adapters"), "ornic3");
+  ASSERT_EQ(Run(Standard({"uplink", "remove", "-v", "vSwitch1", "-u", "ornic4"})).status, 0);
+  ASSERT_EQ(Run(Standard({"uplink", "add", "-v", "vSwitch0", "-u", "ornic4"})).status, 0);
+  EXPECT_EQ(FailoverField("vSwitch0", "Unused Adapters"), "ornic4");
 
+  // Without its only active uplink the first standby takes over.
   ASSERT_EQ(Run(Standard({"uplink", "remove", "-v", "vSwitch0", "-u", "ornic0"})).status, 0);
-  EXPECT_EQ(ListField("vSwitch0", "Uplinks"), "ornic1,ornic3");
-  EXPECT_EQ(FailoverField("vSwitch0", "Active Adapters"), "");
-  EXPECT_EQ(FailoverField("vSwitch0", "Standby Adapters"), "ornic1");
+  EXPECT_EQ(ListField("vSwitch0", "Uplinks"), "ornic1,ornic4");
+  EXPECT_EQ(FailoverField("vSwitch0", "Active Adapters"), "ornic1");
+  EXPECT_EQ(FailoverField("vSwitch0", "Standby Adapters"), "");
 }
 
 TEST_F(StandardSwitchTest, UplinkRefusalsAreTheLibrarys) {
