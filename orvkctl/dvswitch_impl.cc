@@ -17,7 +17,8 @@ DVPort::~DVPort() = default;
 std::unique_ptr<DVSwitch> NetworkFactory::GetDVSwitchByName(std::string const& name) {
   OrvkCtl::Sim::CheckFault("NetworkFactory::GetDVSwitchByName");
   if (!OrvkCtl::Sim::FindDistributedSwitch(
-          OrvkCtl::Sim::ReadHost(OrvkCtl::Sim::kAreaNic | OrvkCtl::Sim::kAreaIp | OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime)
+          OrvkCtl::Sim::ReadHost(OrvkCtl::Sim::kAreaNic | OrvkCtl::Sim::kAreaIp |
+                                 OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime)
               .vswitch,
           name)) {
     throw Lib::HostCtlException("Distributed switch " + name + " not found");
@@ -253,7 +254,8 @@ std::vector<HostCtl::Network::LacpGroup> DVSwitchImpl::GetLacpGroups() {
 
 void DVSwitchImpl::SetLacpTimeout(unsigned lagId, bool shortTimeout, std::string const& nic) {
   CheckFault("DVSwitchImpl::SetLacpTimeout");
-  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime, [&](HostModel& host) {
+  Sim::ChangeHost(
+      Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime, [&](HostModel& host) {
         auto* dvs = Sim::FindDistributedSwitch(host.vswitch, name_);
         if (!dvs) throw HostCtlException("Distributed switch " + name_ + " not found");
         auto lag = std::find_if(dvs->lags.begin(), dvs->lags.end(),
@@ -389,7 +391,8 @@ std::string DVPortImpl::GetPortName() {
 
 std::pair<bool, int> DVPortImpl::GetLacpPortConfig() {
   CheckFault("DVPortImpl::GetLacpPortConfig");
-  auto const* port = ReadDVPort(Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime),
+  auto const* port = ReadDVPort(Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch |
+                                              Sim::kAreaRuntime),
                                 switchId_, portId)
                          .second;
   return {port->lacp_enabled, port->lacp_mode};
@@ -413,7 +416,8 @@ uint32_t DVPortImpl::GetConnectionId() {
 
 void DVPortImpl::SetConnectionId(uint32_t connectionId) {
   CheckFault("DVPortImpl::SetConnectionId");
-  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime, [&](HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime,
+                  [&](HostModel& host) {
                     ReadDVPort(host, switchId_, portId);
                     for (auto& dvs : host.vswitch.distributed_switches) {
                       if (dvs.id != switchId_) continue;

@@ -36,7 +36,8 @@ EnsLcoreState const& ReadLcore(unsigned long id) {
 bool ChangeLcore(unsigned long id,
                  std::function<bool(HostModel const&, EnsLcoreState&)> const& change) {
   bool result = false;
-  OrvkCtl::Sim::ChangeHost(OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime, [&](HostModel& host) {
+  OrvkCtl::Sim::ChangeHost(
+      OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime, [&](HostModel& host) {
         auto& lcores = host.runtime.ens.lcores;
         auto found = std::find_if(lcores.begin(), lcores.end(),
                                   [id](EnsLcoreState const& lcore) { return lcore.id == id; });
@@ -62,7 +63,8 @@ uint32_t NetworkInfo::GetMaxLcores() {
 bool NetworkInfo::SetMaxLcores(unsigned long maximum) {
   CheckFault("NetworkInfo::SetMaxLcores");
   bool result = false;
-  OrvkCtl::Sim::ChangeHost(OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime, [&](HostModel& host) {
+  OrvkCtl::Sim::ChangeHost(
+      OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime, [&](HostModel& host) {
         auto& ens = host.runtime.ens;
         if (maximum < 1 || maximum > ens.lcore_limit) {
           throw HostCtlException("Maximum number of ENS contexts " + std::to_string(maximum) +
@@ -77,7 +79,8 @@ bool NetworkInfo::SetMaxLcores(unsigned long maximum) {
 
 bool NetworkInfo::AddLcore(unsigned long lcoreId) {
   CheckFault("NetworkInfo::AddLcore");
-  OrvkCtl::Sim::ChangeHost(OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime, [&](HostModel& host) {
+  OrvkCtl::Sim::ChangeHost(
+      OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime, [&](HostModel& host) {
         auto& ens = host.runtime.ens;
         if (lcoreId >= ens.max_lcores) {
           throw HostCtlException("ENS context id " + std::to_string(lcoreId) +
@@ -99,7 +102,8 @@ bool NetworkInfo::AddLcore(unsigned long lcoreId) {
 bool NetworkInfo::RemoveLcore(unsigned long lcoreId) {
   CheckFault("NetworkInfo::RemoveLcore");
   bool result = false;
-  OrvkCtl::Sim::ChangeHost(OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime, [&](HostModel& host) {
+  OrvkCtl::Sim::ChangeHost(
+      OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime, [&](HostModel& host) {
         auto& lcores = host.runtime.ens.lcores;
         auto found =
             std::find_if(lcores.begin(), lcores.end(),
