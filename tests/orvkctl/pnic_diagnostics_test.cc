@@ -23,18 +23,18 @@ TEST_F(PnicDiagnosticsTest, SeededImagesAreSoundAndSurviveTheStateFile) {
   auto host = OrvkCtl::Sim::HostFromJson(StateFileText());
   EXPECT_EQ(host.nic.pnics, ReadHost().nic.pnics);
   // Two lowercase hex digits per byte, the MAC address first.
-  EXPECT_NE(StateFileText().find("\"eeprom\": \"d26ea0001000200400001210"), std::string::npos);
+  EXPECT_NE(StateFileText().find("\"eeprom\":\"d26ea0001000200400001210"), std::string::npos);
 }
 
 TEST_F(PnicDiagnosticsTest, ImagesThatAreNoHexAreCorrupt) {
   ReadHost();
   std::string text = StateFileText();
-  auto at = text.find("\"eeprom\": \"d2");
+  auto at = text.find("\"eeprom\":\"d2");
   ASSERT_NE(at, std::string::npos);
-  for (std::string bad : {"\"eeprom\": \"x2", "\"eeprom\": \"d\", \"x\": \""}) {
+  for (std::string bad : {"\"eeprom\":\"x2", "\"eeprom\":\"d\",\"x\":\""}) {
     SCOPED_TRACE(bad);
     std::string corrupt = text;
-    corrupt.replace(at, 13, bad);
+    corrupt.replace(at, 12, bad);
     EXPECT_ANY_THROW(OrvkCtl::Sim::HostFromJson(corrupt));
   }
 }
