@@ -25,8 +25,11 @@ for file in bin/toolbase include/toolbase/auto_cli.h include/hostctl/lib.h \
             share/bash-completion/completions/toolbase share/zsh/vendor-completions/_toolbase; do
   [[ -e $prefix/$file ]] || fail "not installed: $file"
 done
-ldd "$toolbase" | grep -q "libtoolbase.so => $prefix/" ||
-  fail "toolbase does not find the installed libtoolbase: $(ldd "$toolbase")"
+# ldd's output is taken whole first: grep -q stops reading early, and under
+# pipefail the writer's SIGPIPE would fail the check at random.
+libraries=$(ldd "$toolbase")
+[[ $libraries == *"libtoolbase.so => $prefix/"* ]] ||
+  fail "toolbase does not find the installed libtoolbase: $libraries"
 
 expect_contains "$("$toolbase" --version)" "toolbase " "--version"
 out=$("$toolbase" network vswitch standard list)
