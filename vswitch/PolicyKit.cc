@@ -330,12 +330,31 @@ void SetFailoverPolicy(std::shared_ptr<Input> const& input, std::shared_ptr<Outp
   target.SetUplinkOrder(order);
 }
 
-// The splitting itself lives in libnetwork_regex.so (found through the
-// plug-in's run path), opened when first needed.
+// The splitting itself lives in libnetwork_regex.so, opened when first
+// needed. It stands beside libtoolbase.so, in the build tree as when
+// installed, and is opened by that full path: a sanitizer's dlopen
+// interceptor does not search the plug-in's run path. The bare name, found
+// through the run path, is the fallback.
+namespace {
+std::string SplitterPath() {
+  constexpr char kName[] = "libnetwork_regex.so";
+  Dl_info info{};
+  auto anchor = &Toolbase::CallSpec::Output::New;
+  if (dladdr(reinterpret_cast<void*>(anchor), &info) != 0 && info.dli_fname != nullptr) {
+    std::string path = info.dli_fname;
+    if (auto slash = path.rfind('/'); slash != std::string::npos) {
+      return path.substr(0, slash + 1) + kName;
+    }
+  }
+  return kName;
+}
+}  // namespace
+
 std::vector<std::string> SplitUplinks(std::string const& text) {
   using Split = void (*)(std::string const*, std::vector<std::string>*);
   static Split const split = [] {
-    void* handle = dlopen("libnetwork_regex.so", RTLD_NOW | RTLD_LOCAL);
+    void* handle = dlopen(SplitterPath().c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!handle) handle = dlopen("libnetwork_regex.so", RTLD_NOW | RTLD_LOCAL);
     void* entry = handle ? dlsym(handle, "NetworkRegex_SplitUplinks") : nullptr;
     if (!entry) throw std::runtime_error(std::string("Cannot load uplink splitter: ") + dlerror());
     return reinterpret_cast<Split>(entry);
