@@ -79,7 +79,7 @@ PnicImpl::~PnicImpl() = default;
 
 void PnicImpl::Refresh() {
   CheckFault("PnicImpl::Refresh");
-  auto const* nic = Sim::FindPnic(Sim::ReadHost(Sim::kAreaNic | Sim::kAreaRuntime).nic, name_);
+  auto const* nic = Sim::FindPnic(Sim::ReadHost(Sim::kAreaNic).nic, name_);
   if (!nic) throw NotFound(name_);
   cached_ = std::make_unique<PnicState>(*nic);
 }
@@ -90,7 +90,7 @@ PnicState const& PnicImpl::Cached() {
 }
 
 void PnicImpl::Change(std::function<void(PnicState&)> const& change) {
-  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaRuntime, [&](Sim::HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaNic, [&](Sim::HostModel& host) {
     auto* nic = Sim::FindPnic(host.nic, name_);
     if (!nic) throw NotFound(name_);
     change(*nic);
@@ -105,7 +105,7 @@ std::string PnicImpl::GetName() {
 
 std::unique_ptr<HostCtl::Network::Port> PnicImpl::GetPort() {
   CheckFault("PnicImpl::GetPort");
-  for (auto const& port : Sim::ReadHost(Sim::kAreaNic | Sim::kAreaRuntime).runtime.ports) {
+  for (auto const& port : Sim::ReadHost(Sim::kAreaRuntime).runtime.ports) {
     if (port.type == Sim::kPortTypeUplink && port.client == name_) {
       return std::make_unique<PortImpl>(static_cast<int>(port.id));
     }
