@@ -54,8 +54,11 @@ const Counter kCounters[] = {
 
 std::string FieldList() {
   std::string fields;
-  for (auto const& counter : kCounters)
-    fields += (fields.empty() ? "" : ",") + std::string(counter.field);
+  fields.reserve(std::size(kCounters) * 24);
+  for (auto const& counter : kCounters) {
+    if (!fields.empty()) fields += ',';
+    fields += counter.field;
+  }
   return fields;
 }
 }  // namespace

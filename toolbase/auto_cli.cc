@@ -37,38 +37,45 @@ bool NamespaceNode::HasNamespaceNode(std::string const& name) const {
 std::vector<std::string> NamespaceNode::GetNamespaceNodeNames() const {
   std::vector<std::string> names;
   names.reserve(children_.size());
-  for (auto const& child : children_) names.push_back(child.first);
+  for (auto const& child : children_) names.push_back(child->name_);
   return names;
 }
 
 std::vector<std::shared_ptr<NamespaceNode>> NamespaceNode::GetNamespaceNodes() const {
-  std::vector<std::shared_ptr<NamespaceNode>> nodes;
-  nodes.reserve(children_.size());
-  for (auto const& child : children_) nodes.push_back(child.second);
-  return nodes;
+  return children_;
 }
 
 std::shared_ptr<NamespaceNode> NamespaceNode::GetNamespaceNode(std::string const& name) const {
   for (auto const& child : children_) {
-    if (child.first == name) return child.second;
+    if (child->name_ == name) return child;
   }
   return nullptr;
 }
 
-void NamespaceNode::RegisterNamespaceNode(std::shared_ptr<NamespaceNode> node, std::string name) {
-  if (!node) throw std::invalid_argument("cannot register a null node as '" + name + "'");
+void NamespaceNode::Attach(std::shared_ptr<NamespaceNode> node, std::string_view name) {
+  if (!node) {
+    throw std::invalid_argument("cannot register a null node as '" + std::string(name) + "'");
+  }
   if (name.empty()) throw std::invalid_argument("cannot register a node without a name");
-  if (GetNamespaceNode(name)) {
-    throw std::invalid_argument("'" + name + "' is already registered in '" +
-                                GetPathString(' ') + "'");
+  for (auto const& child : children_) {
+    if (child->name_ == name) {
+      throw std::invalid_argument("'" + std::string(name) + "' is already registered in '" +
+                                  GetPathString(' ') + "'");
+    }
   }
   node->name_ = name;
   node->SetParent(GetThis());
-  children_.emplace_back(std::move(name), std::move(node));
+  // Most namespaces hold a handful of children: one allocation for them.
+  if (children_.empty()) children_.reserve(8);
+  children_.push_back(std::move(node));
+}
+
+void NamespaceNode::RegisterNamespaceNode(std::shared_ptr<NamespaceNode> node, std::string name) {
+  Attach(std::move(node), name);
 }
 
 void NamespaceNode::RegisterNamespaceNode(std::shared_ptr<NamespaceNode> node, char const* name) {
-  RegisterNamespaceNode(std::move(node), std::string(name ? name : ""));
+  Attach(std::move(node), name ? name : "");
 }
 
 std::shared_ptr<NamespaceNode> NamespaceNode::ResolveNode(std::list<std::string>& words) {
@@ -92,7 +99,11 @@ void NamespaceNode::SetParent(std::shared_ptr<NamespaceNode> parent) { parent_ =
 
 std::shared_ptr<NamespaceNode> NamespaceNode::GetParent() const { return parent_.lock(); }
 
-std::shared_ptr<Namespace> Namespace::New() { return std::shared_ptr<Namespace>(new Namespace()); }
+std::shared_ptr<Namespace> Namespace::New() {
+  // Object and count in one allocation.
+  struct Made : Namespace {};
+  return std::make_shared<Made>();
+}
 
 CommandSpec::~CommandSpec() = default;
 

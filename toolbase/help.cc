@@ -18,21 +18,25 @@ constexpr size_t kLabelColumn = 24;
 
 // Writes `text` from column `indent` on, wrapped at word boundaries to kWidth;
 // embedded newlines start new lines.
-void PrintWrapped(std::string const& text, size_t indent, size_t first_column, std::ostream& out) {
+void PrintWrapped(std::string_view text, size_t indent, size_t first_column, std::ostream& out) {
   size_t column = first_column;
-  std::istringstream lines(text);
-  std::string line;
   bool first_line = true;
-  while (std::getline(lines, line)) {
+  while (!text.empty() || first_line) {
+    size_t const end = std::min(text.find('\n'), text.size());
+    std::string_view line = text.substr(0, end);
+    text.remove_prefix(std::min(end + 1, text.size()));
     if (!first_line) {
       out << '\n' << std::string(indent, ' ');
       column = indent;
     }
     first_line = false;
-    std::istringstream words(line);
-    std::string word;
     bool line_start = true;
-    while (words >> word) {
+    while (true) {
+      size_t const begin = line.find_first_not_of(" \t\r\v\f");
+      if (begin == std::string_view::npos) break;
+      line.remove_prefix(begin);
+      std::string_view const word = line.substr(0, line.find_first_of(" \t\r\v\f"));
+      line.remove_prefix(word.size());
       if (!line_start && column + 1 + word.size() > kWidth) {
         out << '\n' << std::string(indent, ' ');
         column = indent;
@@ -50,8 +54,8 @@ void PrintWrapped(std::string const& text, size_t indent, size_t first_column, s
   out << '\n';
 }
 
-void PrintEntry(std::string const& label, std::string const& text, std::ostream& out) {
-  std::string head = "  " + label;
+void PrintEntry(std::string_view label, std::string_view text, std::ostream& out) {
+  std::string head = "  " + std::string(label);
   out << head;
   if (head.size() + 1 > kLabelColumn) {
     out << '\n' << std::string(kLabelColumn, ' ');

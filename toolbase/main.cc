@@ -8,14 +8,17 @@
 
 int main(int argc, char** argv) {
   std::vector<std::string> args(argv + 1, argv + argc);
-  auto root = Toolbase::Cli::NewRoot();
+  // The tree lives as long as the process: taking hundreds of nodes apart
+  // just before exit would cost more than building them did.
+  static auto* const root = new std::shared_ptr<Toolbase::AutoCli::NamespaceNode>(
+      Toolbase::Cli::NewRoot());
   try {
-    Toolbase::Cli::LoadPlugins(Toolbase::Cli::DefaultPluginDirectory(), *root);
+    Toolbase::Cli::LoadPlugins(Toolbase::Cli::DefaultPluginDirectory(), **root);
   } catch (std::exception const& error) {
     std::cerr << "Error: " << error.what() << '\n';
     return Toolbase::Cli::kCommandError;
   }
-  int status = Toolbase::Cli::Run(args, *root, std::cout, std::cerr);
+  int status = Toolbase::Cli::Run(args, **root, std::cout, std::cerr);
   std::cout.flush();
   return status;
 }

@@ -10,6 +10,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -28,6 +29,8 @@ enum class NodeType { Namespace, Command };
 
 class NamespaceNode : public std::enable_shared_from_this<NamespaceNode> {
  public:
+  NamespaceNode(NamespaceNode const&) = delete;
+  NamespaceNode& operator=(NamespaceNode const&) = delete;
   virtual ~NamespaceNode();
 
   virtual std::shared_ptr<NamespaceNode> GetThis();
@@ -55,9 +58,17 @@ class NamespaceNode : public std::enable_shared_from_this<NamespaceNode> {
   virtual void SetParent(std::shared_ptr<NamespaceNode> parent);
   virtual std::shared_ptr<NamespaceNode> GetParent() const;
 
-  void SetDescription(char const* description) { description_ = description; }
-  void SetDescription(std::string description) { description_ = std::move(description); }
-  std::string const& GetDescription() const { return description_; }
+  // A literal is kept by its address, not copied: the text must outlive the
+  // node, as a plug-in's literals outlive the tree the plug-in builds.
+  void SetDescription(char const* description) {
+    owned_description_.clear();
+    description_ = description ? description : "";
+  }
+  void SetDescription(std::string description) {
+    owned_description_ = std::move(description);
+    description_ = owned_description_;
+  }
+  std::string_view GetDescription() const { return description_; }
   // The name under which the parent holds this node; empty for a root.
   std::string const& GetName() const { return name_; }
 
@@ -65,10 +76,14 @@ class NamespaceNode : public std::enable_shared_from_this<NamespaceNode> {
   NamespaceNode() = default;
 
  private:
-  std::string description_;
+  void Attach(std::shared_ptr<NamespaceNode> node, std::string_view name);
+
+  std::string_view description_;
+  std::string owned_description_;
   std::string name_;
   std::weak_ptr<NamespaceNode> parent_;
-  std::vector<std::pair<std::string, std::shared_ptr<NamespaceNode>>> children_;
+  // Children in the order registered; each knows its own name.
+  std::vector<std::shared_ptr<NamespaceNode>> children_;
 };
 
 class Namespace : public NamespaceNode {
@@ -98,10 +113,10 @@ class CommandSpec : public NamespaceNode {
   // A later call replaces an earlier one.
   void SetDefaultOutputFormatter(char const* formatter) { formatter_ = formatter; }
   void SetDefaultOutputParameter(char const* key, char const* value) {
-    directives_[key] = value;
+    directives_.insert_or_assign(std::string(key), value);
   }
   void SetDefaultOutputParameter(std::string key, std::string value) {
-    directives_[std::move(key)] = std::move(value);
+    directives_.insert_or_assign(std::move(key), std::move(value));
   }
   std::string const& GetDefaultOutputFormatter() const { return formatter_; }
   std::map<std::string, std::string> const& GetDefaultOutputParameters() const {
