@@ -1,8 +1,11 @@
 #include "completion.h"
 
 #include <algorithm>
+#include <iterator>
 #include <list>
 #include <ostream>
+#include <sstream>
+#include <string_view>
 
 #include "format.h"
 #include "toolbase/auto_cli.h"
@@ -15,36 +18,43 @@ namespace {
 using AutoCli::NamespaceNode;
 
 // Options before the words; those in the first list take a value.
-const std::vector<std::string> kValueOptions = {"--formatter", "--host-state", "--batch",
-                                                "--completion"};
-const std::vector<std::string> kFlagOptions = {"--batch-continue", "--help", "--list-commands",
-                                               "--version"};
+// (Plain arrays of literals: nothing to build when the library loads.)
+constexpr char const* kValueOptions[] = {"--formatter", "--host-state", "--batch", "--completion"};
+constexpr char const* kFlagOptions[] = {"--batch-continue", "--help", "--list-commands",
+                                        "--version"};
 
 // Where the names on the host come from: a list command of the tree and the
 // field of its records that holds the name a parameter takes.
 struct NameSource {
   char const* parameter;
-  std::list<std::string> command;
+  char const* command;  // words separated by blanks
   char const* field;
 };
 
-const std::vector<NameSource> kNameSources = {
-    {"nic-name", {"network", "nic", "list"}, "Name"},
-    {"vswitch-name", {"network", "vswitch", "standard", "list"}, "Name"},
-    {"portgroup-name", {"network", "vswitch", "standard", "portgroup", "list"}, "Name"},
-    {"interface-name", {"network", "ip", "interface", "list"}, "Name"},
-    {"netstack", {"network", "ip", "netstack", "list"}, "Key"},
+constexpr NameSource kNameSources[] = {
+    {"nic-name", "network nic list", "Name"},
+    {"vswitch-name", "network vswitch standard list", "Name"},
+    {"portgroup-name", "network vswitch standard portgroup list", "Name"},
+    {"interface-name", "network ip interface list", "Name"},
+    {"netstack", "network ip netstack list", "Key"},
 };
 
 bool Contains(std::vector<std::string> const& list, std::string const& word) {
   return std::find(list.begin(), list.end(), word) != list.end();
 }
 
+template <size_t N>
+bool Contains(char const* const (&list)[N], std::string const& word) {
+  return std::find(std::begin(list), std::end(list), std::string_view(word)) != std::end(list);
+}
+
 // Runs the source's list command and collects the named field of its records.
 // A missing command, a failing host or an unexpected shape gives no names.
 std::vector<std::string> HostNames(NamespaceNode& root, NameSource const& source) {
   std::vector<std::string> names;
-  std::list<std::string> words = source.command;
+  std::list<std::string> words;
+  std::istringstream command_words(source.command);
+  for (std::string word; command_words >> word;) words.push_back(word);
   auto node = root.ResolveNode(words);
   auto command = words.empty() ? node->GetDispatcher() : nullptr;
   if (!command) return names;
@@ -156,8 +166,8 @@ std::vector<std::string> Candidates(NamespaceNode& root, std::vector<std::string
   }
   if (typed.rfind("-", 0) == 0) {
     if (node.get() != &root) return {"--help"};
-    std::vector<std::string> options = kValueOptions;
-    options.insert(options.end(), kFlagOptions.begin(), kFlagOptions.end());
+    std::vector<std::string> options(std::begin(kValueOptions), std::end(kValueOptions));
+    options.insert(options.end(), std::begin(kFlagOptions), std::end(kFlagOptions));
     return options;
   }
   return node->GetNamespaceNodeNames();
