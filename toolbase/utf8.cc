@@ -45,9 +45,21 @@ Step Next(std::string_view text, std::size_t at) {
   return {used, width < 0 ? 0 : width};
 }
 
+// Text in plain ASCII, nearly all there is, is measured without decoding (or
+// loading the locale): a printable character is one column, a control none.
+bool IsAscii(std::string_view text) {
+  for (unsigned char const byte : text) {
+    if (byte >= 0x80) return false;
+  }
+  return true;
+}
+
+std::size_t AsciiWidth(unsigned char byte) { return byte >= 0x20 && byte < 0x7F ? 1 : 0; }
+
 }  // namespace
 
 bool IsValidUtf8(std::string_view text) {
+  if (IsAscii(text)) return true;
   Utf8Locale locale;
   for (std::size_t at = 0; at < text.size();) {
     auto const step = Next(text, at);
@@ -58,6 +70,11 @@ bool IsValidUtf8(std::string_view text) {
 }
 
 std::size_t DisplayWidth(std::string_view text) {
+  if (IsAscii(text)) {
+    std::size_t width = 0;
+    for (unsigned char const byte : text) width += AsciiWidth(byte);
+    return width;
+  }
   Utf8Locale locale;
   std::size_t width = 0;
   for (std::size_t at = 0; at < text.size();) {
@@ -69,9 +86,17 @@ std::size_t DisplayWidth(std::string_view text) {
 }
 
 std::size_t PrefixForWidth(std::string_view text, std::size_t width) {
-  Utf8Locale locale;
   std::size_t used = 0;
   std::size_t at = 0;
+  if (IsAscii(text)) {
+    for (; at < text.size(); ++at) {
+      std::size_t const columns = AsciiWidth(static_cast<unsigned char>(text[at]));
+      if (at > 0 && used + columns > width) break;
+      used += columns;
+    }
+    return at;
+  }
+  Utf8Locale locale;
   while (at < text.size()) {
     auto const step = Next(text, at);
     std::size_t const columns = step.width < 0 ? 1 : static_cast<std::size_t>(step.width);
