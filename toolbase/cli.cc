@@ -112,12 +112,15 @@ void CheckHostStatePath(std::string const& path) {
   }
 }
 
-void CollectCommands(NamespaceNode& node, std::vector<std::string>& paths) {
+// The paths of the commands under `node`, whose own path is `prefix`.
+void CollectCommands(NamespaceNode& node, std::string const& prefix,
+                     std::vector<std::string>& paths) {
   for (auto const& child : node.GetNamespaceNodes()) {
+    std::string path = prefix.empty() ? child->GetName() : prefix + ' ' + child->GetName();
     if (child->GetType() == AutoCli::NodeType::Command) {
-      paths.push_back(child->GetPathString(' '));
+      paths.push_back(std::move(path));
     } else {
-      CollectCommands(*child, paths);
+      CollectCommands(*child, path, paths);
     }
   }
 }
@@ -363,7 +366,7 @@ int RunLine(std::vector<std::string> const& args, NamespaceNode& root, std::ostr
 
   if (options.list_commands) {
     std::vector<std::string> paths;
-    CollectCommands(root, paths);
+    CollectCommands(root, root.GetPathString(' '), paths);
     std::sort(paths.begin(), paths.end());
     auto list = MetaObj::MetaList::New(MetaObj::MetaType::String);
     list->AddAll(std::move(paths));
