@@ -1,12 +1,16 @@
 # Installs the Debian packages the build needs, when any is missing.
 # Sourced by the other scripts.
-REQUIRED_PACKAGES=(cmake g++ make pkg-config libgtest-dev libgmock-dev libbenchmark-dev
-                   nlohmann-json3-dev libboost-regex-dev ccache dpkg-dev
-                   clang libclang-rt-14-dev)
+# What building and running toolbase takes; the tests, benchmarks, fuzzers
+# and packaging take the second list as well.
+BUILD_PACKAGES=(cmake g++ make pkg-config nlohmann-json3-dev libboost-regex-dev ccache)
+TEST_PACKAGES=(libgtest-dev libgmock-dev libbenchmark-dev dpkg-dev clang libclang-rt-14-dev)
 
+# ensure_deps [build]: every package, or with "build" the first list only.
 ensure_deps() {
+  local wanted=("${BUILD_PACKAGES[@]}")
+  [ "${1:-}" = build ] || wanted+=("${TEST_PACKAGES[@]}")
   local missing=()
-  for package in "${REQUIRED_PACKAGES[@]}"; do
+  for package in "${wanted[@]}"; do
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" ||
       missing+=("$package")
   done

@@ -8,7 +8,7 @@ source scripts/deps.sh
 ensure_deps
 jobs=$(nproc)
 
-build_into build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+build_into build -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTOOLBASE_TESTS=ON -DTOOLBASE_BENCH=ON
 (cd build && ctest --output-on-failure -j"$jobs")
 
 build_into build-asan -DCMAKE_BUILD_TYPE=Debug -DTOOLBASE_SANITIZE=ON -DTOOLBASE_BENCH=OFF
