@@ -33,30 +33,48 @@ class NamespaceNode : public std::enable_shared_from_this<NamespaceNode> {
   NamespaceNode& operator=(NamespaceNode const&) = delete;
   virtual ~NamespaceNode();
 
-  virtual std::shared_ptr<NamespaceNode> GetThis();
-  virtual NodeType GetType() const;
+  // The operations are defined here, as calls of the library's own functions,
+  // so that a class derived in a plug-in fills its table of operations with
+  // addresses inside the plug-in: loading the plug-in then resolves no symbol
+  // for each inherited operation of each class.
+  virtual std::shared_ptr<NamespaceNode> GetThis() { return shared_from_this(); }
+  virtual NodeType GetType() const { return NodeType::Namespace; }
   // Names from the topmost ancestor down to this node.
-  virtual std::list<std::string> GetPath() const;
-  virtual std::string GetPathString(char separator) const;
-  virtual bool HasNamespaceNode(std::string const& name) const;
+  virtual std::list<std::string> GetPath() const { return PathWords(); }
+  virtual std::string GetPathString(char separator) const { return JoinPath(separator); }
+  virtual bool HasNamespaceNode(std::string const& name) const {
+    return GetNamespaceNode(name) != nullptr;
+  }
   // Children in the order they were registered.
-  virtual std::vector<std::string> GetNamespaceNodeNames() const;
-  virtual std::vector<std::shared_ptr<NamespaceNode>> GetNamespaceNodes() const;
+  virtual std::vector<std::string> GetNamespaceNodeNames() const { return ChildNames(); }
+  virtual std::vector<std::shared_ptr<NamespaceNode>> GetNamespaceNodes() const {
+    return children_;
+  }
   // The child of that name, or null.
-  virtual std::shared_ptr<NamespaceNode> GetNamespaceNode(std::string const& name) const;
+  virtual std::shared_ptr<NamespaceNode> GetNamespaceNode(std::string const& name) const {
+    return FindChild(name);
+  }
   // Takes `node` as the child `name`. A name that is already taken throws
   // std::invalid_argument and leaves the node unchanged; so does a null node.
-  virtual void RegisterNamespaceNode(std::shared_ptr<NamespaceNode> node, std::string name);
-  virtual void RegisterNamespaceNode(std::shared_ptr<NamespaceNode> node, char const* name);
+  virtual void RegisterNamespaceNode(std::shared_ptr<NamespaceNode> node, std::string name) {
+    Attach(std::move(node), name);
+  }
+  virtual void RegisterNamespaceNode(std::shared_ptr<NamespaceNode> node, char const* name) {
+    Attach(std::move(node), name ? name : "");
+  }
   // Follows `words` from this node as far as they name children, removing
   // each word used; returns the last node reached (this node if none).
-  virtual std::shared_ptr<NamespaceNode> ResolveNode(std::list<std::string>& words);
+  virtual std::shared_ptr<NamespaceNode> ResolveNode(std::list<std::string>& words) {
+    return Follow(words);
+  }
   // The child namespace `name`, made and registered if missing.
-  virtual std::shared_ptr<NamespaceNode> SubNamespace(std::string const& name);
+  virtual std::shared_ptr<NamespaceNode> SubNamespace(std::string const& name) {
+    return ChildNamespace(name);
+  }
   // The command behind this node, or null for a namespace.
-  virtual std::shared_ptr<Command> GetDispatcher();
-  virtual void SetParent(std::shared_ptr<NamespaceNode> parent);
-  virtual std::shared_ptr<NamespaceNode> GetParent() const;
+  virtual std::shared_ptr<Command> GetDispatcher() { return nullptr; }
+  virtual void SetParent(std::shared_ptr<NamespaceNode> parent) { parent_ = std::move(parent); }
+  virtual std::shared_ptr<NamespaceNode> GetParent() const { return parent_.lock(); }
 
   // A literal is kept by its address, not copied: the text must outlive the
   // node, as a plug-in's literals outlive the tree the plug-in builds.
@@ -76,7 +94,13 @@ class NamespaceNode : public std::enable_shared_from_this<NamespaceNode> {
   NamespaceNode() = default;
 
  private:
+  std::list<std::string> PathWords() const;
+  std::string JoinPath(char separator) const;
+  std::vector<std::string> ChildNames() const;
+  std::shared_ptr<NamespaceNode> FindChild(std::string_view name) const;
   void Attach(std::shared_ptr<NamespaceNode> node, std::string_view name);
+  std::shared_ptr<NamespaceNode> Follow(std::list<std::string>& words);
+  std::shared_ptr<NamespaceNode> ChildNamespace(std::string const& name);
 
   std::string_view description_;
   std::string owned_description_;
@@ -103,12 +127,21 @@ class CommandSpec : public NamespaceNode {
   std::shared_ptr<CallSpec::InputSpec> GetInputSpec();
   std::shared_ptr<CallSpec::OutputSpec> GetOutputSpec();
 
-  NodeType GetType() const override;
-  bool HasNamespaceNode(std::string const& name) const override;
-  std::shared_ptr<NamespaceNode> GetNamespaceNode(std::string const& name) const override;
-  void RegisterNamespaceNode(std::shared_ptr<NamespaceNode> node, std::string name) override;
-  void RegisterNamespaceNode(std::shared_ptr<NamespaceNode> node, char const* name) override;
-  std::shared_ptr<NamespaceNode> ResolveNode(std::list<std::string>& words) override;
+  NodeType GetType() const override { return NodeType::Command; }
+  bool HasNamespaceNode(std::string const&) const override { return false; }
+  std::shared_ptr<NamespaceNode> GetNamespaceNode(std::string const&) const override {
+    return nullptr;
+  }
+  // A command takes no children: these throw std::invalid_argument.
+  void RegisterNamespaceNode(std::shared_ptr<NamespaceNode>, std::string name) override {
+    RefuseChild(name);
+  }
+  void RegisterNamespaceNode(std::shared_ptr<NamespaceNode>, char const* name) override {
+    RefuseChild(name ? name : "");
+  }
+  std::shared_ptr<NamespaceNode> ResolveNode(std::list<std::string>&) override {
+    return GetThis();
+  }
 
   // A later call replaces an earlier one.
   void SetDefaultOutputFormatter(char const* formatter) { formatter_ = formatter; }
@@ -129,6 +162,8 @@ class CommandSpec : public NamespaceNode {
   virtual std::shared_ptr<CallSpec::OutputSpec> GetOutputSpecInternal() = 0;
 
  private:
+  [[noreturn]] void RefuseChild(std::string_view name) const;
+
   std::string formatter_;
   std::map<std::string, std::string> directives_;
 };
@@ -139,14 +174,19 @@ class Command : public CommandSpec {
   Command() = default;
   ~Command() override;
 
-  std::shared_ptr<Command> GetDispatcher() override;
+  std::shared_ptr<Command> GetDispatcher() override { return Self(); }
   // The framework's entry into the command; runs ExecuteInternal.
   virtual void Execute(std::shared_ptr<CallSpec::Input> const& input,
-                       std::shared_ptr<CallSpec::Output> const& output);
+                       std::shared_ptr<CallSpec::Output> const& output) {
+    ExecuteInternal(input, output);
+  }
 
  protected:
   virtual void ExecuteInternal(std::shared_ptr<CallSpec::Input> const& input,
                                std::shared_ptr<CallSpec::Output> const& output) = 0;
+
+ private:
+  std::shared_ptr<Command> Self();
 };
 
 }  // namespace Toolbase::AutoCli
