@@ -1,5 +1,8 @@
 // JSON form of the host state file: the top of the document, its line layout,
 // and the firewall.
+#include <rapidjson/error/en.h>
+
+#include <cstring>
 #include <optional>
 #include <stdexcept>
 #include <type_traits>
@@ -9,13 +12,95 @@
 
 namespace OrvkCtl::Sim {
 
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(ModuleState, name, loaded)
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(FirewallRuleState, name, port_type, port_begin,
-                                                port_end, direction, protocol)
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(FirewallRulesetState, id, enabled, client_count,
-                                                allowed_all, allowed_ips, rules)
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(FirewallState, enabled, default_action_pass,
-                                                dynamic_rules, rulesets)
+JSON_RECORD(ModuleState, name, loaded)
+JSON_RECORD(FirewallRuleState, name, port_type, port_begin, port_end, direction, protocol)
+JSON_RECORD(FirewallRulesetState, id, enabled, client_count, allowed_all, allowed_ips, rules)
+JSON_RECORD(FirewallState, enabled, default_action_pass, dynamic_rules, rulesets)
+
+namespace {
+
+constexpr unsigned kMaxNesting = 100;
+
+// The document's own SAX handling, refusing arrays and objects nested deeper
+// than kMaxNesting: the parser recurses once per level.
+class NestingGuard {
+ public:
+  explicit NestingGuard(rapidjson::Document& document) : document_(document) {}
+  bool Null() { return document_.Null(); }
+  bool Bool(bool b) { return document_.Bool(b); }
+  bool Int(int i) { return document_.Int(i); }
+  bool Uint(unsigned i) { return document_.Uint(i); }
+  bool Int64(int64_t i) { return document_.Int64(i); }
+  bool Uint64(uint64_t i) { return document_.Uint64(i); }
+  bool Double(double d) { return document_.Double(d); }
+  bool RawNumber(char const* s, rapidjson::SizeType n, bool copy) {
+    return document_.RawNumber(s, n, copy);
+  }
+  bool String(char const* s, rapidjson::SizeType n, bool copy) {
+    return document_.String(s, n, copy);
+  }
+  bool Key(char const* s, rapidjson::SizeType n, bool copy) { return document_.Key(s, n, copy); }
+  bool StartObject() { return Deeper() && document_.StartObject(); }
+  bool EndObject(rapidjson::SizeType n) { return --depth_, document_.EndObject(n); }
+  bool StartArray() { return Deeper() && document_.StartArray(); }
+  bool EndArray(rapidjson::SizeType n) { return --depth_, document_.EndArray(n); }
+  bool TooDeep() const { return depth_ > kMaxNesting; }
+
+ private:
+  bool Deeper() { return ++depth_ <= kMaxNesting; }
+  rapidjson::Document& document_;
+  unsigned depth_ = 0;
+};
+
+// Whether `text` is all ASCII, so needs no check of its UTF-8.
+bool IsAscii(std::string_view text) {
+  uint64_t bits = 0;
+  size_t i = 0;
+  for (; i + 8 <= text.size(); i += 8) {
+    uint64_t word;
+    std::memcpy(&word, text.data() + i, 8);
+    bits |= word;
+  }
+  for (; i < text.size(); ++i) bits |= static_cast<unsigned char>(text[i]);
+  return (bits & 0x8080808080808080u) == 0;
+}
+
+template <unsigned kFlags>
+void Parse(std::string& text, rapidjson::Document& document) {
+  rapidjson::ParseResult result;
+  bool too_deep = false;
+  auto generate = [&](rapidjson::Document& target) {
+    rapidjson::InsituStringStream stream(text.data());
+    NestingGuard guard(target);
+    rapidjson::Reader reader;
+    result = reader.Parse<kFlags | rapidjson::kParseInsituFlag>(stream, guard);
+    too_deep = guard.TooDeep();
+    return !result.IsError();
+  };
+  document.Populate(generate);
+  if (too_deep) {
+    throw std::runtime_error("parse error at offset " + std::to_string(result.Offset()) +
+                             ": nested deeper than " + std::to_string(kMaxNesting) + " levels");
+  }
+  if (result.IsError()) {
+    throw std::runtime_error("parse error at offset " + std::to_string(result.Offset()) + ": " +
+                             rapidjson::GetParseError_En(result.Code()));
+  }
+}
+
+}  // namespace
+
+void ParseDocument(std::string& text, rapidjson::Document& document) {
+  // JSON text has no NUL byte; the parser would take one for the end.
+  if (size_t nul = text.find('\0'); nul != std::string::npos) {
+    throw std::runtime_error("parse error at offset " + std::to_string(nul) + ": a NUL byte");
+  }
+  if (IsAscii(text)) {
+    Parse<rapidjson::kParseDefaultFlags>(text, document);
+  } else {
+    Parse<rapidjson::kParseValidateEncodingFlag>(text, document);
+  }
+}
 
 namespace {
 
@@ -25,14 +110,20 @@ constexpr std::string_view kTail = "}}\n";
 
 template <auto Member>
 void LoadMember(std::string_view text, HostModel& host) {
-  using Value = std::remove_cvref_t<decltype(host.*Member)>;
-  Value value = nlohmann::json::parse(text).get<Value>();
-  host.*Member = std::move(value);
+  ParseJson(text, host.*Member);
 }
 
 template <auto Member>
 std::string SaveMember(HostModel const& host) {
-  return nlohmann::json(host.*Member).dump();
+  return ToJson(host.*Member);
+}
+
+// A value as compact JSON text (ParseDocument bounds the recursion).
+std::string Dump(JsonValue const& value) {
+  rapidjson::StringBuffer buffer;
+  JsonWriter writer(buffer);
+  value.Accept(writer);
+  return std::string(buffer.GetString(), buffer.GetSize());
 }
 
 template <auto Member>
@@ -88,21 +179,30 @@ std::vector<std::string_view> SplitHostDocument(std::string& text) {
   if (text.find_first_not_of(" \t\r\n") == std::string::npos) {
     throw std::runtime_error("the file is empty");
   }
-  auto document = nlohmann::json::parse(text);
-  if (!document.is_object()) throw std::runtime_error("not a JSON object");
-  if (!document.contains("format") || !document["format"].is_number_integer()) {
+  std::string buffer = text;
+  rapidjson::Document document;
+  ParseDocument(buffer, document);
+  if (!document.IsObject()) throw std::runtime_error("not a JSON object");
+  auto format = document.FindMember("format");
+  if (format == document.MemberEnd() || !(format->value.IsInt64() || format->value.IsUint64())) {
     throw std::runtime_error("no \"format\" version");
   }
-  if (document["format"] != kFormatVersion) {
-    throw std::runtime_error("format version " + document["format"].dump() +
-                             " is not one this version reads (" +
-                             std::to_string(kFormatVersion) + ")");
+  if (!format->value.IsInt64() || format->value.GetInt64() != kFormatVersion) {
+    throw std::runtime_error("format version " + Dump(format->value) +
+                             " is not one this version reads (" + std::to_string(kFormatVersion) +
+                             ")");
   }
-  auto host = document.find("host");
-  if (host == document.end() || !host->is_object()) throw std::runtime_error("no \"host\" object");
+  auto host = document.FindMember("host");
+  if (host == document.MemberEnd() || !host->value.IsObject()) {
+    throw std::runtime_error("no \"host\" object");
+  }
   std::vector<std::string> values(fields.size());
-  for (size_t i = 0; i < fields.size(); ++i) {
-    if (auto value = host->find(fields[i].key); value != host->end()) values[i] = value->dump();
+  // A key given twice counts as its last value, as when reading a record.
+  for (auto const& member : host->value.GetObject()) {
+    std::string_view key(member.name.GetString(), member.name.GetStringLength());
+    for (size_t i = 0; i < fields.size(); ++i) {
+      if (fields[i].key == key) values[i] = Dump(member.value);
+    }
   }
   text = JoinHostDocument(std::vector<std::string_view>(values.begin(), values.end()));
   return *SplitLines(text, fields);

@@ -1,7 +1,7 @@
 # Installs the Debian packages the build needs, when any is missing.
 # Sourced by the other scripts.
 REQUIRED_PACKAGES=(cmake g++ make pkg-config libgtest-dev libgmock-dev libbenchmark-dev
-                   nlohmann-json3-dev libboost-regex-dev ccache dpkg-dev
+                   nlohmann-json3-dev rapidjson-dev libboost-regex-dev ccache dpkg-dev
                    clang libclang-rt-14-dev)
 
 ensure_deps() {

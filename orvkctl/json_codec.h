@@ -1,0 +1,330 @@
+// JSON conversion of the host model's records, for the state file codec
+// (host_json.cc, json_*.cc) only: nothing outside orvkctl's sources includes
+// this header.
+//
+// A record declares its fields once, in file order:
+//   JSON_RECORD(PauseState, supported, auto_negotiation, rx, tx)
+// which defines, in the record's namespace,
+//   void ReadJson(JsonValue const&, PauseState&);   // the whole record from an object
+//   void WriteJson(JsonWriter&, PauseState const&); // an object of the non-default fields
+//   bool SameJson(PauseState const&, PauseState const&);
+// and checks at compile time that the list names as many fields as the
+// record has. Members may be bool, integers, std::string, std::vector and
+// std::array of those, other records, or any type with its own three
+// functions (EepromImage in json_nic.cc).
+//
+// Reading: unknown keys are ignored; a missing key keeps the record's default;
+// a value of the wrong type, or an integer outside its member's range, throws
+// JsonError naming where it is ("pnics[2].mtu: ..."). Writing leaves out every
+// field equal to its value in a default-constructed record, so reading the
+// text back gives the record again.
+#pragma once
+
+#include <rapidjson/document.h>
+#include <rapidjson/stringbuffer.h>
+#include <rapidjson/writer.h>
+
+#include <array>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <limits>
+#include <span>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+#define JSON_HIDDEN __attribute__((visibility("hidden")))
+
+namespace OrvkCtl::Sim {
+
+using JsonValue = rapidjson::Value;
+using JsonWriter =
+    rapidjson::Writer<rapidjson::StringBuffer, rapidjson::UTF8<>, rapidjson::UTF8<>,
+                      rapidjson::CrtAllocator, rapidjson::kWriteValidateEncodingFlag>;
+
+// A value that does not fit the model, with the path to it.
+class JSON_HIDDEN JsonError : public std::exception {
+ public:
+  explicit JsonError(std::string reason) : reason_(std::move(reason)), text_(reason_) {}
+  // Puts the member `key` (or the element `index`) in front of the path.
+  void Within(std::string_view key);
+  void Within(size_t index);
+  char const* what() const noexcept override { return text_.c_str(); }
+
+ private:
+  void Compose() { text_ = path_.empty() ? reason_ : path_ + ": " + reason_; }
+  std::string path_;
+  std::string reason_;
+  std::string text_;
+};
+
+inline void JsonError::Within(std::string_view key) {
+  path_ = std::string(key) + (path_.empty() || path_.front() == '[' ? "" : ".") + path_;
+  Compose();
+}
+
+inline void JsonError::Within(size_t index) {
+  path_ = "[" + std::to_string(index) + "]" + (path_.empty() || path_.front() == '[' ? "" : ".") +
+          path_;
+  Compose();
+}
+
+// Parses `text` (one JSON value, nothing after it) and reads it into `out`
+// with ReadJson. Throws std::exception on malformed text or a value that does
+// not fit; `out` is then unchanged.
+template <class T>
+void ParseJson(std::string_view text, T& out);
+
+// `value` as compact JSON text. Throws JsonError on a string that is not UTF-8.
+template <class T>
+std::string ToJson(T const& value);
+
+// Parses `text` in place into `document`, whose strings then point into
+// `text`. Throws std::runtime_error ("parse error ...") on malformed text,
+// including a NUL byte, text that is not UTF-8, and arrays and objects nested
+// deeper than 100 levels.
+JSON_HIDDEN void ParseDocument(std::string& text, rapidjson::Document& document);
+
+// --- scalars and containers ---
+
+inline void ReadJson(JsonValue const& value, bool& out) {
+  if (!value.IsBool()) throw JsonError("expected true or false");
+  out = value.GetBool();
+}
+
+inline void ReadJson(JsonValue const& value, std::string& out) {
+  if (!value.IsString()) throw JsonError("expected a string");
+  out.assign(value.GetString(), value.GetStringLength());
+}
+
+template <class I>
+requires std::integral<I> &&(!std::same_as<I, bool>)void ReadJson(JsonValue const& value, I& out) {
+  using Limits = std::numeric_limits<I>;
+  if constexpr (std::is_signed_v<I>) {
+    if (value.IsInt64() && value.GetInt64() >= Limits::min() && value.GetInt64() <= Limits::max()) {
+      out = static_cast<I>(value.GetInt64());
+      return;
+    }
+  } else {
+    if (value.IsUint64() && value.GetUint64() <= Limits::max()) {
+      out = static_cast<I>(value.GetUint64());
+      return;
+    }
+  }
+  throw JsonError("expected an integer from " + std::to_string(Limits::min()) + " to " +
+                  std::to_string(Limits::max()));
+}
+
+template <class T>
+void ReadJson(JsonValue const& value, std::vector<T>& out) {
+  if (!value.IsArray()) throw JsonError("expected an array");
+  out.clear();
+  out.reserve(value.Size());
+  for (auto const& element : value.GetArray()) {
+    try {
+      ReadJson(element, out.emplace_back());
+    } catch (JsonError& error) {
+      error.Within(out.size() - 1);
+      throw;
+    }
+  }
+}
+
+template <class T, size_t N>
+void ReadJson(JsonValue const& value, std::array<T, N>& out) {
+  if (!value.IsArray() || value.Size() != N) {
+    throw JsonError("expected an array of " + std::to_string(N) + " elements");
+  }
+  for (size_t i = 0; i < N; ++i) {
+    try {
+      ReadJson(value[static_cast<rapidjson::SizeType>(i)], out[i]);
+    } catch (JsonError& error) {
+      error.Within(i);
+      throw;
+    }
+  }
+}
+
+inline void WriteJson(JsonWriter& writer, bool value) { writer.Bool(value); }
+
+inline void WriteJson(JsonWriter& writer, std::string const& value) {
+  if (!writer.String(value.data(), static_cast<rapidjson::SizeType>(value.size()))) {
+    throw JsonError("text that is not UTF-8 cannot be stored");
+  }
+}
+
+template <class I>
+requires std::integral<I> &&(!std::same_as<I, bool>)void WriteJson(JsonWriter& writer, I value) {
+  if constexpr (std::is_signed_v<I>) {
+    writer.Int64(value);
+  } else {
+    writer.Uint64(value);
+  }
+}
+
+template <class T>
+void WriteJson(JsonWriter& writer, std::vector<T> const& values) {
+  writer.StartArray();
+  for (auto const& value : values) WriteJson(writer, value);
+  writer.EndArray();
+}
+
+template <class T, size_t N>
+void WriteJson(JsonWriter& writer, std::array<T, N> const& values) {
+  writer.StartArray();
+  for (auto const& value : values) WriteJson(writer, value);
+  writer.EndArray();
+}
+
+template <class T>
+requires std::integral<T> || std::same_as<T, std::string>
+bool SameJson(T const& a, T const& b) { return a == b; }
+
+template <class T>
+bool SameJson(std::vector<T> const& a, std::vector<T> const& b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (!SameJson(a[i], b[i])) return false;
+  }
+  return true;
+}
+
+template <class T, size_t N>
+bool SameJson(std::array<T, N> const& a, std::array<T, N> const& b) {
+  for (size_t i = 0; i < N; ++i) {
+    if (!SameJson(a[i], b[i])) return false;
+  }
+  return true;
+}
+
+// --- records ---
+
+template <class R>
+struct JsonField {
+  std::string_view key;
+  void (*read)(JsonValue const& value, R& record);
+  void (*write)(JsonWriter& writer, R const& record);  // the value only
+  bool (*same)(R const& a, R const& b);
+};
+
+template <class R, class M, M R::*Member>
+constexpr JsonField<R> MakeJsonField(std::string_view key) {
+  return {key, [](JsonValue const& value, R& record) { ReadJson(value, record.*Member); },
+          [](JsonWriter& writer, R const& record) { WriteJson(writer, record.*Member); },
+          [](R const& a, R const& b) { return SameJson(a.*Member, b.*Member); }};
+}
+
+template <class R>
+void ReadRecord(JsonValue const& value, R& out, std::span<JsonField<R> const> fields) {
+  if (!value.IsObject()) throw JsonError("expected an object");
+  R record{};
+  // Keys come in field order when the library wrote them: look from the
+  // field after the last one found.
+  size_t next = 0;
+  for (auto const& member : value.GetObject()) {
+    std::string_view key(member.name.GetString(), member.name.GetStringLength());
+    size_t i = next;
+    size_t tried = 0;
+    for (; tried < fields.size() && fields[i].key != key; ++tried)
+      i = i + 1 == fields.size() ? 0 : i + 1;
+    if (tried == fields.size()) continue;  // a key of another version
+    try {
+      fields[i].read(member.value, record);
+    } catch (JsonError& error) {
+      error.Within(key);
+      throw;
+    }
+    next = i + 1 == fields.size() ? 0 : i + 1;
+  }
+  out = std::move(record);
+}
+
+template <class R>
+void WriteRecord(JsonWriter& writer, R const& record, std::span<JsonField<R> const> fields) {
+  static R const defaults{};
+  writer.StartObject();
+  for (auto const& field : fields) {
+    if (field.same(record, defaults)) continue;
+    writer.Key(field.key.data(), static_cast<rapidjson::SizeType>(field.key.size()));
+    field.write(writer, record);
+  }
+  writer.EndObject();
+}
+
+template <class R>
+bool SameRecord(R const& a, R const& b, std::span<JsonField<R> const> fields) {
+  for (auto const& field : fields) {
+    if (!field.same(a, b)) return false;
+  }
+  return true;
+}
+
+// The number of fields of the aggregate R: the most initializers it takes.
+struct JsonAnyField {
+  template <class T>
+  operator T() const;
+};
+template <class R, class... Fields>
+consteval size_t JsonFieldCount() {
+  if constexpr (requires { R{Fields{}..., JsonAnyField{}}; }) {
+    return JsonFieldCount<R, Fields..., JsonAnyField>();
+  } else {
+    return sizeof...(Fields);
+  }
+}
+
+template <class T>
+void ParseJson(std::string_view text, T& out) {
+  std::string buffer(text);
+  rapidjson::Document document;
+  ParseDocument(buffer, document);
+  T value{};
+  ReadJson(static_cast<JsonValue const&>(document), value);
+  out = std::move(value);
+}
+
+template <class T>
+std::string ToJson(T const& value) {
+  rapidjson::StringBuffer buffer;
+  JsonWriter writer(buffer);
+  WriteJson(writer, value);
+  return std::string(buffer.GetString(), buffer.GetSize());
+}
+
+}  // namespace OrvkCtl::Sim
+
+// Applies `macro(Type, field)` to every field (up to 256).
+#define JSON_PARENS ()
+#define JSON_EXPAND(...) JSON_EXPAND4(JSON_EXPAND4(JSON_EXPAND4(JSON_EXPAND4(__VA_ARGS__))))
+#define JSON_EXPAND4(...) JSON_EXPAND3(JSON_EXPAND3(JSON_EXPAND3(JSON_EXPAND3(__VA_ARGS__))))
+#define JSON_EXPAND3(...) JSON_EXPAND2(JSON_EXPAND2(JSON_EXPAND2(JSON_EXPAND2(__VA_ARGS__))))
+#define JSON_EXPAND2(...) JSON_EXPAND1(JSON_EXPAND1(JSON_EXPAND1(JSON_EXPAND1(__VA_ARGS__))))
+#define JSON_EXPAND1(...) __VA_ARGS__
+#define JSON_FOR_EACH(macro, Type, ...) \
+  __VA_OPT__(JSON_EXPAND(JSON_FOR_EACH_NEXT(macro, Type, __VA_ARGS__)))
+#define JSON_FOR_EACH_NEXT(macro, Type, field, ...) \
+  macro(Type, field) __VA_OPT__(JSON_FOR_EACH_AGAIN JSON_PARENS(macro, Type, __VA_ARGS__))
+#define JSON_FOR_EACH_AGAIN() JSON_FOR_EACH_NEXT
+
+#define JSON_FIELD_OF(Type, field) \
+  ::OrvkCtl::Sim::MakeJsonField<Type, decltype(Type::field), &Type::field>(#field),
+#define JSON_COUNT_ONE(Type, field) +1
+
+#define JSON_RECORD(Type, ...)                                                         \
+  static_assert(::OrvkCtl::Sim::JsonFieldCount<Type>() ==                              \
+                    0 JSON_FOR_EACH(JSON_COUNT_ONE, Type, __VA_ARGS__),                \
+                "JSON_RECORD(" #Type ", ...) must name every field of " #Type);        \
+  static constexpr ::OrvkCtl::Sim::JsonField<Type> kJsonFieldsOf##Type[] = {           \
+      JSON_FOR_EACH(JSON_FIELD_OF, Type, __VA_ARGS__)};                                \
+  JSON_HIDDEN void ReadJson(::OrvkCtl::Sim::JsonValue const& value, Type& out) {       \
+    ::OrvkCtl::Sim::ReadRecord<Type>(value, out, kJsonFieldsOf##Type);                 \
+  }                                                                                    \
+  JSON_HIDDEN void WriteJson(::OrvkCtl::Sim::JsonWriter& writer, Type const& record) { \
+    ::OrvkCtl::Sim::WriteRecord<Type>(writer, record, kJsonFieldsOf##Type);            \
+  }                                                                                    \
+  JSON_HIDDEN bool SameJson(Type const& a, Type const& b) {                            \
+    return ::OrvkCtl::Sim::SameRecord<Type>(a, b, kJsonFieldsOf##Type);                \
+  }
