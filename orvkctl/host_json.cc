@@ -1,7 +1,5 @@
 // JSON form of the host state file: the top of the document, its line layout,
 // and the firewall.
-#include <rapidjson/error/en.h>
-
 #include <cstring>
 #include <optional>
 #include <stdexcept>
@@ -51,19 +49,6 @@ class NestingGuard {
   rapidjson::Document& document_;
   unsigned depth_ = 0;
 };
-
-// Whether `text` is all ASCII, so needs no check of its UTF-8.
-bool IsAscii(std::string_view text) {
-  uint64_t bits = 0;
-  size_t i = 0;
-  for (; i + 8 <= text.size(); i += 8) {
-    uint64_t word;
-    std::memcpy(&word, text.data() + i, 8);
-    bits |= word;
-  }
-  for (; i < text.size(); ++i) bits |= static_cast<unsigned char>(text[i]);
-  return (bits & 0x8080808080808080u) == 0;
-}
 
 template <unsigned kFlags>
 void Parse(std::string& text, rapidjson::Document& document) {

@@ -269,23 +269,42 @@ HostModel const& ReadHost() { return Loaded(kAreaAll); }
 void ChangeHost(AreaSet areas, std::function<void(HostModel&)> const& change) {
   Store& store = TheStore();
   HostModel& host = Loaded(areas);
-  HostModel changed = host;
-  AreaSet before = store.current.loaded;
-  change(changed);
-  // Areas that `change` read through ReadHost() were loaded into the host,
-  // not into the copy: take them over, or they would be written back empty.
-  if (AreaSet grown = store.current.loaded & ~before) {
+  if (store.in_transaction) {
+    // The host holds the transaction's changes, which the file does not: a
+    // failed change must leave them, so it changes a copy.
+    HostModel changed = host;
+    AreaSet before = store.current.loaded;
+    change(changed);
+    // Areas that `change` read through ReadHost() were loaded into the host,
+    // not into the copy: take them over, or they would be written back empty.
+    if (AreaSet grown = store.current.loaded & ~before) {
+      auto const& fields = HostFields();
+      for (size_t i = 0; i < fields.size(); ++i) {
+        if ((fields[i].area & grown) && !store.texts[i].empty())
+          fields[i].load(store.texts[i], changed);
+      }
+    }
+    store.changed_in_transaction = true;
+    host = std::move(changed);
+    return;
+  }
+  // Outside a transaction the host is the file: change it in place (copying
+  // a large area costs more than the change) and, should the change or the
+  // write fail, read the loaded areas back from the file's text.
+  try {
+    change(host);
+    Save(store, Compose(store, host, store.current.loaded));
+  } catch (...) {
+    HostModel restored;
     auto const& fields = HostFields();
     for (size_t i = 0; i < fields.size(); ++i) {
-      if ((fields[i].area & grown) && !store.texts[i].empty()) fields[i].load(store.texts[i], changed);
+      if ((fields[i].area & store.current.loaded) && !store.texts[i].empty()) {
+        fields[i].load(store.texts[i], restored);
+      }
     }
+    host = std::move(restored);
+    throw;
   }
-  if (store.in_transaction) {
-    store.changed_in_transaction = true;
-  } else {
-    Save(store, Compose(store, changed, store.current.loaded));
-  }
-  host = std::move(changed);
 }
 
 void ChangeHost(std::function<void(HostModel&)> const& change) { ChangeHost(kAreaAll, change); }
@@ -345,7 +364,8 @@ const char* OrvkCtl_CommitTransaction() {
   store.in_transaction = false;
   if (!store.changed_in_transaction) return nullptr;
   try {
-    OrvkCtl::Sim::Save(store, OrvkCtl::Sim::Compose(store, store.current.host, store.current.loaded));
+    OrvkCtl::Sim::Save(store,
+                       OrvkCtl::Sim::Compose(store, store.current.host, store.current.loaded));
   } catch (std::exception const& error) {
     store.current = store.begin;
     store.message = error.what();

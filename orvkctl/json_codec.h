@@ -3,11 +3,12 @@
 // this header.
 //
 // A record declares its fields once, in file order:
-//   JSON_RECORD(PauseState, supported, auto_negotiation, rx, tx)
+//   JSON_RECORD(LinkModeState, speed, duplex, media)
 // which defines, in the record's namespace,
-//   void ReadJson(JsonValue const&, PauseState&);   // the whole record from an object
-//   void WriteJson(JsonWriter&, PauseState const&); // an object of the non-default fields
-//   bool SameJson(PauseState const&, PauseState const&);
+//   void ReadJson(JsonValue const&, LinkModeState&);    // the record an object gives
+//   void FillJson(JsonValue const&, LinkModeState&);    // the same into a default one
+//   void WriteJson(JsonWriter&, LinkModeState const&);  // an object of non-default fields
+//   bool SameJson(LinkModeState const&, LinkModeState const&);
 // and checks at compile time that the list names as many fields as the
 // record has. Members may be bool, integers, std::string, std::vector and
 // std::array of those, other records, or any type with its own three
@@ -20,7 +21,12 @@
 // text back gives the record again.
 #pragma once
 
+// Nothing of the codec is for other libraries: keep it out of the dynamic
+// symbol table, which every process binds at start-up.
+#pragma GCC visibility push(hidden)
+
 #include <rapidjson/document.h>
+#include <rapidjson/error/en.h>
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
@@ -28,6 +34,7 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <exception>
 #include <limits>
 #include <span>
@@ -41,9 +48,8 @@
 namespace OrvkCtl::Sim {
 
 using JsonValue = rapidjson::Value;
-using JsonWriter =
-    rapidjson::Writer<rapidjson::StringBuffer, rapidjson::UTF8<>, rapidjson::UTF8<>,
-                      rapidjson::CrtAllocator, rapidjson::kWriteValidateEncodingFlag>;
+// Strings are checked for UTF-8 by WriteJson, faster than the writer would.
+using JsonWriter = rapidjson::Writer<rapidjson::StringBuffer>;
 
 // A value that does not fit the model, with the path to it.
 class JSON_HIDDEN JsonError : public std::exception {
@@ -88,6 +94,40 @@ std::string ToJson(T const& value);
 // deeper than 100 levels.
 JSON_HIDDEN void ParseDocument(std::string& text, rapidjson::Document& document);
 
+// Whether `text` is all ASCII.
+inline bool IsAscii(std::string_view text) {
+  uint64_t bits = 0;
+  size_t i = 0;
+  for (; i + 8 <= text.size(); i += 8) {
+    uint64_t word;
+    std::memcpy(&word, text.data() + i, 8);
+    bits |= word;
+  }
+  for (; i < text.size(); ++i) bits |= static_cast<unsigned char>(text[i]);
+  return (bits & 0x8080808080808080u) == 0;
+}
+
+// A string as a stream for rapidjson's UTF-8 decoder, read as NUL past its
+// end (which no multi-byte sequence accepts).
+struct JsonUtf8Stream {
+  using Ch = char;
+  char Peek() const { return at < text.size() ? text[at] : '\0'; }
+  char Take() { return at < text.size() ? text[at++] : (++at, '\0'); }
+  std::string_view text;
+  size_t at = 0;
+};
+
+// Whether `text` is well-formed UTF-8.
+inline bool IsUtf8(std::string_view text) {
+  if (IsAscii(text)) return true;
+  JsonUtf8Stream stream{text};
+  while (stream.at < text.size()) {
+    unsigned codepoint;
+    if (!rapidjson::UTF8<>::Decode(stream, &codepoint) || stream.at > text.size()) return false;
+  }
+  return true;
+}
+
 // --- scalars and containers ---
 
 inline void ReadJson(JsonValue const& value, bool& out) {
@@ -125,7 +165,12 @@ void ReadJson(JsonValue const& value, std::vector<T>& out) {
   out.reserve(value.Size());
   for (auto const& element : value.GetArray()) {
     try {
-      ReadJson(element, out.emplace_back());
+      // A record is filled in place: the new element has its defaults already.
+      if constexpr (requires(T & record) { FillJson(element, record); }) {
+        FillJson(element, out.emplace_back());
+      } else {
+        ReadJson(element, out.emplace_back());
+      }
     } catch (JsonError& error) {
       error.Within(out.size() - 1);
       throw;
@@ -151,9 +196,8 @@ void ReadJson(JsonValue const& value, std::array<T, N>& out) {
 inline void WriteJson(JsonWriter& writer, bool value) { writer.Bool(value); }
 
 inline void WriteJson(JsonWriter& writer, std::string const& value) {
-  if (!writer.String(value.data(), static_cast<rapidjson::SizeType>(value.size()))) {
-    throw JsonError("text that is not UTF-8 cannot be stored");
-  }
+  if (!IsUtf8(value)) throw JsonError("text that is not UTF-8 cannot be stored");
+  writer.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
 }
 
 template <class I>
@@ -217,10 +261,10 @@ constexpr JsonField<R> MakeJsonField(std::string_view key) {
           [](R const& a, R const& b) { return SameJson(a.*Member, b.*Member); }};
 }
 
+// Sets the fields of `record` (a default one) that `value` has.
 template <class R>
-void ReadRecord(JsonValue const& value, R& out, std::span<JsonField<R> const> fields) {
+void FillRecord(JsonValue const& value, R& record, std::span<JsonField<R> const> fields) {
   if (!value.IsObject()) throw JsonError("expected an object");
-  R record{};
   // Keys come in field order when the library wrote them: look from the
   // field after the last one found.
   size_t next = 0;
@@ -239,7 +283,6 @@ void ReadRecord(JsonValue const& value, R& out, std::span<JsonField<R> const> fi
     }
     next = i + 1 == fields.size() ? 0 : i + 1;
   }
-  out = std::move(record);
 }
 
 template <class R>
@@ -319,8 +362,12 @@ std::string ToJson(T const& value) {
                 "JSON_RECORD(" #Type ", ...) must name every field of " #Type);        \
   static constexpr ::OrvkCtl::Sim::JsonField<Type> kJsonFieldsOf##Type[] = {           \
       JSON_FOR_EACH(JSON_FIELD_OF, Type, __VA_ARGS__)};                                \
+  JSON_HIDDEN void FillJson(::OrvkCtl::Sim::JsonValue const& value, Type& out) {       \
+    ::OrvkCtl::Sim::FillRecord<Type>(value, out, kJsonFieldsOf##Type);                 \
+  }                                                                                    \
   JSON_HIDDEN void ReadJson(::OrvkCtl::Sim::JsonValue const& value, Type& out) {       \
-    ::OrvkCtl::Sim::ReadRecord<Type>(value, out, kJsonFieldsOf##Type);                 \
+    out = Type{};                                                                      \
+    ::OrvkCtl::Sim::FillRecord<Type>(value, out, kJsonFieldsOf##Type);                 \
   }                                                                                    \
   JSON_HIDDEN void WriteJson(::OrvkCtl::Sim::JsonWriter& writer, Type const& record) { \
     ::OrvkCtl::Sim::WriteRecord<Type>(writer, record, kJsonFieldsOf##Type);            \
@@ -328,3 +375,5 @@ std::string ToJson(T const& value) {
   JSON_HIDDEN bool SameJson(Type const& a, Type const& b) {                            \
     return ::OrvkCtl::Sim::SameRecord<Type>(a, b, kJsonFieldsOf##Type);                \
   }
+
+#pragma GCC visibility pop
