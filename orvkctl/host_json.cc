@@ -23,7 +23,10 @@ constexpr unsigned kMaxNesting = 100;
 // than kMaxNesting: the parser recurses once per level.
 class NestingGuard {
  public:
-  explicit NestingGuard(rapidjson::Document& document) : document_(document) {}
+  // Notes where each object begins and ends in `objects`, when given.
+  NestingGuard(rapidjson::Document& document, rapidjson::InsituStringStream& stream,
+               JsonObjectSpans* objects)
+      : document_(document), stream_(stream), objects_(objects) {}
   bool Null() { return document_.Null(); }
   bool Bool(bool b) { return document_.Bool(b); }
   bool Int(int i) { return document_.Int(i); }
@@ -38,8 +41,20 @@ class NestingGuard {
     return document_.String(s, n, copy);
   }
   bool Key(char const* s, rapidjson::SizeType n, bool copy) { return document_.Key(s, n, copy); }
-  bool StartObject() { return Deeper() && document_.StartObject(); }
-  bool EndObject(rapidjson::SizeType n) { return --depth_, document_.EndObject(n); }
+  bool StartObject() {
+    if (objects_) {
+      open_.push_back(objects_->size());
+      objects_->emplace_back(static_cast<uint32_t>(stream_.Tell() - 1), 0);
+    }
+    return Deeper() && document_.StartObject();
+  }
+  bool EndObject(rapidjson::SizeType n) {
+    if (objects_) {
+      (*objects_)[open_.back()].second = static_cast<uint32_t>(stream_.Tell());
+      open_.pop_back();
+    }
+    return --depth_, document_.EndObject(n);
+  }
   bool StartArray() { return Deeper() && document_.StartArray(); }
   bool EndArray(rapidjson::SizeType n) { return --depth_, document_.EndArray(n); }
   bool TooDeep() const { return depth_ > kMaxNesting; }
@@ -47,16 +62,19 @@ class NestingGuard {
  private:
   bool Deeper() { return ++depth_ <= kMaxNesting; }
   rapidjson::Document& document_;
+  rapidjson::InsituStringStream& stream_;
+  JsonObjectSpans* objects_;
+  std::vector<size_t> open_;
   unsigned depth_ = 0;
 };
 
 template <unsigned kFlags>
-void Parse(std::string& text, rapidjson::Document& document) {
+void Parse(std::string& text, rapidjson::Document& document, JsonObjectSpans* objects) {
   rapidjson::ParseResult result;
   bool too_deep = false;
   auto generate = [&](rapidjson::Document& target) {
     rapidjson::InsituStringStream stream(text.data());
-    NestingGuard guard(target);
+    NestingGuard guard(target, stream, objects);
     rapidjson::Reader reader;
     result = reader.Parse<kFlags | rapidjson::kParseInsituFlag>(stream, guard);
     too_deep = guard.TooDeep();
@@ -75,40 +93,66 @@ void Parse(std::string& text, rapidjson::Document& document) {
 
 }  // namespace
 
-void ParseDocument(std::string& text, rapidjson::Document& document) {
+void ParseDocument(std::string& text, rapidjson::Document& document, JsonObjectSpans* objects) {
+  if (text.size() > UINT32_MAX) throw std::runtime_error("the text is too long");
   // JSON text has no NUL byte; the parser would take one for the end.
   if (size_t nul = text.find('\0'); nul != std::string::npos) {
     throw std::runtime_error("parse error at offset " + std::to_string(nul) + ": a NUL byte");
   }
   if (IsAscii(text)) {
-    Parse<rapidjson::kParseDefaultFlags>(text, document);
+    Parse<rapidjson::kParseDefaultFlags>(text, document, objects);
   } else {
-    Parse<rapidjson::kParseValidateEncodingFlag>(text, document);
+    Parse<rapidjson::kParseValidateEncodingFlag>(text, document, objects);
   }
+}
+
+std::string_view SourceOf(JsonParse const& parse, JsonValue const& object) {
+  if (object.MemberCount() == 0) return {};
+  // Parsed in place, a key's text stays where it was, after its quote, and
+  // the object's brace comes before that, after blanks at most.
+  char const* key = object.MemberBegin()->name.GetString();
+  char const* base = parse.buffer.data();
+  if (key <= base || key > base + parse.buffer.size()) return {};
+  size_t begin = static_cast<size_t>(key - base) - 1;
+  while (begin > 0 && parse.text[begin - 1] != '{') --begin;
+  if (begin == 0) return {};
+  --begin;
+  auto const& objects = parse.objects;
+  // Objects are asked for in the order they come, mostly: look on from the
+  // last one found.
+  size_t& at = parse.cursor;
+  if (at >= objects.size() || objects[at].first > begin) at = 0;
+  while (at < objects.size() && objects[at].first < begin) ++at;
+  if (at == objects.size() || objects[at].first != begin) return {};
+  return parse.text.substr(begin, objects[at].second - begin);
 }
 
 namespace {
 
 constexpr int kFormatVersion = 1;
-constexpr std::string_view kHead = "{\"format\":1,\"host\":{\n";
+// The head of a document whose records are all as this library writes them
+// (the elements of a record's arrays may then be copied when unchanged), and
+// that of one laid out in lines that may have been written otherwise.
+constexpr std::string_view kHead = "{\"format\":1,\"layout\":\"compact\",\"host\":{\n";
+constexpr std::string_view kPlainHead = "{\"format\":1,\"host\":{\n";
 constexpr std::string_view kTail = "}}\n";
 
 template <auto Member>
-void LoadMember(std::string_view text, HostModel& host) {
-  ParseJson(text, host.*Member);
+void LoadMember(std::string_view text, HostModel& host, ElementTexts* texts) {
+  ParseJson(text, host.*Member, texts);
 }
 
 template <auto Member>
-std::string SaveMember(HostModel const& host) {
-  return ToJson(host.*Member);
+void SaveMember(HostModel const& host, ElementTexts const* texts, std::string& out) {
+  AppendJson(host.*Member, texts, out);
 }
 
 // A value as compact JSON text (ParseDocument bounds the recursion).
 std::string Dump(JsonValue const& value) {
-  rapidjson::StringBuffer buffer;
-  JsonWriter writer(buffer);
+  std::string text;
+  JsonWriter writer(text);
   value.Accept(writer);
-  return std::string(buffer.GetString(), buffer.GetSize());
+  return text;
 }
 
 template <auto Member>
@@ -118,9 +162,12 @@ HostField Field(std::string_view key, AreaSet area) {
 
 // The line layout, or nothing when `text` is laid out otherwise.
 std::optional<std::vector<std::string_view>> SplitLines(std::string_view text,
-                                                        std::vector<HostField> const& fields) {
-  if (!text.starts_with(kHead) || !text.ends_with(kTail)) return std::nullopt;
-  std::string_view body = text.substr(kHead.size(), text.size() - kHead.size() - kTail.size());
+                                                        std::vector<HostField> const& fields,
+                                                        bool* compact) {
+  std::string_view head = text.starts_with(kHead) ? kHead : kPlainHead;
+  if (!text.starts_with(head) || !text.ends_with(kTail)) return std::nullopt;
+  if (compact) *compact = head == kHead;
+  std::string_view body = text.substr(head.size(), text.size() - head.size() - kTail.size());
   std::vector<std::string_view> texts(fields.size());
   std::vector<bool> seen(fields.size());
   while (!body.empty()) {
@@ -158,9 +205,9 @@ std::vector<HostField> const& HostFields() {
   return fields;
 }
 
-std::vector<std::string_view> SplitHostDocument(std::string& text) {
+std::vector<std::string_view> SplitHostDocument(std::string& text, bool* compact) {
   auto const& fields = HostFields();
-  if (auto texts = SplitLines(text, fields)) return std::move(*texts);
+  if (auto texts = SplitLines(text, fields, compact)) return std::move(*texts);
   if (text.find_first_not_of(" \t\r\n") == std::string::npos) {
     throw std::runtime_error("the file is empty");
   }
@@ -189,26 +236,34 @@ std::vector<std::string_view> SplitHostDocument(std::string& text) {
       if (fields[i].key == key) values[i] = Dump(member.value);
     }
   }
-  text = JoinHostDocument(std::vector<std::string_view>(values.begin(), values.end()));
-  return *SplitLines(text, fields);
+  text = JoinHostDocument(std::vector<std::string_view>(values.begin(), values.end()), false);
+  return *SplitLines(text, fields, compact);
 }
 
-std::string JoinHostDocument(std::vector<std::string_view> const& texts) {
+std::string JoinHostDocument(std::vector<std::string_view> const& texts, bool compact,
+                             HostModel const* host, AreaSet loaded,
+                             ElementTexts const* element_texts) {
   auto const& fields = HostFields();
-  size_t size = kHead.size() + kTail.size();
+  std::string_view head = compact ? kHead : kPlainHead;
+  size_t size = head.size() + kTail.size();
   for (size_t i = 0; i < fields.size(); ++i) size += fields[i].key.size() + texts[i].size() + 5;
   std::string document;
-  document.reserve(size);
-  document += kHead;
+  document.reserve(size + (loaded ? 4096 : 0));  // room for a change
+  document += head;
   bool first = true;
   for (size_t i = 0; i < fields.size(); ++i) {
-    if (texts[i].empty()) continue;
+    bool from_host = host && (loaded & fields[i].area);
+    if (!from_host && texts[i].empty()) continue;
     if (!first) document += ",\n";
     first = false;
     document += '"';
     document += fields[i].key;
     document += "\":";
-    document += texts[i];
+    if (from_host) {
+      fields[i].save(*host, element_texts, document);
+    } else {
+      document += texts[i];
+    }
   }
   if (!first) document += '\n';
   document += kTail;
@@ -216,9 +271,8 @@ std::string JoinHostDocument(std::vector<std::string_view> const& texts) {
 }
 
 std::string HostToJson(HostModel const& host) {
-  std::vector<std::string> values;
-  for (auto const& field : HostFields()) values.push_back(field.save(host));
-  return JoinHostDocument(std::vector<std::string_view>(values.begin(), values.end()));
+  return JoinHostDocument(std::vector<std::string_view>(HostFields().size()), true, &host,
+                          kAreaAll);
 }
 
 HostModel HostFromJson(std::string const& text) {
@@ -227,7 +281,7 @@ HostModel HostFromJson(std::string const& text) {
   std::vector<std::string_view> texts = SplitHostDocument(document);
   HostModel host;
   for (size_t i = 0; i < fields.size(); ++i) {
-    if (!texts[i].empty()) fields[i].load(texts[i], host);
+    if (!texts[i].empty()) fields[i].load(texts[i], host, nullptr);
   }
   return host;
 }

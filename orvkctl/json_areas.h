@@ -8,9 +8,11 @@
 
 namespace OrvkCtl::Sim {
 
-#define JSON_AREA(Area)                                               \
-  JSON_HIDDEN void ReadJson(JsonValue const& value, Area& out);       \
-  JSON_HIDDEN void WriteJson(JsonWriter& writer, Area const& record); \
+#define JSON_AREA(Area)                                                  \
+  JSON_HIDDEN void ReadJson(JsonValue const& value, Area& out);          \
+  JSON_HIDDEN void WriteJson(JsonWriter& writer, Area const& record);    \
+  JSON_HIDDEN void WriteJsonDiff(JsonWriter& writer, Area const& record, \
+                                 ElementTexts const& texts);             \
   JSON_HIDDEN bool SameJson(Area const& a, Area const& b);
 
 JSON_AREA(NicArea)

@@ -27,7 +27,6 @@
 
 #include <rapidjson/document.h>
 #include <rapidjson/error/en.h>
-#include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
 #include <array>
@@ -43,13 +42,35 @@
 #include <type_traits>
 #include <vector>
 
+#include "host_store.h"
+
 #define JSON_HIDDEN __attribute__((visibility("hidden")))
 
 namespace OrvkCtl::Sim {
 
 using JsonValue = rapidjson::Value;
-// Strings are checked for UTF-8 by WriteJson, faster than the writer would.
-using JsonWriter = rapidjson::Writer<rapidjson::StringBuffer>;
+// Appends the writer's output to a string.
+struct JsonStringOut {
+  using Ch = char;
+  void Put(char c) { text->push_back(c); }
+  void Flush() {}
+  std::string* text;
+};
+
+// Writes to the end of a string. Strings are checked for UTF-8 by
+// WriteJson, faster than the writer would.
+class JsonWriter : public rapidjson::Writer<JsonStringOut> {
+ public:
+  explicit JsonWriter(std::string& text) : Writer(out_), out_{&text} {}
+  // Writes `json`, a value of type `type` in JSON, as it is.
+  void Raw(std::string_view json, rapidjson::Type type) {
+    RawValue(json.data(), 0, type);  // what goes before it
+    out_.text->append(json);
+  }
+
+ private:
+  JsonStringOut out_;
+};
 
 // A value that does not fit the model, with the path to it.
 class JSON_HIDDEN JsonError : public std::exception {
@@ -80,19 +101,49 @@ inline void JsonError::Within(size_t index) {
 
 // Parses `text` (one JSON value, nothing after it) and reads it into `out`
 // with ReadJson. Throws std::exception on malformed text or a value that does
-// not fit; `out` is then unchanged.
+// not fit; `out` is then unchanged. With `texts`, notes there the arrays of
+// records read and keeps the parse for ToJson.
 template <class T>
-void ParseJson(std::string_view text, T& out);
+void ParseJson(std::string_view text, T& out, ElementTexts* texts = nullptr);
 
-// `value` as compact JSON text. Throws JsonError on a string that is not UTF-8.
+// Appends `value` as compact JSON text to `out`. Throws JsonError on a
+// string that is not UTF-8. Elements of arrays noted in `texts` that the
+// text there still describes are copied from it.
 template <class T>
-std::string ToJson(T const& value);
+void AppendJson(T const& value, ElementTexts const* texts, std::string& out);
+
+// Offsets [begin, end) of objects in a text, by begin.
+using JsonObjectSpans = std::vector<std::pair<uint32_t, uint32_t>>;
+
+// A text parsed, kept while a write may copy from it.
+struct JsonParse {
+  std::string_view text;  // as given; outlives this
+  std::string buffer;     // its copy, parsed in place
+  rapidjson::Document document;
+  JsonObjectSpans objects;
+  mutable size_t cursor = 0;  // in `objects`, where the last one was found
+};
+// The text of `object`, parsed from `parse`; empty when it has no member to
+// place it by.
+JSON_HIDDEN std::string_view SourceOf(JsonParse const& parse, JsonValue const& object);
+
+// While ParseJson(..., texts) reads.
+struct JsonLoad {
+  ElementTexts* texts;
+  JsonParse const* parse;
+};
+inline JsonLoad*& CurrentJsonLoad() {
+  static thread_local JsonLoad* load = nullptr;
+  return load;
+}
 
 // Parses `text` in place into `document`, whose strings then point into
 // `text`. Throws std::runtime_error ("parse error ...") on malformed text,
 // including a NUL byte, text that is not UTF-8, and arrays and objects nested
 // deeper than 100 levels.
-JSON_HIDDEN void ParseDocument(std::string& text, rapidjson::Document& document);
+// Notes the offsets of every object in `objects` when given.
+JSON_HIDDEN void ParseDocument(std::string& text, rapidjson::Document& document,
+                               JsonObjectSpans* objects = nullptr);
 
 // Whether `text` is all ASCII.
 inline bool IsAscii(std::string_view text) {
@@ -130,6 +181,9 @@ inline bool IsUtf8(std::string_view text) {
 
 // --- scalars and containers ---
 
+template <class T>
+concept JsonInteger = std::integral<T> && !std::same_as<T, bool>;
+
 inline void ReadJson(JsonValue const& value, bool& out) {
   if (!value.IsBool()) throw JsonError("expected true or false");
   out = value.GetBool();
@@ -140,8 +194,8 @@ inline void ReadJson(JsonValue const& value, std::string& out) {
   out.assign(value.GetString(), value.GetStringLength());
 }
 
-template <class I>
-requires std::integral<I> &&(!std::same_as<I, bool>)void ReadJson(JsonValue const& value, I& out) {
+template <JsonInteger I>
+void ReadJson(JsonValue const& value, I& out) {
   using Limits = std::numeric_limits<I>;
   if constexpr (std::is_signed_v<I>) {
     if (value.IsInt64() && value.GetInt64() >= Limits::min() && value.GetInt64() <= Limits::max()) {
@@ -163,6 +217,9 @@ void ReadJson(JsonValue const& value, std::vector<T>& out) {
   if (!value.IsArray()) throw JsonError("expected an array");
   out.clear();
   out.reserve(value.Size());
+  if constexpr (requires(T & record) { FillJson(value, record); }) {
+    if (JsonLoad* load = CurrentJsonLoad()) load->texts->arrays[&out] = {&value, load->parse};
+  }
   for (auto const& element : value.GetArray()) {
     try {
       // A record is filled in place: the new element has its defaults already.
@@ -200,8 +257,8 @@ inline void WriteJson(JsonWriter& writer, std::string const& value) {
   writer.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
 }
 
-template <class I>
-requires std::integral<I> &&(!std::same_as<I, bool>)void WriteJson(JsonWriter& writer, I value) {
+template <JsonInteger I>
+void WriteJson(JsonWriter& writer, I value) {
   if constexpr (std::is_signed_v<I>) {
     writer.Int64(value);
   } else {
@@ -244,6 +301,90 @@ bool SameJson(std::array<T, N> const& a, std::array<T, N> const& b) {
   return true;
 }
 
+// Whether `value` is exactly what reading `json` gives.
+inline bool SameAsJson(bool value, JsonValue const& json) {
+  return json.IsBool() && json.GetBool() == value;
+}
+
+inline bool SameAsJson(std::string const& value, JsonValue const& json) {
+  return json.IsString() && std::string_view(json.GetString(), json.GetStringLength()) == value;
+}
+
+template <JsonInteger I>
+bool SameAsJson(I value, JsonValue const& json) {
+  if constexpr (std::is_signed_v<I>) {
+    return json.IsInt64() && json.GetInt64() == value;
+  } else {
+    return json.IsUint64() && json.GetUint64() == value;
+  }
+}
+
+template <class T>
+bool SameAsJson(std::vector<T> const& values, JsonValue const& json) {
+  if (!json.IsArray() || json.Size() != values.size()) return false;
+  for (size_t i = 0; i < values.size(); ++i) {
+    if (!SameAsJson(values[i], json[static_cast<rapidjson::SizeType>(i)])) return false;
+  }
+  return true;
+}
+
+template <class T, size_t N>
+bool SameAsJson(std::array<T, N> const& values, JsonValue const& json) {
+  if (!json.IsArray() || json.Size() != N) return false;
+  for (size_t i = 0; i < N; ++i) {
+    if (!SameAsJson(values[i], json[static_cast<rapidjson::SizeType>(i)])) return false;
+  }
+  return true;
+}
+
+// Writes `value` copying from `texts` the elements of its arrays of records
+// that the text there still describes. For other types, as WriteJson.
+template <class T>
+void WriteJsonDiff(JsonWriter& writer, T const& value, ElementTexts const&) {
+  WriteJson(writer, value);
+}
+
+template <class T>
+void WriteJsonDiff(JsonWriter& writer, std::vector<T> const& values, ElementTexts const& texts) {
+  JsonValue const* old = nullptr;
+  JsonParse const* parse = nullptr;
+  if constexpr (requires(JsonValue const& value, T& record) { FillJson(value, record); }) {
+    if (auto found = texts.arrays.find(&values); found != texts.arrays.end()) {
+      old = static_cast<JsonValue const*>(found->second.value);
+      parse = static_cast<JsonParse const*>(found->second.parse);
+    }
+  }
+  if (!old) {
+    WriteJson(writer, values);
+    return;
+  }
+  // Walk both in step: a change adds, removes or changes an element or a few.
+  size_t const count = old->Size();
+  auto at = [&](size_t j) -> JsonValue const& {
+    return (*old)[static_cast<rapidjson::SizeType>(j)];
+  };
+  auto copy = [&](size_t i, size_t j) {
+    std::string_view text = SourceOf(*parse, at(j));
+    if (text.empty()) return WriteJsonDiff(writer, values[i], texts);
+    writer.Raw(text, rapidjson::kObjectType);
+  };
+  writer.StartArray();
+  size_t j = 0;
+  for (size_t i = 0; i < values.size(); ++i) {
+    if (j < count && SameAsJson(values[i], at(j))) {
+      copy(i, j++);
+    } else if (j + 1 < count && SameAsJson(values[i], at(j + 1))) {
+      copy(i, j + 1);  // old j was removed
+      j += 2;
+    } else {
+      WriteJsonDiff(writer, values[i], texts);
+      // Changed, unless added before old j.
+      if (j < count && !(i + 1 < values.size() && SameAsJson(values[i + 1], at(j)))) ++j;
+    }
+  }
+  writer.EndArray();
+}
+
 // --- records ---
 
 template <class R>
@@ -251,14 +392,22 @@ struct JsonField {
   std::string_view key;
   void (*read)(JsonValue const& value, R& record);
   void (*write)(JsonWriter& writer, R const& record);  // the value only
+  void (*write_diff)(JsonWriter& writer, R const& record, ElementTexts const& texts);
   bool (*same)(R const& a, R const& b);
+  bool (*same_as)(R const& record, JsonValue const& value);
 };
 
 template <class R, class M, M R::*Member>
 constexpr JsonField<R> MakeJsonField(std::string_view key) {
-  return {key, [](JsonValue const& value, R& record) { ReadJson(value, record.*Member); },
-          [](JsonWriter& writer, R const& record) { WriteJson(writer, record.*Member); },
-          [](R const& a, R const& b) { return SameJson(a.*Member, b.*Member); }};
+  return {
+      key,
+      [](JsonValue const& value, R& record) { ReadJson(value, record.*Member); },
+      [](JsonWriter& writer, R const& record) { WriteJson(writer, record.*Member); },
+      [](JsonWriter& writer, R const& record, ElementTexts const& texts) {
+        WriteJsonDiff(writer, record.*Member, texts);
+      },
+      [](R const& a, R const& b) { return SameJson(a.*Member, b.*Member); },
+      [](R const& record, JsonValue const& value) { return SameAsJson(record.*Member, value); }};
 }
 
 // Sets the fields of `record` (a default one) that `value` has.
@@ -298,11 +447,48 @@ void WriteRecord(JsonWriter& writer, R const& record, std::span<JsonField<R> con
 }
 
 template <class R>
-bool SameRecord(R const& a, R const& b, std::span<JsonField<R> const> fields) {
+void WriteRecordDiff(JsonWriter& writer, R const& record, ElementTexts const& texts,
+                     std::span<JsonField<R> const> fields) {
+  static R const defaults{};
+  writer.StartObject();
   for (auto const& field : fields) {
-    if (!field.same(a, b)) return false;
+    if (field.same(record, defaults)) continue;
+    writer.Key(field.key.data(), static_cast<rapidjson::SizeType>(field.key.size()));
+    field.write_diff(writer, record, texts);
   }
-  return true;
+  writer.EndObject();
+}
+
+template <class R>
+bool SameAsJsonRecord(R const& record, JsonValue const& value,
+                      std::span<JsonField<R> const> fields) {
+  if (!value.IsObject()) return false;
+  static R const defaults{};
+  // The members in field order, as written: each field there, or at its default.
+  auto member = value.MemberBegin();
+  for (auto const& field : fields) {
+    if (member != value.MemberEnd() &&
+        std::string_view(member->name.GetString(), member->name.GetStringLength()) == field.key) {
+      if (!field.same_as(record, member->value)) return false;
+      ++member;
+    } else if (!field.same(record, defaults)) {
+      return false;
+    }
+  }
+  return member == value.MemberEnd();
+}
+
+template <class R>
+bool SameRecord(R const& a, R const& b, std::span<JsonField<R> const> fields) {
+  // A record's own comparison, where it has one, is the same and faster.
+  if constexpr (std::equality_comparable<R>) {
+    return a == b;
+  } else {
+    for (auto const& field : fields) {
+      if (!field.same(a, b)) return false;
+    }
+    return true;
+  }
 }
 
 // The number of fields of the aggregate R: the most initializers it takes.
@@ -320,21 +506,52 @@ consteval size_t JsonFieldCount() {
 }
 
 template <class T>
-void ParseJson(std::string_view text, T& out) {
-  std::string buffer(text);
-  rapidjson::Document document;
-  ParseDocument(buffer, document);
+void ParseJson(std::string_view text, T& out, ElementTexts* texts) {
+  if (!texts) {
+    std::string buffer(text);
+    rapidjson::Document document;
+    ParseDocument(buffer, document);
+    T value{};
+    ReadJson(static_cast<JsonValue const&>(document), value);
+    out = std::move(value);
+    return;
+  }
+  auto parse = std::make_shared<JsonParse>();
+  parse->text = text;
+  parse->buffer = text;
+  ParseDocument(parse->buffer, parse->document, &parse->objects);
+  // Noted aside until the whole value is read: a failed read leaves no note.
+  ElementTexts found;
+  JsonLoad load{&found, parse.get()};
   T value{};
-  ReadJson(static_cast<JsonValue const&>(document), value);
+  CurrentJsonLoad() = &load;
+  try {
+    ReadJson(static_cast<JsonValue const&>(parse->document), value);
+  } catch (...) {
+    CurrentJsonLoad() = nullptr;
+    throw;
+  }
+  CurrentJsonLoad() = nullptr;
   out = std::move(value);
+  // Arrays that are members of `value` itself moved into `out`.
+  auto const* from = reinterpret_cast<char const*>(&value);
+  auto const* to = reinterpret_cast<char const*>(&out);
+  for (auto& [array, source] : found.arrays) {
+    auto const* at = static_cast<char const*>(array);
+    bool moved = at >= from && at < from + sizeof(T);
+    texts->arrays[moved ? to + (at - from) : at] = source;
+  }
+  texts->parses.push_back(std::move(parse));
 }
 
 template <class T>
-std::string ToJson(T const& value) {
-  rapidjson::StringBuffer buffer;
-  JsonWriter writer(buffer);
-  WriteJson(writer, value);
-  return std::string(buffer.GetString(), buffer.GetSize());
+void AppendJson(T const& value, ElementTexts const* texts, std::string& out) {
+  JsonWriter writer(out);
+  if (texts) {
+    WriteJsonDiff(writer, value, *texts);
+  } else {
+    WriteJson(writer, value);
+  }
 }
 
 }  // namespace OrvkCtl::Sim
@@ -356,24 +573,31 @@ std::string ToJson(T const& value) {
   ::OrvkCtl::Sim::MakeJsonField<Type, decltype(Type::field), &Type::field>(#field),
 #define JSON_COUNT_ONE(Type, field) +1
 
-#define JSON_RECORD(Type, ...)                                                         \
-  static_assert(::OrvkCtl::Sim::JsonFieldCount<Type>() ==                              \
-                    0 JSON_FOR_EACH(JSON_COUNT_ONE, Type, __VA_ARGS__),                \
-                "JSON_RECORD(" #Type ", ...) must name every field of " #Type);        \
-  static constexpr ::OrvkCtl::Sim::JsonField<Type> kJsonFieldsOf##Type[] = {           \
-      JSON_FOR_EACH(JSON_FIELD_OF, Type, __VA_ARGS__)};                                \
-  JSON_HIDDEN void FillJson(::OrvkCtl::Sim::JsonValue const& value, Type& out) {       \
-    ::OrvkCtl::Sim::FillRecord<Type>(value, out, kJsonFieldsOf##Type);                 \
-  }                                                                                    \
-  JSON_HIDDEN void ReadJson(::OrvkCtl::Sim::JsonValue const& value, Type& out) {       \
-    out = Type{};                                                                      \
-    ::OrvkCtl::Sim::FillRecord<Type>(value, out, kJsonFieldsOf##Type);                 \
-  }                                                                                    \
-  JSON_HIDDEN void WriteJson(::OrvkCtl::Sim::JsonWriter& writer, Type const& record) { \
-    ::OrvkCtl::Sim::WriteRecord<Type>(writer, record, kJsonFieldsOf##Type);            \
-  }                                                                                    \
-  JSON_HIDDEN bool SameJson(Type const& a, Type const& b) {                            \
-    return ::OrvkCtl::Sim::SameRecord<Type>(a, b, kJsonFieldsOf##Type);                \
+#define JSON_RECORD(Type, ...)                                                              \
+  static_assert(::OrvkCtl::Sim::JsonFieldCount<Type>() ==                                   \
+                    0 JSON_FOR_EACH(JSON_COUNT_ONE, Type, __VA_ARGS__),                     \
+                "JSON_RECORD(" #Type ", ...) must name every field of " #Type);             \
+  static constexpr ::OrvkCtl::Sim::JsonField<Type> kJsonFieldsOf##Type[] = {                \
+      JSON_FOR_EACH(JSON_FIELD_OF, Type, __VA_ARGS__)};                                     \
+  JSON_HIDDEN void FillJson(::OrvkCtl::Sim::JsonValue const& value, Type& out) {            \
+    ::OrvkCtl::Sim::FillRecord<Type>(value, out, kJsonFieldsOf##Type);                      \
+  }                                                                                         \
+  JSON_HIDDEN void ReadJson(::OrvkCtl::Sim::JsonValue const& value, Type& out) {            \
+    out = Type{};                                                                           \
+    ::OrvkCtl::Sim::FillRecord<Type>(value, out, kJsonFieldsOf##Type);                      \
+  }                                                                                         \
+  JSON_HIDDEN void WriteJson(::OrvkCtl::Sim::JsonWriter& writer, Type const& record) {      \
+    ::OrvkCtl::Sim::WriteRecord<Type>(writer, record, kJsonFieldsOf##Type);                 \
+  }                                                                                         \
+  JSON_HIDDEN void WriteJsonDiff(::OrvkCtl::Sim::JsonWriter& writer, Type const& record,    \
+                                 ::OrvkCtl::Sim::ElementTexts const& texts) {               \
+    ::OrvkCtl::Sim::WriteRecordDiff<Type>(writer, record, texts, kJsonFieldsOf##Type);      \
+  }                                                                                         \
+  JSON_HIDDEN bool SameAsJson(Type const& record, ::OrvkCtl::Sim::JsonValue const& value) { \
+    return ::OrvkCtl::Sim::SameAsJsonRecord<Type>(record, value, kJsonFieldsOf##Type);      \
+  }                                                                                         \
+  JSON_HIDDEN bool SameJson(Type const& a, Type const& b) {                                 \
+    return ::OrvkCtl::Sim::SameRecord<Type>(a, b, kJsonFieldsOf##Type);                     \
   }
 
 #pragma GCC visibility pop

@@ -52,6 +52,19 @@ JSON_HIDDEN void ReadJson(JsonValue const& value, EepromImage& image) {
 
 JSON_HIDDEN bool SameJson(EepromImage const& a, EepromImage const& b) { return a.bytes == b.bytes; }
 
+JSON_HIDDEN bool SameAsJson(EepromImage const& image, JsonValue const& value) {
+  if (!value.IsString() || value.GetStringLength() != image.bytes.size() * 2) return false;
+  static char const kDigits[] = "0123456789abcdef";
+  char const* text = value.GetString();
+  for (size_t i = 0; i < image.bytes.size(); ++i) {
+    if (text[2 * i] != kDigits[image.bytes[i] >> 4] ||
+        text[2 * i + 1] != kDigits[image.bytes[i] & 0xf]) {
+      return false;
+    }
+  }
+  return true;
+}
+
 JSON_RECORD(AttachmentState, branch, vlan_id)
 JSON_RECORD(VfStatsState, rx_unicast_pkts, rx_unicast_bytes, rx_multicast_pkts, rx_multicast_bytes,
             rx_broadcast_pkts, rx_broadcast_bytes, rx_out_of_buffer, rx_error_drops, rx_lro_pkts,
