@@ -1,6 +1,7 @@
 // The state file's JSON form: round trips, compact records, refused input.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <fstream>
 #include <functional>
@@ -322,6 +323,118 @@ TEST_F(HostCodecStoreTest, AChangeThatFailsLeavesHostAndFileAsTheyWere) {
       EXPECT_EQ(HostToJson(ReadHost()), json);
     }
   }
+}
+
+}  // namespace
+
+namespace {
+
+// A host whose vSwitch1 holds port groups g0..g5, some with settings.
+void SeedGroups(HostModel& host) {
+  auto& groups = host.vswitch.standard_switches.at(1).port_groups;
+  groups.clear();
+  for (int i = 0; i < 6; ++i) {
+    groups.push_back({});
+    groups.back().name = "g" + std::to_string(i);
+    groups.back().vlan_id = static_cast<uint16_t>(i * 10);
+    if (i % 2) groups.back().security.allow_promiscuous = true;
+  }
+}
+
+TEST_F(HostCodecStoreTest, AChangeCopiesWhatItLeftAloneAndWritesTheRestAnew) {
+  using Groups = std::vector<OrvkCtl::Sim::PortGroupState>;
+  auto group = [](std::string name) {
+    OrvkCtl::Sim::PortGroupState added;
+    added.name = std::move(name);
+    added.teaming.uplink_order = {"ornic1"};
+    return added;
+  };
+  struct Case {
+    std::string name;
+    std::function<void(Groups&)> change;
+  };
+  std::vector<Case> const cases = {
+      {"add at the end", [&](Groups& g) { g.push_back(group("new")); }},
+      {"add in front", [&](Groups& g) { g.insert(g.begin(), group("new")); }},
+      {"add in the middle", [&](Groups& g) { g.insert(g.begin() + 3, group("new")); }},
+      {"remove the first", [](Groups& g) { g.erase(g.begin()); }},
+      {"remove one in the middle", [](Groups& g) { g.erase(g.begin() + 2); }},
+      {"remove the last", [](Groups& g) { g.pop_back(); }},
+      {"remove two in a row", [](Groups& g) { g.erase(g.begin() + 1, g.begin() + 3); }},
+      {"change one", [](Groups& g) { g[2].vlan_id = 4000; }},
+      {"change one back to defaults", [](Groups& g) { g[1].security = {}; }},
+      {"change two",
+       [](Groups& g) {
+         g[0].name = "renamed";
+         g[4].shaping.enabled = true;
+       }},
+      {"swap two", [](Groups& g) { std::swap(g[1], g[2]); }},
+      {"reverse", [](Groups& g) { std::reverse(g.begin(), g.end()); }},
+      {"replace one", [&](Groups& g) { g[3] = group("other"); }},
+      {"empty", [](Groups& g) { g.clear(); }},
+  };
+  for (auto const& c : cases) {
+    SCOPED_TRACE(c.name);
+    Reload();
+    ChangeHost(OrvkCtl::Sim::kAreaVswitch, SeedGroups);
+    Reload();
+    HostModel expected = ReadHost();
+    ChangeHost(OrvkCtl::Sim::kAreaVswitch, [&](HostModel& host) {
+      c.change(host.vswitch.standard_switches.at(1).port_groups);
+    });
+    c.change(expected.vswitch.standard_switches.at(1).port_groups);
+    // Every record was as the library writes it: copied or not, the text is.
+    EXPECT_EQ(StateFileText(), HostToJson(expected));
+    Reload();
+    EXPECT_EQ(HostToJson(ReadHost()), HostToJson(expected));
+  }
+}
+
+TEST_F(HostCodecStoreTest, OnlyAFileMarkedCompactHasItsRecordsCopied) {
+  ReadHost();
+  std::string const marked = StateFileText();
+  std::string const mark = R"("layout":"compact",)";
+  ASSERT_EQ(marked.find(mark), 12u);
+  // A port group laid out by hand, and a broken runtime area.
+  std::string const canonical = R"({"name":"Storage Network","vlan_id":20})";
+  std::string const spaced = R"({"name":"Storage Network", "vlan_id":20})";
+  std::string text = marked;
+  text.replace(text.find(canonical), canonical.size(), spaced);
+  std::string const runtime = LineOf(text, "runtime");
+  text.replace(text.find(runtime), runtime.size(), R"("runtime":{"ports":[oops})");
+  struct Case {
+    std::string name;
+    bool marked;
+  };
+  for (auto const& c : std::vector<Case>{{"marked", true}, {"not marked", false}}) {
+    SCOPED_TRACE(c.name);
+    std::string file = text;
+    if (!c.marked) file.erase(file.find(mark), mark.size());
+    Reload();
+    WriteState(file);
+    ChangeHost(OrvkCtl::Sim::kAreaVswitch, [](HostModel& host) {
+      host.vswitch.standard_switches.at(0).port_groups.at(0).vlan_id = 7;
+    });
+    std::string const after = StateFileText();
+    // Copied as it was from a marked file; written anew from another.
+    EXPECT_EQ(after.find(spaced) != std::string::npos, c.marked) << after;
+    EXPECT_EQ(after.find(canonical) != std::string::npos, !c.marked) << after;
+    EXPECT_NE(after.find(R"({"name":"Management Network","vlan_id":7,"active_clients":1})"),
+              std::string::npos);
+    // The broken area stays as it was, and so the file's mark.
+    EXPECT_EQ(LineOf(after, "runtime"), R"("runtime":{"ports":[oops})");
+    EXPECT_EQ(after.find(mark) != std::string::npos, c.marked);
+  }
+  // Unmarked but whole: the first change writes every area anew, and marks it.
+  std::string plain = marked;
+  plain.erase(plain.find(mark), mark.size());
+  plain.replace(plain.find(canonical), canonical.size(), spaced);
+  Reload();
+  WriteState(plain);
+  ChangeHost(OrvkCtl::Sim::kAreaFirewall, [](HostModel& host) { host.firewall.enabled = false; });
+  Reload();
+  EXPECT_EQ(StateFileText(), HostToJson(ReadHost()));
+  EXPECT_EQ(StateFileText().find(mark), 12u);
 }
 
 }  // namespace
