@@ -1,5 +1,6 @@
 // JSON form of the host state file: the top of the document, its line layout,
 // and the firewall.
+#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <stdexcept>
@@ -118,11 +119,20 @@ std::string_view SourceOf(JsonParse const& parse, JsonValue const& object) {
   if (begin == 0) return {};
   --begin;
   auto const& objects = parse.objects;
-  // Objects are asked for in the order they come, mostly: look on from the
-  // last one found.
+  // Objects are asked for in the order they come, mostly: look a few on from
+  // the last one found, else search them all.
   size_t& at = parse.cursor;
-  if (at >= objects.size() || objects[at].first > begin) at = 0;
-  while (at < objects.size() && objects[at].first < begin) ++at;
+  constexpr size_t kNear = 8;
+  if (at < objects.size() && objects[at].first <= begin &&
+      (at + kNear >= objects.size() || objects[at + kNear].first >= begin)) {
+    while (at < objects.size() && objects[at].first < begin) ++at;
+  } else {
+    auto before = [](std::pair<uint32_t, uint32_t> const& span, size_t offset) {
+      return span.first < offset;
+    };
+    at = static_cast<size_t>(std::lower_bound(objects.begin(), objects.end(), begin, before) -
+                             objects.begin());
+  }
   if (at == objects.size() || objects[at].first != begin) return {};
   return parse.text.substr(begin, objects[at].second - begin);
 }

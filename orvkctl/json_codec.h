@@ -8,17 +8,21 @@
 //   void ReadJson(JsonValue const&, LinkModeState&);    // the record an object gives
 //   void FillJson(JsonValue const&, LinkModeState&);    // the same into a default one
 //   void WriteJson(JsonWriter&, LinkModeState const&);  // an object of non-default fields
+//   void WriteJsonDiff(JsonWriter&, LinkModeState const&, ElementTexts const&);
 //   bool SameJson(LinkModeState const&, LinkModeState const&);
+//   bool SameAsJson(LinkModeState const&, JsonValue const&);  // reads back from it
 // and checks at compile time that the list names as many fields as the
 // record has. Members may be bool, integers, std::string, std::vector and
-// std::array of those, other records, or any type with its own three
-// functions (EepromImage in json_nic.cc).
+// std::array of those, other records, or any type with its own ReadJson,
+// WriteJson, SameJson and SameAsJson (EepromImage in json_nic.cc).
 //
 // Reading: unknown keys are ignored; a missing key keeps the record's default;
 // a value of the wrong type, or an integer outside its member's range, throws
 // JsonError naming where it is ("pnics[2].mtu: ..."). Writing leaves out every
 // field equal to its value in a default-constructed record, so reading the
-// text back gives the record again.
+// text back gives the record again. WriteJsonDiff writes the same text, but
+// copies the elements of arrays of records that a load noted in ElementTexts
+// (host_store.h) and that still read back the same from the text noted.
 #pragma once
 
 // Nothing of the codec is for other libraries: keep it out of the dynamic
@@ -49,27 +53,28 @@
 namespace OrvkCtl::Sim {
 
 using JsonValue = rapidjson::Value;
-// Appends the writer's output to a string.
+
+// The writer's output, appended to a string.
 struct JsonStringOut {
   using Ch = char;
   void Put(char c) { text->push_back(c); }
   void Flush() {}
   std::string* text;
 };
+struct JsonStringOutHolder {
+  JsonStringOut out;
+};
 
 // Writes to the end of a string. Strings are checked for UTF-8 by
 // WriteJson, faster than the writer would.
-class JsonWriter : public rapidjson::Writer<JsonStringOut> {
+class JsonWriter : private JsonStringOutHolder, public rapidjson::Writer<JsonStringOut> {
  public:
-  explicit JsonWriter(std::string& text) : Writer(out_), out_{&text} {}
+  explicit JsonWriter(std::string& text) : JsonStringOutHolder{{&text}}, Writer(out) {}
   // Writes `json`, a value of type `type` in JSON, as it is.
   void Raw(std::string_view json, rapidjson::Type type) {
     RawValue(json.data(), 0, type);  // what goes before it
-    out_.text->append(json);
+    out.text->append(json);
   }
-
- private:
-  JsonStringOut out_;
 };
 
 // A value that does not fit the model, with the path to it.
@@ -102,7 +107,7 @@ inline void JsonError::Within(size_t index) {
 // Parses `text` (one JSON value, nothing after it) and reads it into `out`
 // with ReadJson. Throws std::exception on malformed text or a value that does
 // not fit; `out` is then unchanged. With `texts`, notes there the arrays of
-// records read and keeps the parse for ToJson.
+// records read and keeps the parse, for AppendJson.
 template <class T>
 void ParseJson(std::string_view text, T& out, ElementTexts* texts = nullptr);
 
@@ -140,8 +145,8 @@ inline JsonLoad*& CurrentJsonLoad() {
 // Parses `text` in place into `document`, whose strings then point into
 // `text`. Throws std::runtime_error ("parse error ...") on malformed text,
 // including a NUL byte, text that is not UTF-8, and arrays and objects nested
-// deeper than 100 levels.
-// Notes the offsets of every object in `objects` when given.
+// deeper than 100 levels. Notes the offsets of every object in `objects`
+// when given.
 JSON_HIDDEN void ParseDocument(std::string& text, rapidjson::Document& document,
                                JsonObjectSpans* objects = nullptr);
 
