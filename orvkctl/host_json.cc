@@ -10,6 +10,29 @@
 #include "json_areas.h"
 
 namespace OrvkCtl::Sim {
+struct JsonTreeTag {};
+}  // namespace OrvkCtl::Sim
+
+// Setting an object's or array's values at once, as rapidjson's document does
+// (its values grant that to every document type): a document type of ours.
+template <>
+class rapidjson::GenericDocument<rapidjson::UTF8<>, rapidjson::MemoryPoolAllocator<>,
+                                 OrvkCtl::Sim::JsonTreeTag> {
+ public:
+  static void SetObject(Value& value, Value::Member* members, SizeType count,
+                        MemoryPoolAllocator<>& allocator) {
+    value.SetObjectRaw(members, count, allocator);
+  }
+  static void SetArray(Value& value, Value* values, SizeType count,
+                       MemoryPoolAllocator<>& allocator) {
+    value.SetArrayRaw(values, count, allocator);
+  }
+};
+
+namespace OrvkCtl::Sim {
+
+using JsonTree =
+    rapidjson::GenericDocument<rapidjson::UTF8<>, rapidjson::MemoryPoolAllocator<>, JsonTreeTag>;
 
 JSON_RECORD(ModuleState, name, loaded)
 JSON_RECORD(FirewallRuleState, name, port_type, port_begin, port_end, direction, protocol)
@@ -20,69 +43,89 @@ namespace {
 
 constexpr unsigned kMaxNesting = 100;
 
-// The document's own SAX handling, refusing arrays and objects nested deeper
-// than kMaxNesting: the parser recurses once per level.
-class NestingGuard {
+// The parser's values as a tree of rapidjson values, each object and array
+// allocated at its size, as rapidjson's own document builds it; refuses
+// arrays and objects nested deeper than kMaxNesting (the parser recurses
+// once per level). Not the document's own building: its stack starts as a
+// null pointer that its first growth check offsets, which UBSan refuses.
+class TreeBuilder {
  public:
   // Notes where each object begins and ends in `objects`, when given.
-  NestingGuard(rapidjson::Document& document, rapidjson::InsituStringStream& stream,
-               JsonObjectSpans* objects)
-      : document_(document), stream_(stream), objects_(objects) {}
-  bool Null() { return document_.Null(); }
-  bool Bool(bool b) { return document_.Bool(b); }
-  bool Int(int i) { return document_.Int(i); }
-  bool Uint(unsigned i) { return document_.Uint(i); }
-  bool Int64(int64_t i) { return document_.Int64(i); }
-  bool Uint64(uint64_t i) { return document_.Uint64(i); }
-  bool Double(double d) { return document_.Double(d); }
-  bool RawNumber(char const* s, rapidjson::SizeType n, bool copy) {
-    return document_.RawNumber(s, n, copy);
+  TreeBuilder(rapidjson::Document::AllocatorType& allocator, rapidjson::InsituStringStream& stream,
+              JsonObjectSpans* objects)
+      : allocator_(allocator), stream_(stream), objects_(objects) {
+    values_.reserve(64);
   }
+  bool Null() { return values_.emplace_back(), true; }
+  bool Bool(bool b) { return values_.emplace_back(b), true; }
+  bool Int(int i) { return values_.emplace_back(i), true; }
+  bool Uint(unsigned i) { return values_.emplace_back(i), true; }
+  bool Int64(int64_t i) { return values_.emplace_back(i), true; }
+  bool Uint64(uint64_t i) { return values_.emplace_back(i), true; }
+  bool Double(double d) { return values_.emplace_back(d), true; }
+  bool RawNumber(char const* s, rapidjson::SizeType n, bool copy) { return String(s, n, copy); }
   bool String(char const* s, rapidjson::SizeType n, bool copy) {
-    return document_.String(s, n, copy);
+    if (copy) {
+      values_.emplace_back(s, n, allocator_);
+    } else {
+      values_.emplace_back(rapidjson::StringRef(s, n));
+    }
+    return true;
   }
-  bool Key(char const* s, rapidjson::SizeType n, bool copy) { return document_.Key(s, n, copy); }
+  bool Key(char const* s, rapidjson::SizeType n, bool copy) { return String(s, n, copy); }
   bool StartObject() {
     if (objects_) {
       open_.push_back(objects_->size());
       objects_->emplace_back(static_cast<uint32_t>(stream_.Tell() - 1), 0);
     }
-    return Deeper() && document_.StartObject();
+    values_.emplace_back(rapidjson::kObjectType);
+    return Deeper();
   }
-  bool EndObject(rapidjson::SizeType n) {
+  bool EndObject(rapidjson::SizeType count) {
     if (objects_) {
       (*objects_)[open_.back()].second = static_cast<uint32_t>(stream_.Tell());
       open_.pop_back();
     }
-    return --depth_, document_.EndObject(n);
+    // The members lie on the stack as name, value, name, value...
+    size_t first = values_.size() - 2 * size_t{count};
+    auto* members = reinterpret_cast<rapidjson::Value::Member*>(values_.data() + first);
+    JsonTree::SetObject(values_[first - 1], members, count, allocator_);
+    values_.resize(first);
+    --depth_;
+    return true;
   }
-  bool StartArray() { return Deeper() && document_.StartArray(); }
-  bool EndArray(rapidjson::SizeType n) { return --depth_, document_.EndArray(n); }
+  bool StartArray() {
+    values_.emplace_back(rapidjson::kArrayType);
+    return Deeper();
+  }
+  bool EndArray(rapidjson::SizeType count) {
+    size_t first = values_.size() - count;
+    JsonTree::SetArray(values_[first - 1], values_.data() + first, count, allocator_);
+    values_.resize(first);
+    --depth_;
+    return true;
+  }
   bool TooDeep() const { return depth_ > kMaxNesting; }
+  rapidjson::Value& Root() { return values_.back(); }
 
  private:
   bool Deeper() { return ++depth_ <= kMaxNesting; }
-  rapidjson::Document& document_;
+  rapidjson::Document::AllocatorType& allocator_;
   rapidjson::InsituStringStream& stream_;
   JsonObjectSpans* objects_;
+  std::vector<rapidjson::Value> values_;
   std::vector<size_t> open_;
   unsigned depth_ = 0;
 };
 
 template <unsigned kFlags>
 void Parse(std::string& text, rapidjson::Document& document, JsonObjectSpans* objects) {
-  rapidjson::ParseResult result;
-  bool too_deep = false;
-  auto generate = [&](rapidjson::Document& target) {
-    rapidjson::InsituStringStream stream(text.data());
-    NestingGuard guard(target, stream, objects);
-    rapidjson::Reader reader;
-    result = reader.Parse<kFlags | rapidjson::kParseInsituFlag>(stream, guard);
-    too_deep = guard.TooDeep();
-    return !result.IsError();
-  };
-  document.Populate(generate);
-  if (too_deep) {
+  rapidjson::InsituStringStream stream(text.data());
+  TreeBuilder builder(document.GetAllocator(), stream, objects);
+  rapidjson::Reader reader;
+  rapidjson::ParseResult result =
+      reader.Parse<kFlags | rapidjson::kParseInsituFlag>(stream, builder);
+  if (builder.TooDeep()) {
     throw std::runtime_error("parse error at offset " + std::to_string(result.Offset()) +
                              ": nested deeper than " + std::to_string(kMaxNesting) + " levels");
   }
@@ -90,6 +133,7 @@ void Parse(std::string& text, rapidjson::Document& document, JsonObjectSpans* ob
     throw std::runtime_error("parse error at offset " + std::to_string(result.Offset()) + ": " +
                              rapidjson::GetParseError_En(result.Code()));
   }
+  static_cast<rapidjson::Value&>(document) = builder.Root().Move();
 }
 
 }  // namespace
@@ -222,8 +266,9 @@ std::vector<std::string_view> SplitHostDocument(std::string& text, bool* compact
     throw std::runtime_error("the file is empty");
   }
   std::string buffer = text;
-  rapidjson::Document document;
-  ParseDocument(buffer, document);
+  rapidjson::Document parsed;
+  ParseDocument(buffer, parsed);
+  JsonValue const& document = parsed;
   if (!document.IsObject()) throw std::runtime_error("not a JSON object");
   auto format = document.FindMember("format");
   if (format == document.MemberEnd() || !(format->value.IsInt64() || format->value.IsUint64())) {

@@ -51,6 +51,41 @@
 #define JSON_HIDDEN __attribute__((visibility("hidden")))
 
 namespace OrvkCtl::Sim {
+// The allocator type naming the writer's stack below.
+struct JsonStackAllocator : rapidjson::CrtAllocator {};
+}  // namespace OrvkCtl::Sim
+
+// rapidjson's stack starts as null pointers that its first growth check
+// offsets, which is undefined (UBSan stops there): the writer's stack of
+// nesting levels is this one instead, with the operations the writer uses.
+template <>
+class rapidjson::internal::Stack<OrvkCtl::Sim::JsonStackAllocator> {
+ public:
+  Stack(OrvkCtl::Sim::JsonStackAllocator*, size_t capacity) { bytes_.reserve(capacity); }
+  void Clear() { bytes_.clear(); }
+  bool Empty() const { return bytes_.empty(); }
+  size_t GetSize() const { return bytes_.size(); }
+  template <typename T>
+  T* Push(size_t count = 1) {
+    size_t at = bytes_.size();
+    bytes_.resize(at + sizeof(T) * count);
+    return reinterpret_cast<T*>(bytes_.data() + at);
+  }
+  template <typename T>
+  T* Pop(size_t count) {
+    bytes_.resize(bytes_.size() - sizeof(T) * count);
+    return reinterpret_cast<T*>(bytes_.data() + bytes_.size());
+  }
+  template <typename T>
+  T* Top() {
+    return reinterpret_cast<T*>(bytes_.data() + bytes_.size() - sizeof(T));
+  }
+
+ private:
+  std::vector<unsigned char> bytes_;
+};
+
+namespace OrvkCtl::Sim {
 
 using JsonValue = rapidjson::Value;
 
@@ -67,7 +102,9 @@ struct JsonStringOutHolder {
 
 // Writes to the end of a string. Strings are checked for UTF-8 by
 // WriteJson, faster than the writer would.
-class JsonWriter : private JsonStringOutHolder, public rapidjson::Writer<JsonStringOut> {
+class JsonWriter : private JsonStringOutHolder,
+                   public rapidjson::Writer<JsonStringOut, rapidjson::UTF8<>, rapidjson::UTF8<>,
+                                            JsonStackAllocator> {
  public:
   explicit JsonWriter(std::string& text) : JsonStringOutHolder{{&text}}, Writer(out) {}
   // Writes `json`, a value of type `type` in JSON, as it is.
