@@ -75,6 +75,8 @@ def grow_host(toolbase, path, count, env):
     subprocess.run([toolbase, "network", "firewall", "get"], env=env, check=True,
                    stdout=subprocess.DEVNULL)
     with open(path) as file:
+        head = file.readline()
+        file.seek(0)
         document = json.load(file)
     host = document["host"]
     switch = next(s for s in host["vswitch"]["standard_switches"] if s["name"] == "vSwitch1")
@@ -84,10 +86,12 @@ def grow_host(toolbase, path, count, env):
         group["name"] = f"bench-pg-{i}"
         group["vlan_id"] = i % 4095
         switch["port_groups"].append(group)
+    # The records copied are as the library writes them: the head (which
+    # says so) stays.
     lines = [json.dumps(key) + ":" + json.dumps(value, separators=(",", ":"), ensure_ascii=False)
              for key, value in host.items()]
     with open(path, "w") as file:
-        file.write('{"format":%d,"host":{\n' % document["format"] + ",\n".join(lines) + "\n}}\n")
+        file.write(head + ",\n".join(lines) + "\n}}\n")
 
 
 def main():

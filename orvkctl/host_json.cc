@@ -1,5 +1,7 @@
 // JSON form of the host state file: the top of the document, its line layout,
 // and the firewall.
+#include <algorithm>
+#include <cstring>
 #include <optional>
 #include <stdexcept>
 #include <type_traits>
@@ -8,31 +10,203 @@
 #include "json_areas.h"
 
 namespace OrvkCtl::Sim {
+struct JsonTreeTag {};
+}  // namespace OrvkCtl::Sim
 
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(ModuleState, name, loaded)
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(FirewallRuleState, name, port_type, port_begin,
-                                                port_end, direction, protocol)
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(FirewallRulesetState, id, enabled, client_count,
-                                                allowed_all, allowed_ips, rules)
-NLOHMANN_DEFINE_TYPE_NON_INTRUSIVE_WITH_DEFAULT(FirewallState, enabled, default_action_pass,
-                                                dynamic_rules, rulesets)
+// Setting an object's or array's values at once, as rapidjson's document does
+// (its values grant that to every document type): a document type of ours.
+template <>
+class rapidjson::GenericDocument<rapidjson::UTF8<>, rapidjson::MemoryPoolAllocator<>,
+                                 OrvkCtl::Sim::JsonTreeTag> {
+ public:
+  static void SetObject(Value& value, Value::Member* members, SizeType count,
+                        MemoryPoolAllocator<>& allocator) {
+    value.SetObjectRaw(members, count, allocator);
+  }
+  static void SetArray(Value& value, Value* values, SizeType count,
+                       MemoryPoolAllocator<>& allocator) {
+    value.SetArrayRaw(values, count, allocator);
+  }
+};
+
+namespace OrvkCtl::Sim {
+
+using JsonTree =
+    rapidjson::GenericDocument<rapidjson::UTF8<>, rapidjson::MemoryPoolAllocator<>, JsonTreeTag>;
+
+JSON_RECORD(ModuleState, name, loaded)
+JSON_RECORD(FirewallRuleState, name, port_type, port_begin, port_end, direction, protocol)
+JSON_RECORD(FirewallRulesetState, id, enabled, client_count, allowed_all, allowed_ips, rules)
+JSON_RECORD(FirewallState, enabled, default_action_pass, dynamic_rules, rulesets)
+
+namespace {
+
+constexpr unsigned kMaxNesting = 100;
+
+// The parser's values as a tree of rapidjson values, each object and array
+// allocated at its size, as rapidjson's own document builds it; refuses
+// arrays and objects nested deeper than kMaxNesting (the parser recurses
+// once per level). Not the document's own building: its stack starts as a
+// null pointer that its first growth check offsets, which UBSan refuses.
+class TreeBuilder {
+ public:
+  // Notes where each object begins and ends in `objects`, when given.
+  TreeBuilder(rapidjson::Document::AllocatorType& allocator, rapidjson::InsituStringStream& stream,
+              JsonObjectSpans* objects)
+      : allocator_(allocator), stream_(stream), objects_(objects) {
+    values_.reserve(64);
+  }
+  bool Null() { return values_.emplace_back(), true; }
+  bool Bool(bool b) { return values_.emplace_back(b), true; }
+  bool Int(int i) { return values_.emplace_back(i), true; }
+  bool Uint(unsigned i) { return values_.emplace_back(i), true; }
+  bool Int64(int64_t i) { return values_.emplace_back(i), true; }
+  bool Uint64(uint64_t i) { return values_.emplace_back(i), true; }
+  bool Double(double d) { return values_.emplace_back(d), true; }
+  bool RawNumber(char const* s, rapidjson::SizeType n, bool copy) { return String(s, n, copy); }
+  bool String(char const* s, rapidjson::SizeType n, bool copy) {
+    if (copy) {
+      values_.emplace_back(s, n, allocator_);
+    } else {
+      values_.emplace_back(rapidjson::StringRef(s, n));
+    }
+    return true;
+  }
+  bool Key(char const* s, rapidjson::SizeType n, bool copy) { return String(s, n, copy); }
+  bool StartObject() {
+    if (objects_) {
+      open_.push_back(objects_->size());
+      objects_->emplace_back(static_cast<uint32_t>(stream_.Tell() - 1), 0);
+    }
+    values_.emplace_back(rapidjson::kObjectType);
+    return Deeper();
+  }
+  bool EndObject(rapidjson::SizeType count) {
+    if (objects_) {
+      (*objects_)[open_.back()].second = static_cast<uint32_t>(stream_.Tell());
+      open_.pop_back();
+    }
+    // The members lie on the stack as name, value, name, value...
+    size_t first = values_.size() - 2 * size_t{count};
+    auto* members = reinterpret_cast<rapidjson::Value::Member*>(values_.data() + first);
+    JsonTree::SetObject(values_[first - 1], members, count, allocator_);
+    values_.resize(first);
+    --depth_;
+    return true;
+  }
+  bool StartArray() {
+    values_.emplace_back(rapidjson::kArrayType);
+    return Deeper();
+  }
+  bool EndArray(rapidjson::SizeType count) {
+    size_t first = values_.size() - count;
+    JsonTree::SetArray(values_[first - 1], values_.data() + first, count, allocator_);
+    values_.resize(first);
+    --depth_;
+    return true;
+  }
+  bool TooDeep() const { return depth_ > kMaxNesting; }
+  rapidjson::Value& Root() { return values_.back(); }
+
+ private:
+  bool Deeper() { return ++depth_ <= kMaxNesting; }
+  rapidjson::Document::AllocatorType& allocator_;
+  rapidjson::InsituStringStream& stream_;
+  JsonObjectSpans* objects_;
+  std::vector<rapidjson::Value> values_;
+  std::vector<size_t> open_;
+  unsigned depth_ = 0;
+};
+
+template <unsigned kFlags>
+void Parse(std::string& text, rapidjson::Document& document, JsonObjectSpans* objects) {
+  rapidjson::InsituStringStream stream(text.data());
+  TreeBuilder builder(document.GetAllocator(), stream, objects);
+  rapidjson::Reader reader;
+  rapidjson::ParseResult result =
+      reader.Parse<kFlags | rapidjson::kParseInsituFlag>(stream, builder);
+  if (builder.TooDeep()) {
+    throw std::runtime_error("parse error at offset " + std::to_string(result.Offset()) +
+                             ": nested deeper than " + std::to_string(kMaxNesting) + " levels");
+  }
+  if (result.IsError()) {
+    throw std::runtime_error("parse error at offset " + std::to_string(result.Offset()) + ": " +
+                             rapidjson::GetParseError_En(result.Code()));
+  }
+  static_cast<rapidjson::Value&>(document) = builder.Root().Move();
+}
+
+}  // namespace
+
+void ParseDocument(std::string& text, rapidjson::Document& document, JsonObjectSpans* objects) {
+  if (text.size() > UINT32_MAX) throw std::runtime_error("the text is too long");
+  // JSON text has no NUL byte; the parser would take one for the end.
+  if (size_t nul = text.find('\0'); nul != std::string::npos) {
+    throw std::runtime_error("parse error at offset " + std::to_string(nul) + ": a NUL byte");
+  }
+  if (IsAscii(text)) {
+    Parse<rapidjson::kParseDefaultFlags>(text, document, objects);
+  } else {
+    Parse<rapidjson::kParseValidateEncodingFlag>(text, document, objects);
+  }
+}
+
+std::string_view SourceOf(JsonParse const& parse, JsonValue const& object) {
+  if (object.MemberCount() == 0) return {};
+  // Parsed in place, a key's text stays where it was, after its quote, and
+  // the object's brace comes before that, after blanks at most.
+  char const* key = object.MemberBegin()->name.GetString();
+  char const* base = parse.buffer.data();
+  if (key <= base || key > base + parse.buffer.size()) return {};
+  size_t begin = static_cast<size_t>(key - base) - 1;
+  while (begin > 0 && parse.text[begin - 1] != '{') --begin;
+  if (begin == 0) return {};
+  --begin;
+  auto const& objects = parse.objects;
+  // Objects are asked for in the order they come, mostly: look a few on from
+  // the last one found, else search them all.
+  size_t& at = parse.cursor;
+  constexpr size_t kNear = 8;
+  if (at < objects.size() && objects[at].first <= begin &&
+      (at + kNear >= objects.size() || objects[at + kNear].first >= begin)) {
+    while (at < objects.size() && objects[at].first < begin) ++at;
+  } else {
+    auto before = [](std::pair<uint32_t, uint32_t> const& span, size_t offset) {
+      return span.first < offset;
+    };
+    at = static_cast<size_t>(std::lower_bound(objects.begin(), objects.end(), begin, before) -
+                             objects.begin());
+  }
+  if (at == objects.size() || objects[at].first != begin) return {};
+  return parse.text.substr(begin, objects[at].second - begin);
+}
 
 namespace {
 
 constexpr int kFormatVersion = 1;
-constexpr std::string_view kHead = "{\"format\":1,\"host\":{\n";
+// The head of a document whose records are all as this library writes them
+// (the elements of a record's arrays may then be copied when unchanged), and
+// that of one laid out in lines that may have been written otherwise.
+constexpr std::string_view kHead = "{\"format\":1,\"layout\":\"compact\",\"host\":{\n";
+constexpr std::string_view kPlainHead = "{\"format\":1,\"host\":{\n";
 constexpr std::string_view kTail = "}}\n";
 
 template <auto Member>
-void LoadMember(std::string_view text, HostModel& host) {
-  using Value = std::remove_cvref_t<decltype(host.*Member)>;
-  Value value = nlohmann::json::parse(text).get<Value>();
-  host.*Member = std::move(value);
+void LoadMember(std::string_view text, HostModel& host, ElementTexts* texts) {
+  ParseJson(text, host.*Member, texts);
 }
 
 template <auto Member>
-std::string SaveMember(HostModel const& host) {
-  return nlohmann::json(host.*Member).dump();
+void SaveMember(HostModel const& host, ElementTexts const* texts, std::string& out) {
+  AppendJson(host.*Member, texts, out);
+}
+
+// A value as compact JSON text (ParseDocument bounds the recursion).
+std::string Dump(JsonValue const& value) {
+  std::string text;
+  JsonWriter writer(text);
+  value.Accept(writer);
+  return text;
 }
 
 template <auto Member>
@@ -42,9 +216,12 @@ HostField Field(std::string_view key, AreaSet area) {
 
 // The line layout, or nothing when `text` is laid out otherwise.
 std::optional<std::vector<std::string_view>> SplitLines(std::string_view text,
-                                                        std::vector<HostField> const& fields) {
-  if (!text.starts_with(kHead) || !text.ends_with(kTail)) return std::nullopt;
-  std::string_view body = text.substr(kHead.size(), text.size() - kHead.size() - kTail.size());
+                                                        std::vector<HostField> const& fields,
+                                                        bool* compact) {
+  std::string_view head = text.starts_with(kHead) ? kHead : kPlainHead;
+  if (!text.starts_with(head) || !text.ends_with(kTail)) return std::nullopt;
+  if (compact) *compact = head == kHead;
+  std::string_view body = text.substr(head.size(), text.size() - head.size() - kTail.size());
   std::vector<std::string_view> texts(fields.size());
   std::vector<bool> seen(fields.size());
   while (!body.empty()) {
@@ -82,48 +259,66 @@ std::vector<HostField> const& HostFields() {
   return fields;
 }
 
-std::vector<std::string_view> SplitHostDocument(std::string& text) {
+std::vector<std::string_view> SplitHostDocument(std::string& text, bool* compact) {
   auto const& fields = HostFields();
-  if (auto texts = SplitLines(text, fields)) return std::move(*texts);
+  if (auto texts = SplitLines(text, fields, compact)) return std::move(*texts);
   if (text.find_first_not_of(" \t\r\n") == std::string::npos) {
     throw std::runtime_error("the file is empty");
   }
-  auto document = nlohmann::json::parse(text);
-  if (!document.is_object()) throw std::runtime_error("not a JSON object");
-  if (!document.contains("format") || !document["format"].is_number_integer()) {
+  std::string buffer = text;
+  rapidjson::Document parsed;
+  ParseDocument(buffer, parsed);
+  JsonValue const& document = parsed;
+  if (!document.IsObject()) throw std::runtime_error("not a JSON object");
+  auto format = document.FindMember("format");
+  if (format == document.MemberEnd() || !(format->value.IsInt64() || format->value.IsUint64())) {
     throw std::runtime_error("no \"format\" version");
   }
-  if (document["format"] != kFormatVersion) {
-    throw std::runtime_error("format version " + document["format"].dump() +
-                             " is not one this version reads (" +
-                             std::to_string(kFormatVersion) + ")");
+  if (!format->value.IsInt64() || format->value.GetInt64() != kFormatVersion) {
+    throw std::runtime_error("format version " + Dump(format->value) +
+                             " is not one this version reads (" + std::to_string(kFormatVersion) +
+                             ")");
   }
-  auto host = document.find("host");
-  if (host == document.end() || !host->is_object()) throw std::runtime_error("no \"host\" object");
+  auto host = document.FindMember("host");
+  if (host == document.MemberEnd() || !host->value.IsObject()) {
+    throw std::runtime_error("no \"host\" object");
+  }
   std::vector<std::string> values(fields.size());
-  for (size_t i = 0; i < fields.size(); ++i) {
-    if (auto value = host->find(fields[i].key); value != host->end()) values[i] = value->dump();
+  // A key given twice counts as its last value, as when reading a record.
+  for (auto const& member : host->value.GetObject()) {
+    std::string_view key(member.name.GetString(), member.name.GetStringLength());
+    for (size_t i = 0; i < fields.size(); ++i) {
+      if (fields[i].key == key) values[i] = Dump(member.value);
+    }
   }
-  text = JoinHostDocument(std::vector<std::string_view>(values.begin(), values.end()));
-  return *SplitLines(text, fields);
+  text = JoinHostDocument(std::vector<std::string_view>(values.begin(), values.end()), false);
+  return *SplitLines(text, fields, compact);
 }
 
-std::string JoinHostDocument(std::vector<std::string_view> const& texts) {
+std::string JoinHostDocument(std::vector<std::string_view> const& texts, bool compact,
+                             HostModel const* host, AreaSet loaded,
+                             ElementTexts const* element_texts) {
   auto const& fields = HostFields();
-  size_t size = kHead.size() + kTail.size();
+  std::string_view head = compact ? kHead : kPlainHead;
+  size_t size = head.size() + kTail.size();
   for (size_t i = 0; i < fields.size(); ++i) size += fields[i].key.size() + texts[i].size() + 5;
   std::string document;
-  document.reserve(size);
-  document += kHead;
+  document.reserve(size + (loaded ? 4096 : 0));  // room for a change
+  document += head;
   bool first = true;
   for (size_t i = 0; i < fields.size(); ++i) {
-    if (texts[i].empty()) continue;
+    bool from_host = host && (loaded & fields[i].area);
+    if (!from_host && texts[i].empty()) continue;
     if (!first) document += ",\n";
     first = false;
     document += '"';
     document += fields[i].key;
     document += "\":";
-    document += texts[i];
+    if (from_host) {
+      fields[i].save(*host, element_texts, document);
+    } else {
+      document += texts[i];
+    }
   }
   if (!first) document += '\n';
   document += kTail;
@@ -131,9 +326,8 @@ std::string JoinHostDocument(std::vector<std::string_view> const& texts) {
 }
 
 std::string HostToJson(HostModel const& host) {
-  std::vector<std::string> values;
-  for (auto const& field : HostFields()) values.push_back(field.save(host));
-  return JoinHostDocument(std::vector<std::string_view>(values.begin(), values.end()));
+  return JoinHostDocument(std::vector<std::string_view>(HostFields().size()), true, &host,
+                          kAreaAll);
 }
 
 HostModel HostFromJson(std::string const& text) {
@@ -142,7 +336,7 @@ HostModel HostFromJson(std::string const& text) {
   std::vector<std::string_view> texts = SplitHostDocument(document);
   HostModel host;
   for (size_t i = 0; i < fields.size(); ++i) {
-    if (!texts[i].empty()) fields[i].load(texts[i], host);
+    if (!texts[i].empty()) fields[i].load(texts[i], host, nullptr);
   }
   return host;
 }

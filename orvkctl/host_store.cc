@@ -36,6 +36,11 @@ struct Store {
   std::string file_text;
   std::vector<std::string_view> texts;
   Snapshot current;
+  // Whether file_text says its records are all as this library writes them;
+  // if so, the texts of the elements of current.host's arrays in it, while
+  // both stay as they were read.
+  bool compact = false;
+  ElementTexts element_texts;
   // A transaction: changes stay in `current` until committed.
   bool in_transaction = false;
   bool changed_in_transaction = false;
@@ -188,22 +193,30 @@ std::string ReadFile(std::string const& path) {
 }
 
 // The document to write: the fields of `loaded` areas from `host`, the
-// others as the file has them.
+// others as the file has them. What the file says of `host`'s arrays that
+// still holds is copied (store.element_texts).
 std::string Compose(Store const& store, HostModel const& host, AreaSet loaded) {
-  auto const& fields = HostFields();
-  std::vector<std::string> saved(fields.size());
-  std::vector<std::string_view> texts = store.texts;
-  for (size_t i = 0; i < fields.size(); ++i) {
-    if (loaded & fields[i].area) texts[i] = saved[i] = fields[i].save(host);
-  }
-  return JoinHostDocument(texts);
+  return JoinHostDocument(store.texts, store.compact || (loaded & kAreaAll) == kAreaAll, &host,
+                          loaded, &store.element_texts);
+}
+
+void ForgetTexts(Store& store) {
+  store.element_texts.arrays.clear();
+  store.element_texts.parses.clear();
+}
+
+// Makes `snapshot` the host; what was known of the old one's texts goes.
+void Replace(Store& store, Snapshot snapshot) {
+  ForgetTexts(store);
+  store.current = std::move(snapshot);
 }
 
 // Writes `document` and makes it the file's known text.
 void Save(Store& store, std::string document) {
   SaveAtomically(store.path, document);
+  ForgetTexts(store);
   store.file_text = std::move(document);
-  store.texts = SplitHostDocument(store.file_text);
+  store.texts = SplitHostDocument(store.file_text, &store.compact);
 }
 
 void Open(Store& store) {
@@ -215,16 +228,16 @@ void Open(Store& store) {
   if (stat(store.path.c_str(), &info) != 0 && errno == ENOENT) {
     HostModel host = DefaultHost();
     Save(store, HostToJson(host));
-    store.current = {std::move(host), kAreaAll};
+    Replace(store, {std::move(host), kAreaAll});
   } else {
     store.file_text = ReadFile(store.path);
     try {
-      store.texts = SplitHostDocument(store.file_text);
+      store.texts = SplitHostDocument(store.file_text, &store.compact);
     } catch (std::exception const& error) {
       store.file_text.clear();
       Corrupt(store.path, error.what());
     }
-    store.current = {};
+    Replace(store, {});
   }
   store.open = true;
 }
@@ -238,8 +251,10 @@ HostModel& Loaded(AreaSet areas) {
     for (size_t i = 0; i < fields.size(); ++i) {
       if (!(fields[i].area & missing) || store.texts[i].empty()) continue;
       try {
-        fields[i].load(store.texts[i], store.current.host);
+        fields[i].load(store.texts[i], store.current.host,
+                       store.compact ? &store.element_texts : nullptr);
       } catch (std::exception const& error) {
+        ForgetTexts(store);
         Corrupt(store.path, "in \"" + std::string(fields[i].key) + "\": " + error.what());
       }
     }
@@ -269,23 +284,51 @@ HostModel const& ReadHost() { return Loaded(kAreaAll); }
 void ChangeHost(AreaSet areas, std::function<void(HostModel&)> const& change) {
   Store& store = TheStore();
   HostModel& host = Loaded(areas);
-  HostModel changed = host;
-  AreaSet before = store.current.loaded;
-  change(changed);
-  // Areas that `change` read through ReadHost() were loaded into the host,
-  // not into the copy: take them over, or they would be written back empty.
-  if (AreaSet grown = store.current.loaded & ~before) {
-    auto const& fields = HostFields();
-    for (size_t i = 0; i < fields.size(); ++i) {
-      if ((fields[i].area & grown) && !store.texts[i].empty()) fields[i].load(store.texts[i], changed);
+  if (store.in_transaction) {
+    // The host holds the transaction's changes, which the file does not: a
+    // failed change must leave them, so it changes a copy.
+    HostModel changed = host;
+    AreaSet before = store.current.loaded;
+    change(changed);
+    // Areas that `change` read through ReadHost() were loaded into the host,
+    // not into the copy: take them over, or they would be written back empty.
+    if (AreaSet grown = store.current.loaded & ~before) {
+      auto const& fields = HostFields();
+      for (size_t i = 0; i < fields.size(); ++i) {
+        if ((fields[i].area & grown) && !store.texts[i].empty()) {
+          fields[i].load(store.texts[i], changed, nullptr);
+        }
+      }
+    }
+    store.changed_in_transaction = true;
+    Replace(store, {std::move(changed), store.current.loaded});
+    return;
+  }
+  if (!store.compact) {
+    // Written otherwise: this change writes every area anew, as far as they
+    // load (a corrupt one stays as it is, and the file without the mark).
+    try {
+      Loaded(kAreaAll);
+    } catch (HostCtl::Lib::HostCtlException const&) {
     }
   }
-  if (store.in_transaction) {
-    store.changed_in_transaction = true;
-  } else {
-    Save(store, Compose(store, changed, store.current.loaded));
+  // Outside a transaction the host is what the file says: change it in place
+  // (copying a large area costs more than the change) and, should the change
+  // or the write fail, read the loaded areas back from the file's text.
+  try {
+    change(host);
+    Save(store, Compose(store, host, store.current.loaded));
+  } catch (...) {
+    Snapshot restored{{}, store.current.loaded};
+    auto const& fields = HostFields();
+    for (size_t i = 0; i < fields.size(); ++i) {
+      if ((fields[i].area & restored.loaded) && !store.texts[i].empty()) {
+        fields[i].load(store.texts[i], restored.host, nullptr);
+      }
+    }
+    Replace(store, std::move(restored));
+    throw;
   }
-  host = std::move(changed);
 }
 
 void ChangeHost(std::function<void(HostModel&)> const& change) { ChangeHost(kAreaAll, change); }
@@ -295,7 +338,7 @@ void ResetHostForTest() {
   store.open = false;
   store.texts.clear();
   store.file_text.clear();
-  store.current = {};
+  Replace(store, {});
   store.in_transaction = false;
   store.begin = store.savepoint = {};
   if (store.lock_fd >= 0) {
@@ -336,7 +379,7 @@ void OrvkCtl_Savepoint() {
 
 void OrvkCtl_RollbackToSavepoint() {
   Store& store = TheStore();
-  if (store.in_transaction) store.current = store.savepoint;
+  if (store.in_transaction) OrvkCtl::Sim::Replace(store, store.savepoint);
 }
 
 const char* OrvkCtl_CommitTransaction() {
@@ -345,9 +388,10 @@ const char* OrvkCtl_CommitTransaction() {
   store.in_transaction = false;
   if (!store.changed_in_transaction) return nullptr;
   try {
-    OrvkCtl::Sim::Save(store, OrvkCtl::Sim::Compose(store, store.current.host, store.current.loaded));
+    OrvkCtl::Sim::Save(store,
+                       OrvkCtl::Sim::Compose(store, store.current.host, store.current.loaded));
   } catch (std::exception const& error) {
-    store.current = store.begin;
+    OrvkCtl::Sim::Replace(store, store.begin);
     store.message = error.what();
     return store.message.c_str();
   }
@@ -358,7 +402,7 @@ void OrvkCtl_AbortTransaction() {
   Store& store = TheStore();
   if (!store.in_transaction) return;
   store.in_transaction = false;
-  store.current = store.begin;
+  OrvkCtl::Sim::Replace(store, store.begin);
 }
 
 }  // extern "C"

@@ -10,14 +10,18 @@
 // rename); temporary files left by a killed writer are removed under the lock.
 //
 // Areas. The file holds one top-level field of HostModel per line:
-//   {"format":1,"host":{
+//   {"format":1,"layout":"compact","host":{
 //   "hostname":"halden-01",
 //   "firewall":{...},
 //   ...
 //   }}
 // so a command parses only the areas it asks for and writes the others back
-// verbatim. Any other layout of the same JSON (hand-edited, reformatted) still
-// loads, by parsing it whole; the next change writes the line layout again.
+// verbatim. Records leave out the fields at their defaults. A change writes
+// its areas from the model, except the elements of arrays it left alone,
+// which it copies from the file's text: "layout":"compact" says that they
+// are all as this library writes them. Any other layout of the same JSON
+// (hand-edited, reformatted, or without that mark) still loads, by parsing
+// it whole if need be; the next change writes every area anew.
 //
 // How an operation says what it needs: ReadHost(kAreaFirewall) loads the
 // firewall area (and whatever was loaded before); the other members of the
@@ -27,14 +31,16 @@
 // ChangeHost(fn) without a set load every area.
 //
 // Adding a field to an area: add it to the area's struct (model_*.h), its
-// JSON pair (json_*.cc) and its seed (seed_*.cc); nothing here changes.
+// JSON_RECORD line (json_*.cc) and its seed (seed_*.cc); nothing here changes.
 // Adding an area: a member of HostModel, a bit below (and in kAreaAll), and
 // a row in the field table of host_json.cc.
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "host_model.h"
@@ -76,16 +82,32 @@ void ResetHostForTest();
 std::string HostToJson(HostModel const& host);
 HostModel HostFromJson(std::string const& text);
 
+// What loading a member keeps of the text it read, for writing it again:
+// the arrays of records read (by their address) and, opaque to the store,
+// where each was in the text. A write copies the elements a change left
+// alone (those still equal to that text) instead of writing them anew, so
+// that a change to a large area costs little more than reading it.
+struct ElementTexts {
+  struct Source {
+    void const* value;
+    void const* parse;
+  };
+  std::unordered_map<void const*, Source> arrays;
+  std::vector<std::shared_ptr<void const>> parses;  // keeps the sources
+};
+
 // The file's fields, one per line, for the store: the top-level members of
 // HostModel in file order. Each converts one member alone.
 struct HostField {
   std::string_view key;
   AreaSet area;
   // Replaces the member with the one `text` describes; throws std::exception
-  // on malformed text and leaves `host` unchanged then.
-  void (*load)(std::string_view text, HostModel& host);
-  // The member as compact JSON text, on one line.
-  std::string (*save)(HostModel const& host);
+  // on malformed text and leaves `host` unchanged then. Notes in `texts`
+  // (when given) the texts of the member's elements, views into `text`.
+  void (*load)(std::string_view text, HostModel& host, ElementTexts* texts);
+  // Appends the member as compact JSON text, on one line, copying from
+  // `texts` (when given) what it can.
+  void (*save)(HostModel const& host, ElementTexts const* texts, std::string& out);
 };
 std::vector<HostField> const& HostFields();
 
@@ -94,8 +116,15 @@ std::vector<HostField> const& HostFields();
 // as it is; a document laid out otherwise is parsed whole and `text`
 // rewritten in lines. Throws std::exception when it is not a state document
 // this version reads.
-std::vector<std::string_view> SplitHostDocument(std::string& text);
+// `compact` (when given) tells whether the document says that its records
+// are all as this library writes them.
+std::vector<std::string_view> SplitHostDocument(std::string& text, bool* compact = nullptr);
 // The document of the given fields' value texts (empty ones are left out).
-std::string JoinHostDocument(std::vector<std::string_view> const& texts);
+// `compact`: the texts are all as this library writes them. The fields of
+// `loaded` areas are written from `host` instead (when given), copying from
+// `element_texts` what they can.
+std::string JoinHostDocument(std::vector<std::string_view> const& texts, bool compact = true,
+                             HostModel const* host = nullptr, AreaSet loaded = 0,
+                             ElementTexts const* element_texts = nullptr);
 
 }  // namespace OrvkCtl::Sim

@@ -1,21 +1,25 @@
 // JSON conversion of each area of the host model, for host_json.cc. Each
-// json_<area>.cc defines its area's pair; NLOHMANN_DEFINE_TYPE_* macros serve
-// for the records inside an area.
+// json_<area>.cc declares the fields of its area's records with JSON_RECORD
+// (json_codec.h), the area's own record last.
 #pragma once
 
-#include <nlohmann/json.hpp>
-
 #include "host_model.h"
+#include "json_codec.h"
 
 namespace OrvkCtl::Sim {
 
-void to_json(nlohmann::json& j, NicArea const& area);
-void from_json(nlohmann::json const& j, NicArea& area);
-void to_json(nlohmann::json& j, IpArea const& area);
-void from_json(nlohmann::json const& j, IpArea& area);
-void to_json(nlohmann::json& j, VswitchArea const& area);
-void from_json(nlohmann::json const& j, VswitchArea& area);
-void to_json(nlohmann::json& j, RuntimeArea const& area);
-void from_json(nlohmann::json const& j, RuntimeArea& area);
+#define JSON_AREA(Area)                                                  \
+  JSON_HIDDEN void ReadJson(JsonValue const& value, Area& out);          \
+  JSON_HIDDEN void WriteJson(JsonWriter& writer, Area const& record);    \
+  JSON_HIDDEN void WriteJsonDiff(JsonWriter& writer, Area const& record, \
+                                 ElementTexts const& texts);             \
+  JSON_HIDDEN bool SameJson(Area const& a, Area const& b);
+
+JSON_AREA(NicArea)
+JSON_AREA(IpArea)
+JSON_AREA(VswitchArea)
+JSON_AREA(RuntimeArea)
+
+#undef JSON_AREA
 
 }  // namespace OrvkCtl::Sim

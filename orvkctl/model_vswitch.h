@@ -21,6 +21,8 @@ struct TeamingPolicyState {
   uint32_t link_value_bits = 0;
   std::vector<std::string> uplink_order;
   int max_active_uplinks = 0;
+
+  bool operator==(TeamingPolicyState const&) const = default;
 };
 
 struct SecurityPolicyState {
@@ -28,6 +30,8 @@ struct SecurityPolicyState {
   bool allow_promiscuous = false;
   bool allow_mac_change = false;
   bool allow_forged_transmits = false;
+
+  bool operator==(SecurityPolicyState const&) const = default;
 };
 
 // Bandwidths in bits per second, burst size in bytes.
@@ -37,6 +41,8 @@ struct ShapingPolicyState {
   uint64_t peak_bps = 0;
   uint64_t average_bps = 0;
   uint64_t burst_size = 0;
+
+  bool operator==(ShapingPolicyState const&) const = default;
 };
 
 struct PortGroupState {
@@ -47,6 +53,8 @@ struct PortGroupState {
   TeamingPolicyState teaming;
   SecurityPolicyState security;
   ShapingPolicyState shaping;
+
+  bool operator==(PortGroupState const&) const = default;
 };
 
 struct StandardSwitchState {
@@ -67,6 +75,8 @@ struct StandardSwitchState {
   SecurityPolicyState security;
   ShapingPolicyState shaping;
   std::vector<PortGroupState> port_groups;
+
+  bool operator==(StandardSwitchState const&) const = default;
 };
 
 // One port of a distributed switch. Whether it is in use, and by whom, is
@@ -83,6 +93,8 @@ struct DVPortState {
   std::string uplink;
   bool lacp_enabled = false;
   int lacp_mode = 1;
+
+  bool operator==(DVPortState const&) const = default;
 };
 
 // The LACP agent's view of one uplink of a running LAG.
@@ -107,6 +119,8 @@ struct LacpMemberState {
   uint64_t tx_lacpdus = 0;
   uint64_t rx_errors = 0;
   uint64_t tx_errors = 0;
+
+  bool operator==(LacpMemberState const&) const = default;
 };
 
 // A link aggregation group of a distributed switch. Its uplink ports are the
@@ -120,6 +134,8 @@ struct LagState {
   // Whether the LACP agent runs the group, and its view of each member.
   bool running = false;
   std::vector<LacpMemberState> members;
+
+  bool operator==(LagState const&) const = default;
 };
 
 // A distributed switch the host takes part in. It is configured from outside
@@ -140,6 +156,8 @@ struct DistributedSwitchState {
   // The ports the uplinks use, apart from the ports of VMs and interfaces.
   std::vector<DVPortState> uplink_ports;
   std::vector<LagState> lags;
+
+  bool operator==(DistributedSwitchState const&) const = default;
 };
 
 struct VswitchArea {

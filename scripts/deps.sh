@@ -2,7 +2,8 @@
 # Sourced by the other scripts.
 # What building and running toolbase takes; the tests, benchmarks, fuzzers
 # and packaging take the second list as well.
-BUILD_PACKAGES=(cmake g++ make pkg-config nlohmann-json3-dev libboost-regex-dev ccache)
+BUILD_PACKAGES=(cmake g++ make pkg-config nlohmann-json3-dev rapidjson-dev libboost-regex-dev
+                ccache)
 TEST_PACKAGES=(libgtest-dev libgmock-dev libbenchmark-dev dpkg-dev clang libclang-rt-14-dev)
 
 # ensure_deps [build]: every package, or with "build" the first list only.
