@@ -25,10 +25,6 @@
 // (host_store.h) and that still read back the same from the text noted.
 #pragma once
 
-// Nothing of the codec is for other libraries: keep it out of the dynamic
-// symbol table, which every process binds at start-up.
-#pragma GCC visibility push(hidden)
-
 #include <rapidjson/document.h>
 #include <rapidjson/error/en.h>
 #include <rapidjson/writer.h>
@@ -47,6 +43,11 @@
 #include <vector>
 
 #include "host_store.h"
+
+// Nothing of the codec is for other libraries: keep it out of the dynamic
+// symbol table, which every process binds at start-up. (After the includes:
+// declarations of libc and the standard library keep their visibility.)
+#pragma GCC visibility push(hidden)
 
 #define JSON_HIDDEN __attribute__((visibility("hidden")))
 
