@@ -8,8 +8,8 @@
 
 int main(int argc, char** argv) {
   std::vector<std::string> args(argv + 1, argv + argc);
-  // The tree lives as long as the process: taking hundreds of nodes apart
-  // just before exit would cost more than building them did.
+  // The tree lives as long as the process: taking its hundreds of nodes
+  // apart just before exit would only cost time.
   static auto* const root = new std::shared_ptr<Toolbase::AutoCli::NamespaceNode>(
       Toolbase::Cli::NewRoot());
   try {
