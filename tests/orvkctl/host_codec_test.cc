@@ -11,6 +11,7 @@
 
 #include "host_store.h"
 #include "hostctl/lib.h"
+#include "state_file_test.h"
 #include "support/harness.h"
 
 namespace {
@@ -217,10 +218,7 @@ TEST(HostCodecTest, AHandWrittenDocumentLoads) {
   EXPECT_TRUE(host.nic.pnics.empty());
 }
 
-class HostCodecStoreTest : public TestSupport::HostTest {
- protected:
-  void WriteState(std::string const& text) { std::ofstream(state_path_) << text; }
-};
+using HostCodecStoreTest = TestSupport::StateFileTest;
 
 // A document in line layout with `line` as its only area.
 std::string Lines(std::string const& line) {
@@ -269,22 +267,7 @@ TEST_F(HostCodecStoreTest, ValuesThatDoNotFitAreRefusedAndTheFileStaysUntouched)
       {R"({"format":18446744073709551615,"host":{}})",
        "format version 18446744073709551615 is not one this version reads (1)"},
   };
-  for (auto const& c : cases) {
-    SCOPED_TRACE(c.text);
-    Reload();
-    WriteState(c.text);
-    try {
-      ReadHost();
-      ADD_FAILURE() << "accepted";
-    } catch (HostCtl::Lib::HostCtlException const& error) {
-      EXPECT_EQ(error.message.rfind("Host state file " + state_path_ + " is corrupt: ", 0), 0u)
-          << error.message;
-      EXPECT_NE(error.message.find(c.reason), std::string::npos) << error.message;
-    }
-    EXPECT_THROW(ChangeHost([](HostModel& host) { host.hostname = "x"; }),
-                 HostCtl::Lib::HostCtlException);
-    EXPECT_EQ(StateFileText(), c.text);
-  }
+  for (auto const& c : cases) ExpectCorruptAndUntouched(c.text, c.reason);
 }
 
 TEST_F(HostCodecStoreTest, AChangeThatFailsLeavesHostAndFileAsTheyWere) {

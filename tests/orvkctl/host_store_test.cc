@@ -18,6 +18,7 @@
 
 #include "fault.h"
 #include "hostctl/lib.h"
+#include "state_file_test.h"
 #include "support/harness.h"
 
 namespace {
@@ -26,12 +27,7 @@ using OrvkCtl::Sim::ChangeHost;
 using OrvkCtl::Sim::HostModel;
 using OrvkCtl::Sim::ReadHost;
 
-class HostStoreTest : public TestSupport::HostTest {
- protected:
-  void WriteState(std::string const& text) {
-    std::ofstream(state_path_) << text;
-  }
-};
+using HostStoreTest = TestSupport::StateFileTest;
 
 TEST_F(HostStoreTest, FirstUseSeedsTheDefaultHost) {
   EXPECT_FALSE(std::filesystem::exists(state_path_));
@@ -186,22 +182,7 @@ TEST_F(HostStoreTest, FaultyFilesGiveAClearErrorAndStayUntouched) {
       {"{\"format\": 1, \"host\": {\"firewall\": {\"enabled\": \"yes\"}}}", "in \"firewall\": "},
       {"{\"format\":1,\"host\":{\n\"nic\":{\"pnics\":7}\n}}\n", "in \"nic\": "},
   };
-  for (auto const& c : cases) {
-    SCOPED_TRACE(c.text);
-    Reload();
-    WriteState(c.text);
-    try {
-      ReadHost();
-      ADD_FAILURE() << "accepted";
-    } catch (HostCtl::Lib::HostCtlException const& error) {
-      EXPECT_EQ(error.message.rfind("Host state file " + state_path_ + " is corrupt: ", 0), 0u)
-          << error.message;
-      EXPECT_NE(error.message.find(c.reason), std::string::npos) << error.message;
-    }
-    EXPECT_THROW(ChangeHost([](HostModel& host) { host.hostname = "x"; }),
-                 HostCtl::Lib::HostCtlException);
-    EXPECT_EQ(StateFileText(), c.text);
-  }
+  for (auto const& c : cases) ExpectCorruptAndUntouched(c.text, c.reason);
 }
 
 TEST_F(HostStoreTest, UnusablePathsNameThePath) {
