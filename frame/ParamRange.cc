@@ -13,4 +13,13 @@ bool CheckParamRange(Toolbase::CallSpec::Output& output, std::string const& name
   return false;
 }
 
+bool TakeParamUint32(Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output,
+                     std::string const& name, uint32_t& field) {
+  if (!input.HasParameter(name)) return true;
+  long const value = input.GetParameterInt(name);
+  if (!CheckParamUint32(output, name, value)) return false;
+  field = static_cast<uint32_t>(value);
+  return true;
+}
+
 }  // namespace CorvaneCli::NetworkNamespace

@@ -8,6 +8,7 @@
 #include <string>
 
 namespace Toolbase::CallSpec {
+class Input;
 class Output;
 }  // namespace Toolbase::CallSpec
 
@@ -24,5 +25,11 @@ inline bool CheckParamUint32(Toolbase::CallSpec::Output& output, std::string con
                              long value) {
   return CheckParamRange(output, name, value, 0, UINT32_MAX);
 }
+
+// An optional parameter for an unsigned 32-bit field: when `name` is given,
+// checks it as CheckParamUint32 does and stores it in `field` if it fits.
+// False only for a given value that does not fit.
+bool TakeParamUint32(Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output,
+                     std::string const& name, uint32_t& field);
 
 }  // namespace CorvaneCli::NetworkNamespace

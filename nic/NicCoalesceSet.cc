@@ -95,13 +95,7 @@ void NicCoalesceSet::ExecuteInternal(std::shared_ptr<Input> const& input,
     pnic->GetCoalesceParams(params);
     bool fits = true;
     auto number = [&](std::string const& parameter, uint32_t& field) {
-      if (!input->HasParameter(parameter)) return;
-      long const value = input->GetParameterInt(parameter);
-      if (CheckParamUint32(*output, parameter, value)) {
-        field = static_cast<uint32_t>(value);
-      } else {
-        fits = false;
-      }
+      fits = TakeParamUint32(*input, *output, parameter, field) && fits;
     };
     auto truth = [&](std::string const& parameter, bool& field) {
       if (input->HasParameter(parameter)) field = input->GetParameterBool(parameter);

@@ -78,10 +78,8 @@ void NicRingCurrentSet::ExecuteInternal(std::shared_ptr<Input> const& input,
     bool fits = true;
     auto ring = [&](std::string const& parameter, uint8_t bit, uint32_t& field) {
       if (!input->HasParameter(parameter)) return;
-      long const value = input->GetParameterInt(parameter);
-      if (CheckParamUint32(*output, parameter, value)) {
+      if (TakeParamUint32(*input, *output, parameter, field)) {
         params.mask |= bit;
-        field = static_cast<uint32_t>(value);
       } else {
         fits = false;
       }
