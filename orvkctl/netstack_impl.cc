@@ -28,6 +28,9 @@ using Sim::HostModel;
 using Sim::NetstackState;
 
 const std::string kDefaultKey = "defaultTcpipStack";
+// What a netstack operation reads: the instances, and the switches and ports
+// their interfaces use.
+constexpr Sim::AreaSet kNetstackAreas = Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime;
 constexpr size_t kMaxKeyLength = 32;
 const std::vector<std::string> kEcnWords = {"disabled", "enabled", "echo-only"};
 
@@ -41,9 +44,17 @@ NetstackState const& ReadNetstack(HostModel const& host, std::string const& key)
   return *netstack;
 }
 
+// The netstack `key` as the host has it. For an object made detached, null
+// while its netstack is not on the host; otherwise a missing one throws.
+NetstackState const* HostNetstack(std::string const& key, bool detached) {
+  HostModel const& host = Sim::ReadHost(kNetstackAreas);
+  if (detached && !Sim::FindNetstack(host.ip, key)) return nullptr;
+  return &ReadNetstack(host, key);
+}
+
 void ChangeNetstack(std::string const& key,
                     std::function<void(HostModel&, NetstackState&)> const& change) {
-  Sim::ChangeHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime, [&](HostModel& host) {
+  Sim::ChangeHost(kNetstackAreas, [&](HostModel& host) {
     auto* netstack = Sim::FindNetstack(host.ip, key);
     if (!netstack) throw UnknownNetstack(key);
     change(host, *netstack);
@@ -152,8 +163,7 @@ std::vector<std::string> NetstackInstanceImpl::GetCongestionControlAlgorithmList
 
 void NetstackInstanceImpl::Refresh() {
   CheckFault("NetstackInstanceImpl::Refresh");
-  auto const* netstack = Sim::FindNetstack(
-      Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).ip, key_);
+  auto const* netstack = Sim::FindNetstack(Sim::ReadHost(kNetstackAreas).ip, key_);
   if (!netstack) {
     if (detached_) return;
     throw UnknownNetstack(key_);
@@ -195,12 +205,8 @@ void NetstackInstanceImpl::SetInstanceName(std::string const& name, bool /*persi
 
 uint32_t NetstackInstanceImpl::GetMaxConnections() {
   CheckFault("NetstackInstanceImpl::GetMaxConnections");
-  if (detached_ &&
-      !Sim::FindNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).ip,
-                         key_))
-    return maxConnections_;
-  return ReadNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime), key_)
-      .max_connections;
+  auto const* netstack = HostNetstack(key_, detached_);
+  return netstack ? netstack->max_connections : maxConnections_;
 }
 
 void NetstackInstanceImpl::SetMaxConnections(uint32_t maxConnections, bool /*persist*/) {
@@ -214,12 +220,8 @@ void NetstackInstanceImpl::SetMaxConnections(uint32_t maxConnections, bool /*per
 
 std::string NetstackInstanceImpl::GetCongestionControlAlgorithm() {
   CheckFault("NetstackInstanceImpl::GetCongestionControlAlgorithm");
-  if (detached_ &&
-      !Sim::FindNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).ip,
-                         key_))
-    return ccAlgorithm_;
-  return ReadNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime), key_)
-      .cc_algorithm;
+  auto const* netstack = HostNetstack(key_, detached_);
+  return netstack ? netstack->cc_algorithm : ccAlgorithm_;
 }
 
 void NetstackInstanceImpl::SetCongestionControlAlgorithm(std::string const& algorithm,
@@ -302,8 +304,7 @@ uint32_t NetstackInstanceImpl::GetFlags() {
 HostCtl::Network::NetstackInstanceList NetworkInfoImpl::ListNetstackInstances() {
   CheckFault("NetworkInfoImpl::ListNetstackInstances");
   HostCtl::Network::NetstackInstanceList list;
-  for (auto const& netstack :
-       Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).ip.netstacks) {
+  for (auto const& netstack : Sim::ReadHost(kNetstackAreas).ip.netstacks) {
     list.push_back(std::make_unique<NetstackInstanceImpl>(netstack.key));
   }
   return list;
@@ -312,9 +313,7 @@ HostCtl::Network::NetstackInstanceList NetworkInfoImpl::ListNetstackInstances() 
 std::unique_ptr<NetstackInstance> NetworkInfoImpl::LookupNetstackInstanceByKey(
     std::string const& key) {
   CheckFault("NetworkInfoImpl::LookupNetstackInstanceByKey");
-  if (!Sim::FindNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).ip,
-                         key))
-    return nullptr;
+  if (!Sim::FindNetstack(Sim::ReadHost(kNetstackAreas).ip, key)) return nullptr;
   return std::make_unique<NetstackInstanceImpl>(key);
 }
 
@@ -323,8 +322,7 @@ void NetworkInfoImpl::AddNetstackInstance(NetstackInstance* instance, bool confi
   if (!instance) throw HostCtlException("No netstack instance given");
   std::string key = instance->GetInstanceKey();
   CheckKey(key);
-  if (Sim::FindNetstack(Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).ip,
-                        key)) {
+  if (Sim::FindNetstack(Sim::ReadHost(kNetstackAreas).ip, key)) {
     throw HostCtlException("Netstack instance " + key + " already exists");
   }
   NetstackState netstack;
@@ -339,7 +337,7 @@ void NetworkInfoImpl::AddNetstackInstance(NetstackInstance* instance, bool confi
   CheckAlgorithm(netstack.cc_algorithm);
   CheckEcn(netstack.ecn_status);
   if (!configOnly) BringUp(netstack);
-  Sim::ChangeHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime, [&](HostModel& host) {
+  Sim::ChangeHost(kNetstackAreas, [&](HostModel& host) {
     if (Sim::FindNetstack(host.ip, key)) {
       throw HostCtlException("Netstack instance " + key + " already exists");
     }
@@ -376,20 +374,18 @@ void NetworkInfoImpl::RemoveNetstackInstance(std::string const& key, bool kernel
 
 uint32_t NetworkInfoImpl::GetNetstackInstanceState(std::string const& key) {
   CheckFault("NetworkInfoImpl::GetNetstackInstanceState");
-  auto const* netstack = Sim::FindNetstack(
-      Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).ip, key);
+  auto const* netstack = Sim::FindNetstack(Sim::ReadHost(kNetstackAreas).ip, key);
   return netstack ? netstack->state : 0;
 }
 
 bool NetworkInfoImpl::IsOrvkIpv6Enabled() {
   CheckFault("NetworkInfoImpl::IsOrvkIpv6Enabled");
-  return Sim::ReadHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).ip.ipv6_enabled;
+  return Sim::ReadHost(kNetstackAreas).ip.ipv6_enabled;
 }
 
 void NetworkInfoImpl::SetOrvkIpv6Enabled(bool enabled) {
   CheckFault("NetworkInfoImpl::SetOrvkIpv6Enabled");
-  Sim::ChangeHost(Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime,
-                  [&](HostModel& host) { host.ip.ipv6_enabled = enabled; });
+  Sim::ChangeHost(kNetstackAreas, [&](HostModel& host) { host.ip.ipv6_enabled = enabled; });
 }
 
 }  // namespace OrvkCtl::Network
