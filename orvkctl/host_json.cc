@@ -2,6 +2,7 @@
 // and the firewall.
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <type_traits>
@@ -257,6 +258,83 @@ std::vector<HostField> const& HostFields() {
       Field<&HostModel::runtime>("runtime", kAreaRuntime),
   };
   return fields;
+}
+
+bool ScanHostDocument(std::function<size_t(char*, size_t)> const& read, AreaSet wanted,
+                      std::vector<FieldSpan>& spans, std::vector<std::string>& texts,
+                      bool* compact) {
+  auto const& fields = HostFields();
+  spans.assign(fields.size(), {});
+  texts.assign(fields.size(), {});
+  // The unread bytes are buffer[begin, end); buffer[0] is at `base` in the file.
+  constexpr size_t kChunk = size_t{1} << 16;
+  std::unique_ptr<char[]> const buffer(new char[kChunk]);
+  size_t begin = 0;
+  size_t end = 0;
+  uint64_t base = 0;
+  bool at_end = false;
+  // Makes `want` bytes available, or all that are left.
+  auto fill = [&](size_t want) {
+    if (end - begin >= want || at_end) return;
+    std::memmove(buffer.get(), buffer.get() + begin, end - begin);
+    base += begin;
+    end -= begin;
+    begin = 0;
+    while (end < want && !at_end) {
+      size_t n = read(buffer.get() + end, kChunk - end);
+      at_end = n == 0;
+      end += n;
+    }
+  };
+  auto available = [&] { return std::string_view(buffer.get() + begin, end - begin); };
+  // A line starts with its key; the longest is far shorter than this.
+  constexpr size_t kKeyRoom = 64;
+
+  fill(kHead.size());
+  std::string_view head = available().starts_with(kHead)        ? kHead
+                          : available().starts_with(kPlainHead) ? kPlainHead
+                                                                : std::string_view();
+  if (head.empty()) return false;
+  if (compact) *compact = head == kHead;
+  begin += head.size();
+  std::vector<bool> seen(fields.size());
+  bool first = true;
+  bool comma = false;  // whether the line before ended with one
+  for (;;) {
+    fill(kKeyRoom);
+    if (at_end && available() == kTail) return first || !comma;
+    if (!first && !comma) return false;
+    first = false;
+    std::string_view line = available();
+    size_t colon = line.find("\":");
+    if (!line.starts_with('"') || colon == std::string_view::npos) return false;
+    std::string_view key = line.substr(1, colon - 1);
+    size_t i = 0;
+    while (i < fields.size() && fields[i].key != key) ++i;
+    if (i == fields.size() || seen[i]) return false;
+    seen[i] = true;
+    begin += colon + 2;
+    uint64_t offset = base + begin;
+    bool keep = (fields[i].area & wanted) != 0;
+    char last = ':';
+    for (;;) {
+      char const* start = buffer.get() + begin;
+      auto* newline = static_cast<char const*>(std::memchr(start, '\n', end - begin));
+      size_t size = newline ? static_cast<size_t>(newline - start) : end - begin;
+      if (keep) texts[i].append(start, size);
+      if (size > 0) last = start[size - 1];
+      begin += size;
+      if (newline) break;
+      if (at_end) return false;
+      fill(1);
+      if (begin == end) return false;
+    }
+    comma = last == ',';
+    uint64_t size = base + begin - offset - (comma ? 1 : 0);
+    if (keep && comma) texts[i].pop_back();
+    spans[i] = {offset, size};
+    ++begin;  // the line's end
+  }
 }
 
 std::vector<std::string_view> SplitHostDocument(std::string& text, bool* compact) {

@@ -32,9 +32,16 @@ struct Store {
   std::string path;
   int lock_fd = -1;
   bool open = false;
-  // The file as last read or written, and each field's value text in it.
+  // Each field's value text as the file has it (`texts`), once fetched: views
+  // into the whole file as last written or read (`file_text`), or into the
+  // field's own text (`field_texts`) when only some fields were read.
   std::string file_text;
   std::vector<std::string_view> texts;
+  std::vector<bool> fetched;
+  // While some are not fetched: the file, still open, and where they are in it.
+  int file_fd = -1;
+  std::vector<FieldSpan> spans;
+  std::vector<std::string> field_texts;
   Snapshot current;
   // Whether file_text says its records are all as this library writes them;
   // if so, the texts of the elements of current.host's arrays in it, while
@@ -166,9 +173,22 @@ void Lock(Store& store) {
   throw HostCtlException("Host state file " + path + " is corrupt: " + why);
 }
 
-std::string ReadFile(std::string const& path) {
-  int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (fd < 0) Fail("Cannot read host state file", path, errno);
+// Up to `size` bytes at `offset`, fewer only at the file's end.
+size_t ReadAt(int fd, char* data, size_t size, off_t offset, std::string const& path) {
+  size_t done = 0;
+  while (done < size) {
+    ssize_t n = offset < 0 ? read(fd, data + done, size - done)
+                           : pread(fd, data + done, size - done, offset + static_cast<off_t>(done));
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) Fail("Cannot read host state file", path, errno);
+    if (n == 0) break;
+    done += static_cast<size_t>(n);
+  }
+  return done;
+}
+
+// The whole file `fd`, from its start.
+std::string ReadFile(int fd, std::string const& path) {
   std::string text;
   struct stat info {};
   size_t size = fstat(fd, &info) == 0 && info.st_size > 0 ? static_cast<size_t>(info.st_size) : 0;
@@ -177,25 +197,44 @@ std::string ReadFile(std::string const& path) {
   size_t done = 0;
   for (;;) {
     if (done == text.size()) text.resize(text.size() * 2);
-    ssize_t n = read(fd, text.data() + done, text.size() - done);
-    if (n < 0 && errno == EINTR) continue;
-    if (n < 0) {
-      int error = errno;
-      close(fd);
-      Fail("Cannot read host state file", path, error);
-    }
-    if (n == 0) break;
-    done += static_cast<size_t>(n);
+    size_t n = ReadAt(fd, text.data() + done, text.size() - done, static_cast<off_t>(done), path);
+    done += n;
+    if (n == 0 || done < text.size()) break;
   }
-  close(fd);
   text.resize(done);
   return text;
+}
+
+void CloseFile(Store& store) {
+  if (store.file_fd >= 0) close(store.file_fd);
+  store.file_fd = -1;
+  store.spans.clear();
+  store.field_texts.clear();
+}
+
+// Makes the value texts of the fields of `areas` known, reading them from the
+// file where they are not yet.
+void Fetch(Store& store, AreaSet areas) {
+  auto const& fields = HostFields();
+  for (size_t i = 0; i < fields.size(); ++i) {
+    if (!(fields[i].area & areas) || store.fetched[i]) continue;
+    std::string& text = store.field_texts[i];
+    FieldSpan span = store.spans[i];
+    text.resize(span.size);
+    if (ReadAt(store.file_fd, text.data(), text.size(), static_cast<off_t>(span.offset),
+               store.path) != span.size) {
+      Corrupt(store.path, "it was cut short while in use");
+    }
+    store.texts[i] = text;
+    store.fetched[i] = true;
+  }
 }
 
 // The document to write: the fields of `loaded` areas from `host`, the
 // others as the file has them. What the file says of `host`'s arrays that
 // still holds is copied (store.element_texts).
-std::string Compose(Store const& store, HostModel const& host, AreaSet loaded) {
+std::string Compose(Store& store, HostModel const& host, AreaSet loaded) {
+  Fetch(store, kAreaAll);
   return JoinHostDocument(store.texts, store.compact || (loaded & kAreaAll) == kAreaAll, &host,
                           loaded, &store.element_texts);
 }
@@ -215,11 +254,42 @@ void Replace(Store& store, Snapshot snapshot) {
 void Save(Store& store, std::string document) {
   SaveAtomically(store.path, document);
   ForgetTexts(store);
+  CloseFile(store);
   store.file_text = std::move(document);
   store.texts = SplitHostDocument(store.file_text, &store.compact);
+  store.fetched.assign(store.texts.size(), true);
 }
 
-void Open(Store& store) {
+// Reads the file, keeping the texts of the fields of `areas` only when it is
+// in the line layout; a file laid out otherwise is read whole.
+void Read(Store& store, AreaSet areas) {
+  int fd = open(store.path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) Fail("Cannot read host state file", store.path, errno);
+  store.file_fd = fd;
+  auto read_next = [&](char* data, size_t size) { return ReadAt(fd, data, size, -1, store.path); };
+  if (ScanHostDocument(read_next, areas, store.spans, store.field_texts, &store.compact)) {
+    auto const& fields = HostFields();
+    store.texts.assign(fields.size(), {});
+    store.fetched.assign(fields.size(), false);
+    for (size_t i = 0; i < fields.size(); ++i) {
+      if (!(fields[i].area & areas)) continue;
+      store.texts[i] = store.field_texts[i];
+      store.fetched[i] = true;
+    }
+    return;
+  }
+  store.file_text = ReadFile(fd, store.path);
+  CloseFile(store);
+  try {
+    store.texts = SplitHostDocument(store.file_text, &store.compact);
+  } catch (std::exception const& error) {
+    store.file_text.clear();
+    Corrupt(store.path, error.what());
+  }
+  store.fetched.assign(store.texts.size(), true);
+}
+
+void Open(Store& store, AreaSet areas = 0) {
   if (store.open) return;
   store.path = StatePath();
   if (store.lock_fd < 0) Lock(store);
@@ -230,12 +300,11 @@ void Open(Store& store) {
     Save(store, HostToJson(host));
     Replace(store, {std::move(host), kAreaAll});
   } else {
-    store.file_text = ReadFile(store.path);
     try {
-      store.texts = SplitHostDocument(store.file_text, &store.compact);
-    } catch (std::exception const& error) {
-      store.file_text.clear();
-      Corrupt(store.path, error.what());
+      Read(store, areas);
+    } catch (...) {
+      CloseFile(store);
+      throw;
     }
     Replace(store, {});
   }
@@ -244,9 +313,10 @@ void Open(Store& store) {
 
 HostModel& Loaded(AreaSet areas) {
   Store& store = TheStore();
-  Open(store);
+  Open(store, areas);
   AreaSet missing = areas & ~store.current.loaded;
   if (missing) {
+    Fetch(store, missing);
     auto const& fields = HostFields();
     for (size_t i = 0; i < fields.size(); ++i) {
       if (!(fields[i].area & missing) || store.texts[i].empty()) continue;
@@ -336,7 +406,9 @@ void ChangeHost(std::function<void(HostModel&)> const& change) { ChangeHost(kAre
 void ResetHostForTest() {
   Store& store = TheStore();
   store.open = false;
+  CloseFile(store);
   store.texts.clear();
+  store.fetched.clear();
   store.file_text.clear();
   Replace(store, {});
   store.in_transaction = false;

@@ -36,6 +36,7 @@
 // a row in the field table of host_json.cc.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -119,6 +120,23 @@ std::vector<HostField> const& HostFields();
 // `compact` (when given) tells whether the document says that its records
 // are all as this library writes them.
 std::vector<std::string_view> SplitHostDocument(std::string& text, bool* compact = nullptr);
+// Where a field's value text lies in a state document.
+struct FieldSpan {
+  uint64_t offset = 0;
+  uint64_t size = 0;  // 0 when the field is absent
+};
+
+// Reads a state document in the line layout through `read` (which fills up
+// to the size given and returns how much it filled, 0 at the end), keeping
+// only the value texts of the fields of `wanted` areas in `texts` and noting
+// in `spans` where every field's value is, in HostFields() order; it never
+// holds more of the document at once than a small buffer. Returns false when
+// the document is not in the line layout (`spans` and `texts` are then of no
+// use): SplitHostDocument on the whole text takes it from there.
+bool ScanHostDocument(std::function<size_t(char*, size_t)> const& read, AreaSet wanted,
+                      std::vector<FieldSpan>& spans, std::vector<std::string>& texts,
+                      bool* compact);
+
 // The document of the given fields' value texts (empty ones are left out).
 // `compact`: the texts are all as this library writes them. The fields of
 // `loaded` areas are written from `host` instead (when given), copying from

@@ -218,6 +218,66 @@ TEST(HostCodecTest, AHandWrittenDocumentLoads) {
   EXPECT_TRUE(host.nic.pnics.empty());
 }
 
+// Reading a document a piece at a time, keeping some areas, finds each
+// field where splitting the whole text finds it, and refuses exactly the
+// documents that splitting has to parse whole.
+TEST(HostCodecTest, ScanningAgreesWithSplittingTheWholeText) {
+  std::string const head = "{\"format\":1,\"layout\":\"compact\",\"host\":{\n";
+  std::string const plain = "{\"format\":1,\"host\":{\n";
+  std::string const long_name(200000, 'n');  // a line over several reads
+  std::string const lines = HostToJson(OrvkCtl::Sim::DefaultHost());
+  struct Case {
+    std::string name;
+    std::string text;
+    bool lines;  // in the line layout
+  };
+  std::vector<Case> const cases = {
+      {"seeded", lines, true},
+      {"unmarked", plain + "\"hostname\":\"h\",\n\"modules\":[]\n}}\n", true},
+      {"no area", head + "}}\n", true},
+      {"long line", head + "\"hostname\":\"" + long_name + "\",\n\"firewall\":{}\n}}\n", true},
+      {"empty value", head + "\"hostname\":,\n\"firewall\":{}\n}}\n", true},
+      {"missing comma", head + "\"hostname\":\"h\"\n\"firewall\":{}\n}}\n", false},
+      {"comma at the end", head + "\"hostname\":\"h\",\n}}\n", false},
+      {"unknown key", head + "\"hostnames\":\"h\"\n}}\n", false},
+      {"key twice", head + "\"hostname\":\"h\",\n\"hostname\":\"i\"\n}}\n", false},
+      {"no tail", head + "\"hostname\":\"h\"\n", false},
+      {"after the tail", head + "\"hostname\":\"h\"\n}}\n\n", false},
+      {"no line end", head + "\"hostname\":\"h\"}}\n", false},
+      {"pretty", "{\n  \"format\": 1,\n  \"host\": {}\n}\n", false},
+      {"empty", "", false},
+  };
+  auto const& fields = OrvkCtl::Sim::HostFields();
+  for (auto const& c : cases) {
+    for (size_t piece : {size_t{1}, size_t{7}, size_t{1} << 20}) {
+      for (OrvkCtl::Sim::AreaSet wanted : {0u, OrvkCtl::Sim::kAreaHost, OrvkCtl::Sim::kAreaAll}) {
+        SCOPED_TRACE(c.name + ", pieces of " + std::to_string(piece) + ", areas " +
+                     std::to_string(wanted));
+        size_t at = 0;
+        auto read = [&](char* data, size_t size) {
+          size_t n = std::min({size, piece, c.text.size() - at});
+          std::copy_n(c.text.data() + at, n, data);
+          at += n;
+          return n;
+        };
+        std::vector<OrvkCtl::Sim::FieldSpan> spans;
+        std::vector<std::string> texts;
+        bool compact = false;
+        bool scanned = OrvkCtl::Sim::ScanHostDocument(read, wanted, spans, texts, &compact);
+        ASSERT_EQ(scanned, c.lines);
+        if (!scanned) continue;
+        EXPECT_EQ(compact, c.text.starts_with(head));
+        std::string whole = c.text;
+        auto const split = OrvkCtl::Sim::SplitHostDocument(whole);
+        for (size_t i = 0; i < fields.size(); ++i) {
+          EXPECT_EQ(c.text.substr(spans[i].offset, spans[i].size), split[i]) << fields[i].key;
+          EXPECT_EQ(texts[i], (fields[i].area & wanted) ? split[i] : "") << fields[i].key;
+        }
+      }
+    }
+  }
+}
+
 using HostCodecStoreTest = TestSupport::StateFileTest;
 
 // A document in line layout with `line` as its only area.
