@@ -260,14 +260,12 @@ std::vector<HostField> const& HostFields() {
   return fields;
 }
 
-bool ScanHostDocument(std::function<size_t(char*, size_t)> const& read, AreaSet wanted,
-                      std::vector<FieldSpan>& spans, std::vector<std::string>& texts,
-                      bool* compact) {
+bool ScanHostDocument(std::function<size_t(char*, size_t)> const& read,
+                      std::vector<FieldSpan>& spans, bool* compact) {
   auto const& fields = HostFields();
   spans.assign(fields.size(), {});
-  texts.assign(fields.size(), {});
   // The unread bytes are buffer[begin, end); buffer[0] is at `base` in the file.
-  constexpr size_t kChunk = size_t{1} << 16;
+  constexpr size_t kChunk = size_t{1} << 14;
   std::unique_ptr<char[]> const buffer(new char[kChunk]);
   size_t begin = 0;
   size_t end = 0;
@@ -315,13 +313,11 @@ bool ScanHostDocument(std::function<size_t(char*, size_t)> const& read, AreaSet 
     seen[i] = true;
     begin += colon + 2;
     uint64_t offset = base + begin;
-    bool keep = (fields[i].area & wanted) != 0;
     char last = ':';
     for (;;) {
       char const* start = buffer.get() + begin;
       auto* newline = static_cast<char const*>(std::memchr(start, '\n', end - begin));
       size_t size = newline ? static_cast<size_t>(newline - start) : end - begin;
-      if (keep) texts[i].append(start, size);
       if (size > 0) last = start[size - 1];
       begin += size;
       if (newline) break;
@@ -331,7 +327,6 @@ bool ScanHostDocument(std::function<size_t(char*, size_t)> const& read, AreaSet 
     }
     comma = last == ',';
     uint64_t size = base + begin - offset - (comma ? 1 : 0);
-    if (keep && comma) texts[i].pop_back();
     spans[i] = {offset, size};
     ++begin;  // the line's end
   }

@@ -260,22 +260,19 @@ void Save(Store& store, std::string document) {
   store.fetched.assign(store.texts.size(), true);
 }
 
-// Reads the file, keeping the texts of the fields of `areas` only when it is
-// in the line layout; a file laid out otherwise is read whole.
+// Reads the file: in the line layout, where each field is, and the texts of
+// the fields of `areas`; a file laid out otherwise, whole.
 void Read(Store& store, AreaSet areas) {
   int fd = open(store.path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) Fail("Cannot read host state file", store.path, errno);
   store.file_fd = fd;
   auto read_next = [&](char* data, size_t size) { return ReadAt(fd, data, size, -1, store.path); };
-  if (ScanHostDocument(read_next, areas, store.spans, store.field_texts, &store.compact)) {
-    auto const& fields = HostFields();
-    store.texts.assign(fields.size(), {});
-    store.fetched.assign(fields.size(), false);
-    for (size_t i = 0; i < fields.size(); ++i) {
-      if (!(fields[i].area & areas)) continue;
-      store.texts[i] = store.field_texts[i];
-      store.fetched[i] = true;
-    }
+  if (ScanHostDocument(read_next, store.spans, &store.compact)) {
+    size_t count = HostFields().size();
+    store.texts.assign(count, {});
+    store.fetched.assign(count, false);
+    store.field_texts.assign(count, {});
+    Fetch(store, areas);
     return;
   }
   store.file_text = ReadFile(fd, store.path);

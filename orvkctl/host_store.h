@@ -127,15 +127,13 @@ struct FieldSpan {
 };
 
 // Reads a state document in the line layout through `read` (which fills up
-// to the size given and returns how much it filled, 0 at the end), keeping
-// only the value texts of the fields of `wanted` areas in `texts` and noting
-// in `spans` where every field's value is, in HostFields() order; it never
+// to the size given and returns how much it filled, 0 at the end), noting in
+// `spans` where each field's value text is, in HostFields() order; it never
 // holds more of the document at once than a small buffer. Returns false when
-// the document is not in the line layout (`spans` and `texts` are then of no
-// use): SplitHostDocument on the whole text takes it from there.
-bool ScanHostDocument(std::function<size_t(char*, size_t)> const& read, AreaSet wanted,
-                      std::vector<FieldSpan>& spans, std::vector<std::string>& texts,
-                      bool* compact);
+// the document is not in the line layout (`spans` is then of no use):
+// SplitHostDocument on the whole text takes it from there.
+bool ScanHostDocument(std::function<size_t(char*, size_t)> const& read,
+                      std::vector<FieldSpan>& spans, bool* compact);
 
 // The document of the given fields' value texts (empty ones are left out).
 // `compact`: the texts are all as this library writes them. The fields of
