@@ -52,10 +52,13 @@ constexpr unsigned kMaxNesting = 100;
 class TreeBuilder {
  public:
   // Notes where each object begins and ends in `objects`, when given.
+  // `size`: the text's, by which the stack of values and the object spans
+  // are sized once, so that a large text does not copy them as they grow.
   TreeBuilder(rapidjson::Document::AllocatorType& allocator, rapidjson::InsituStringStream& stream,
-              JsonObjectSpans* objects)
+              JsonObjectSpans* objects, size_t size)
       : allocator_(allocator), stream_(stream), objects_(objects) {
-    values_.reserve(64);
+    values_.reserve(std::max<size_t>(64, size / 16));
+    if (objects_) objects_->reserve(size / 24);
   }
   bool Null() { return values_.emplace_back(), true; }
   bool Bool(bool b) { return values_.emplace_back(b), true; }
@@ -122,7 +125,7 @@ class TreeBuilder {
 template <unsigned kFlags>
 void Parse(std::string& text, rapidjson::Document& document, JsonObjectSpans* objects) {
   rapidjson::InsituStringStream stream(text.data());
-  TreeBuilder builder(document.GetAllocator(), stream, objects);
+  TreeBuilder builder(document.GetAllocator(), stream, objects, text.size());
   rapidjson::Reader reader;
   rapidjson::ParseResult result =
       reader.Parse<kFlags | rapidjson::kParseInsituFlag>(stream, builder);
