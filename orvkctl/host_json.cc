@@ -54,9 +54,11 @@ class TreeBuilder {
   // Notes where each object begins and ends in `objects`, when given.
   // `size`: the text's, by which the stack of values and the object spans
   // are sized once, so that a large text does not copy them as they grow.
+  // `keep_text`: put back what parsing in place overwrites (the closing
+  // quote of each string, when no string has an escape).
   TreeBuilder(rapidjson::Document::AllocatorType& allocator, rapidjson::InsituStringStream& stream,
-              JsonObjectSpans* objects, size_t size)
-      : allocator_(allocator), stream_(stream), objects_(objects) {
+              JsonObjectSpans* objects, size_t size, bool keep_text)
+      : allocator_(allocator), stream_(stream), objects_(objects), keep_text_(keep_text) {
     values_.reserve(std::max<size_t>(64, size / 16));
     if (objects_) objects_->reserve(size / 24);
   }
@@ -69,6 +71,7 @@ class TreeBuilder {
   bool Double(double d) { return values_.emplace_back(d), true; }
   bool RawNumber(char const* s, rapidjson::SizeType n, bool copy) { return String(s, n, copy); }
   bool String(char const* s, rapidjson::SizeType n, bool copy) {
+    if (keep_text_ && !copy) const_cast<char*>(s)[n] = '"';
     if (copy) {
       values_.emplace_back(s, n, allocator_);
     } else {
@@ -117,15 +120,17 @@ class TreeBuilder {
   rapidjson::Document::AllocatorType& allocator_;
   rapidjson::InsituStringStream& stream_;
   JsonObjectSpans* objects_;
+  bool keep_text_;
   std::vector<rapidjson::Value> values_;
   std::vector<size_t> open_;
   unsigned depth_ = 0;
 };
 
 template <unsigned kFlags>
-void Parse(std::string& text, rapidjson::Document& document, JsonObjectSpans* objects) {
-  rapidjson::InsituStringStream stream(text.data());
-  TreeBuilder builder(document.GetAllocator(), stream, objects, text.size());
+void Parse(char* text, size_t size, rapidjson::Document& document, JsonObjectSpans* objects,
+           bool keep_text) {
+  rapidjson::InsituStringStream stream(text);
+  TreeBuilder builder(document.GetAllocator(), stream, objects, size, keep_text);
   rapidjson::Reader reader;
   rapidjson::ParseResult result =
       reader.Parse<kFlags | rapidjson::kParseInsituFlag>(stream, builder);
@@ -142,17 +147,37 @@ void Parse(std::string& text, rapidjson::Document& document, JsonObjectSpans* ob
 
 }  // namespace
 
-void ParseDocument(std::string& text, rapidjson::Document& document, JsonObjectSpans* objects) {
-  if (text.size() > UINT32_MAX) throw std::runtime_error("the text is too long");
+namespace {
+
+// Parses `text`, followed by a NUL byte, in place.
+void ParseChecked(char* text, size_t size, rapidjson::Document& document,
+                  JsonObjectSpans* objects, bool keep_text) {
+  std::string_view const view(text, size);
+  if (size > UINT32_MAX) throw std::runtime_error("the text is too long");
   // JSON text has no NUL byte; the parser would take one for the end.
-  if (size_t nul = text.find('\0'); nul != std::string::npos) {
+  if (size_t nul = view.find('\0'); nul != std::string_view::npos) {
     throw std::runtime_error("parse error at offset " + std::to_string(nul) + ": a NUL byte");
   }
-  if (IsAscii(text)) {
-    Parse<rapidjson::kParseDefaultFlags>(text, document, objects);
+  if (IsAscii(view)) {
+    Parse<rapidjson::kParseDefaultFlags>(text, size, document, objects, keep_text);
   } else {
-    Parse<rapidjson::kParseValidateEncodingFlag>(text, document, objects);
+    Parse<rapidjson::kParseValidateEncodingFlag>(text, size, document, objects, keep_text);
   }
+}
+
+}  // namespace
+
+void ParseDocument(std::string& text, rapidjson::Document& document, JsonObjectSpans* objects) {
+  ParseChecked(text.data(), text.size(), document, objects, false);
+}
+
+bool ParseDocumentKeepingText(char* text, size_t size, rapidjson::Document& document,
+                              JsonObjectSpans* objects) {
+  // An escape is replaced where it stands by what it stands for, which could
+  // not be put back.
+  if (std::memchr(text, '\\', size)) return false;
+  ParseChecked(text, size, document, objects, true);
+  return true;
 }
 
 std::string_view SourceOf(JsonParse const& parse, JsonValue const& object) {
@@ -160,8 +185,8 @@ std::string_view SourceOf(JsonParse const& parse, JsonValue const& object) {
   // Parsed in place, a key's text stays where it was, after its quote, and
   // the object's brace comes before that, after blanks at most.
   char const* key = object.MemberBegin()->name.GetString();
-  char const* base = parse.buffer.data();
-  if (key <= base || key > base + parse.buffer.size()) return {};
+  char const* base = parse.parsed;
+  if (key <= base || key > base + parse.text.size()) return {};
   size_t begin = static_cast<size_t>(key - base) - 1;
   while (begin > 0 && parse.text[begin - 1] != '{') --begin;
   if (begin == 0) return {};
@@ -196,8 +221,8 @@ constexpr std::string_view kPlainHead = "{\"format\":1,\"host\":{\n";
 constexpr std::string_view kTail = "}}\n";
 
 template <auto Member>
-void LoadMember(std::string_view text, HostModel& host, ElementTexts* texts) {
-  ParseJson(text, host.*Member, texts);
+void LoadMember(std::string_view text, HostModel& host, ElementTexts* texts, bool in_place) {
+  ParseJson(text, host.*Member, texts, in_place);
 }
 
 template <auto Member>
@@ -412,7 +437,7 @@ HostModel HostFromJson(std::string const& text) {
   std::vector<std::string_view> texts = SplitHostDocument(document);
   HostModel host;
   for (size_t i = 0; i < fields.size(); ++i) {
-    if (!texts[i].empty()) fields[i].load(texts[i], host, nullptr);
+    if (!texts[i].empty()) fields[i].load(texts[i], host, nullptr, false);
   }
   return host;
 }

@@ -318,8 +318,10 @@ HostModel& Loaded(AreaSet areas) {
     for (size_t i = 0; i < fields.size(); ++i) {
       if (!(fields[i].area & missing) || store.texts[i].empty()) continue;
       try {
+        // A field read on its own is a string of the store's: parsed where
+        // it is, not copied.
         fields[i].load(store.texts[i], store.current.host,
-                       store.compact ? &store.element_texts : nullptr);
+                       store.compact ? &store.element_texts : nullptr, !store.field_texts.empty());
       } catch (std::exception const& error) {
         ForgetTexts(store);
         Corrupt(store.path, "in \"" + std::string(fields[i].key) + "\": " + error.what());
@@ -363,7 +365,7 @@ void ChangeHost(AreaSet areas, std::function<void(HostModel&)> const& change) {
       auto const& fields = HostFields();
       for (size_t i = 0; i < fields.size(); ++i) {
         if ((fields[i].area & grown) && !store.texts[i].empty()) {
-          fields[i].load(store.texts[i], changed, nullptr);
+          fields[i].load(store.texts[i], changed, nullptr, false);
         }
       }
     }
@@ -390,7 +392,7 @@ void ChangeHost(AreaSet areas, std::function<void(HostModel&)> const& change) {
     auto const& fields = HostFields();
     for (size_t i = 0; i < fields.size(); ++i) {
       if ((fields[i].area & restored.loaded) && !store.texts[i].empty()) {
-        fields[i].load(store.texts[i], restored.host, nullptr);
+        fields[i].load(store.texts[i], restored.host, nullptr, false);
       }
     }
     Replace(store, std::move(restored));
@@ -403,11 +405,11 @@ void ChangeHost(std::function<void(HostModel&)> const& change) { ChangeHost(kAre
 void ResetHostForTest() {
   Store& store = TheStore();
   store.open = false;
+  Replace(store, {});  // the parses point into the texts
   CloseFile(store);
   store.texts.clear();
   store.fetched.clear();
   store.file_text.clear();
-  Replace(store, {});
   store.in_transaction = false;
   store.begin = store.savepoint = {};
   if (store.lock_fd >= 0) {

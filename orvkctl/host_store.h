@@ -105,7 +105,9 @@ struct HostField {
   // Replaces the member with the one `text` describes; throws std::exception
   // on malformed text and leaves `host` unchanged then. Notes in `texts`
   // (when given) the texts of the member's elements, views into `text`.
-  void (*load)(std::string_view text, HostModel& host, ElementTexts* texts);
+  // `in_place`: `text` is the whole of a string the caller owns, which may be
+  // parsed where it is (it reads the same afterwards) instead of a copy.
+  void (*load)(std::string_view text, HostModel& host, ElementTexts* texts, bool in_place);
   // Appends the member as compact JSON text, on one line, copying from
   // `texts` (when given) what it can.
   void (*save)(HostModel const& host, ElementTexts const* texts, std::string& out);

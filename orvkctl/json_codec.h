@@ -145,9 +145,12 @@ inline void JsonError::Within(size_t index) {
 // Parses `text` (one JSON value, nothing after it) and reads it into `out`
 // with ReadJson. Throws std::exception on malformed text or a value that does
 // not fit; `out` is then unchanged. With `texts`, notes there the arrays of
-// records read and keeps the parse, for AppendJson.
+// records read and keeps the parse, for AppendJson. `in_place`: `text` is
+// the whole of a string that the caller owns, which may be parsed where it
+// is, and reads the same afterwards, instead of in a copy.
 template <class T>
-void ParseJson(std::string_view text, T& out, ElementTexts* texts = nullptr);
+void ParseJson(std::string_view text, T& out, ElementTexts* texts = nullptr,
+               bool in_place = false);
 
 // Appends `value` as compact JSON text to `out`. Throws JsonError on a
 // string that is not UTF-8. Elements of arrays noted in `texts` that the
@@ -161,7 +164,10 @@ using JsonObjectSpans = std::vector<std::pair<uint32_t, uint32_t>>;
 // A text parsed, kept while a write may copy from it.
 struct JsonParse {
   std::string_view text;  // as given; outlives this
-  std::string buffer;     // its copy, parsed in place
+  // Where it was parsed in place: its copy in `buffer`, or where it is when
+  // that could be done keeping it as it is.
+  std::string buffer;
+  char const* parsed = nullptr;
   rapidjson::Document document;
   JsonObjectSpans objects;
   mutable size_t cursor = 0;  // in `objects`, where the last one was found
@@ -187,6 +193,11 @@ inline JsonLoad*& CurrentJsonLoad() {
 // when given.
 JSON_HIDDEN void ParseDocument(std::string& text, rapidjson::Document& document,
                                JsonObjectSpans* objects = nullptr);
+// The same, in `text` itself (`size` bytes, then a NUL byte), which reads the
+// same afterwards: the strings of `document` point into it. Returns false,
+// having parsed nothing, when that cannot be done (a string has an escape).
+JSON_HIDDEN bool ParseDocumentKeepingText(char* text, size_t size, rapidjson::Document& document,
+                                          JsonObjectSpans* objects);
 
 // Whether `text` is all ASCII.
 inline bool IsAscii(std::string_view text) {
@@ -549,7 +560,7 @@ consteval size_t JsonFieldCount() {
 }
 
 template <class T>
-void ParseJson(std::string_view text, T& out, ElementTexts* texts) {
+void ParseJson(std::string_view text, T& out, ElementTexts* texts, bool in_place) {
   if (!texts) {
     std::string buffer(text);
     rapidjson::Document document;
@@ -561,8 +572,15 @@ void ParseJson(std::string_view text, T& out, ElementTexts* texts) {
   }
   auto parse = std::make_shared<JsonParse>();
   parse->text = text;
-  parse->buffer = text;
-  ParseDocument(parse->buffer, parse->document, &parse->objects);
+  // The caller's text itself when it may be (a large area is then not copied).
+  char* own = const_cast<char*>(text.data());
+  if (in_place && ParseDocumentKeepingText(own, text.size(), parse->document, &parse->objects)) {
+    parse->parsed = own;
+  } else {
+    parse->buffer = text;
+    ParseDocument(parse->buffer, parse->document, &parse->objects);
+    parse->parsed = parse->buffer.data();
+  }
   // Noted aside until the whole value is read: a failed read leaves no note.
   ElementTexts found;
   JsonLoad load{&found, parse.get()};
