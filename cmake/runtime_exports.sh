@@ -10,6 +10,7 @@
 # exports them).
 #   runtime_exports.sh OUT RUNTIME_ARCHIVE ABI_ARCHIVE LIBRARY...
 set -euo pipefail
+export LC_ALL=C  # one collation for sort and comm
 out=$1
 archive=$2
 abi=$3
