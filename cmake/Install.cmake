@@ -23,8 +23,14 @@ endif()
 
 configure_file(cmake/build_config.cc.in ${CMAKE_BINARY_DIR}/generated/build_config.cc @ONLY)
 target_sources(toolbase PRIVATE ${CMAKE_BINARY_DIR}/generated/build_config.cc)
-set_target_properties(toolbase_cli PROPERTIES INSTALL_RPATH "$ORIGIN/${TOOLBASE_LIB_FROM_BIN}")
-set_target_properties(network PROPERTIES INSTALL_RPATH "$ORIGIN/${TOOLBASE_LIB_FROM_PLUGINS}")
+# One run path serves the build tree (the libraries beside the executable, the
+# plug-ins a folder below) and the installed tree, so that installing need not
+# rewrite it: CMake would pad the build tree's with an empty entry to make
+# room, and the loader takes an empty entry for the current directory.
+set_target_properties(toolbase_cli PROPERTIES BUILD_WITH_INSTALL_RPATH ON
+                      INSTALL_RPATH "$ORIGIN;$ORIGIN/${TOOLBASE_LIB_FROM_BIN}")
+set_target_properties(network PROPERTIES BUILD_WITH_INSTALL_RPATH ON
+                      INSTALL_RPATH "$ORIGIN/..;$ORIGIN/${TOOLBASE_LIB_FROM_PLUGINS}")
 
 install(TARGETS toolbase_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS toolbase orvkctl network_regex LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
