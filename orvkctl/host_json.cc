@@ -149,6 +149,9 @@ void Parse(char* text, size_t size, rapidjson::Document& document, JsonObjectSpa
 
 namespace {
 
+// NUL bytes after a text that is not ASCII (see ParseDocument).
+constexpr size_t kUtf8Margin = 4;
+
 // Parses `text`, followed by a NUL byte, in place.
 void ParseChecked(char* text, size_t size, rapidjson::Document& document,
                   JsonObjectSpans* objects, bool keep_text) {
@@ -168,14 +171,27 @@ void ParseChecked(char* text, size_t size, rapidjson::Document& document,
 }  // namespace
 
 void ParseDocument(std::string& text, rapidjson::Document& document, JsonObjectSpans* objects) {
-  ParseChecked(text.data(), text.size(), document, objects, false);
+  // Checking UTF-8, the parser reads a multi-byte sequence whole: one cut
+  // short at the end makes it read up to three bytes past the text. They are
+  // NUL bytes of the string's own, which no sequence accepts.
+  size_t const size = text.size();
+  text.append(kUtf8Margin, '\0');
+  try {
+    ParseChecked(text.data(), size, document, objects, false);
+  } catch (...) {
+    text.resize(size);
+    throw;
+  }
+  text.resize(size);  // in place: the document's strings still point into it
 }
 
 bool ParseDocumentKeepingText(char* text, size_t size, rapidjson::Document& document,
                               JsonObjectSpans* objects) {
   // An escape is replaced where it stands by what it stands for, which could
-  // not be put back.
-  if (std::memchr(text, '\\', size)) return false;
+  // not be put back; text that is not ASCII needs the margin that
+  // ParseDocument adds.
+  std::string_view const view(text, size);
+  if (view.find('\\') != std::string_view::npos || !IsAscii(view)) return false;
   ParseChecked(text, size, document, objects, true);
   return true;
 }

@@ -181,6 +181,9 @@ TEST_F(HostStoreTest, FaultyFilesGiveAClearErrorAndStayUntouched) {
       {"{\"format\": 1, \"host\": {\"hostname\": 5}}", "in \"hostname\": "},
       {"{\"format\": 1, \"host\": {\"firewall\": {\"enabled\": \"yes\"}}}", "in \"firewall\": "},
       {"{\"format\":1,\"host\":{\n\"nic\":{\"pnics\":7}\n}}\n", "in \"nic\": "},
+      // UTF-8 cut short at the very end of an area's text, and of the document.
+      {"{\"format\":1,\"host\":{\n\"hostname\":\"a\xf3\n}}\n", "in \"hostname\": parse error"},
+      {"{\"format\":1,\"host\":{\"hostname\":\"a\xf3", "parse error"},
   };
   for (auto const& c : cases) ExpectCorruptAndUntouched(c.text, c.reason);
 }
