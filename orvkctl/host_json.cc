@@ -152,16 +152,17 @@ namespace {
 // NUL bytes after a text that is not ASCII (see ParseDocument).
 constexpr size_t kUtf8Margin = 4;
 
-// Parses `text`, followed by a NUL byte, in place.
+// Parses `text`, followed by a NUL byte, in place; `ascii`: whether it is
+// all ASCII (else its UTF-8 is checked as it is parsed).
 void ParseChecked(char* text, size_t size, rapidjson::Document& document,
-                  JsonObjectSpans* objects, bool keep_text) {
+                  JsonObjectSpans* objects, bool keep_text, bool ascii) {
   std::string_view const view(text, size);
   if (size > UINT32_MAX) throw std::runtime_error("the text is too long");
   // JSON text has no NUL byte; the parser would take one for the end.
   if (size_t nul = view.find('\0'); nul != std::string_view::npos) {
     throw std::runtime_error("parse error at offset " + std::to_string(nul) + ": a NUL byte");
   }
-  if (IsAscii(view)) {
+  if (ascii) {
     Parse<rapidjson::kParseDefaultFlags>(text, size, document, objects, keep_text);
   } else {
     Parse<rapidjson::kParseValidateEncodingFlag>(text, size, document, objects, keep_text);
@@ -171,13 +172,17 @@ void ParseChecked(char* text, size_t size, rapidjson::Document& document,
 }  // namespace
 
 void ParseDocument(std::string& text, rapidjson::Document& document, JsonObjectSpans* objects) {
+  if (IsAscii(text)) {
+    ParseChecked(text.data(), text.size(), document, objects, false, true);
+    return;
+  }
   // Checking UTF-8, the parser reads a multi-byte sequence whole: one cut
   // short at the end makes it read up to three bytes past the text. They are
   // NUL bytes of the string's own, which no sequence accepts.
   size_t const size = text.size();
   text.append(kUtf8Margin, '\0');
   try {
-    ParseChecked(text.data(), size, document, objects, false);
+    ParseChecked(text.data(), size, document, objects, false, false);
   } catch (...) {
     text.resize(size);
     throw;
@@ -192,7 +197,7 @@ bool ParseDocumentKeepingText(char* text, size_t size, rapidjson::Document& docu
   // ParseDocument adds.
   std::string_view const view(text, size);
   if (view.find('\\') != std::string_view::npos || !IsAscii(view)) return false;
-  ParseChecked(text, size, document, objects, true);
+  ParseChecked(text, size, document, objects, true, true);
   return true;
 }
 
