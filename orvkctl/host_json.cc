@@ -1,14 +1,20 @@
 // JSON form of the host state file: the top of the document, its line layout,
 // and the firewall.
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <memory>
 #include <optional>
 #include <stdexcept>
 #include <type_traits>
+#include <utility>
 
 #include "host_store.h"
 #include "json_areas.h"
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace OrvkCtl::Sim {
 struct JsonTreeTag {};
@@ -44,6 +50,40 @@ namespace {
 
 constexpr unsigned kMaxNesting = 100;
 
+// The parser's input: the text, parsed in place, less the arrays it skips.
+// Taking the opening bracket of one moves on to its closing bracket, so that
+// the parser reads an empty array; the tree builder then asks what it skipped.
+class SkippingStream : public rapidjson::InsituStringStream {
+ public:
+  SkippingStream(char* text, JsonLazyArrays const* lazy)
+      : rapidjson::InsituStringStream(text), lazy_(lazy) {
+    Aim();
+  }
+  char Take() {
+    char c = *src_++;
+    if (src_ == next_) Skip();
+    return c;
+  }
+  // The text an array just opened skipped, once; empty if none.
+  std::string_view TakeSkipped() { return std::exchange(skipped_, {}); }
+
+ private:
+  void Aim() {
+    bool more = lazy_ && at_ < lazy_->arrays.size();
+    next_ = more ? head_ + lazy_->arrays[at_].begin : nullptr;
+  }
+  void Skip() {
+    auto const& array = lazy_->arrays[at_++];
+    skipped_ = std::string_view(head_ + array.begin, array.end - array.begin);
+    src_ = head_ + array.end;
+    Aim();
+  }
+  JsonLazyArrays const* lazy_;
+  size_t at_ = 0;
+  char* next_ = nullptr;
+  std::string_view skipped_;
+};
+
 // The parser's values as a tree of rapidjson values, each object and array
 // allocated at its size, as rapidjson's own document builds it; refuses
 // arrays and objects nested deeper than kMaxNesting (the parser recurses
@@ -56,7 +96,7 @@ class TreeBuilder {
   // are sized once, so that a large text does not copy them as they grow.
   // `keep_text`: put back what parsing in place overwrites (the closing
   // quote of each string, when no string has an escape).
-  TreeBuilder(rapidjson::Document::AllocatorType& allocator, rapidjson::InsituStringStream& stream,
+  TreeBuilder(rapidjson::Document::AllocatorType& allocator, SkippingStream& stream,
               JsonObjectSpans* objects, size_t size, bool keep_text)
       : allocator_(allocator), stream_(stream), objects_(objects), keep_text_(keep_text) {
     values_.reserve(std::max<size_t>(64, size / 16));
@@ -103,9 +143,17 @@ class TreeBuilder {
   }
   bool StartArray() {
     values_.emplace_back(rapidjson::kArrayType);
+    skipped_ = stream_.TakeSkipped();
     return Deeper();
   }
   bool EndArray(rapidjson::SizeType count) {
+    if (!skipped_.empty()) {
+      // Skipped, so empty to the parser: the text of its elements instead.
+      values_.back().SetString(rapidjson::StringRef(skipped_.data(), skipped_.size()));
+      skipped_ = {};
+      --depth_;
+      return true;
+    }
     size_t first = values_.size() - count;
     JsonTree::SetArray(values_[first - 1], values_.data() + first, count, allocator_);
     values_.resize(first);
@@ -118,9 +166,10 @@ class TreeBuilder {
  private:
   bool Deeper() { return ++depth_ <= kMaxNesting; }
   rapidjson::Document::AllocatorType& allocator_;
-  rapidjson::InsituStringStream& stream_;
+  SkippingStream& stream_;
   JsonObjectSpans* objects_;
   bool keep_text_;
+  std::string_view skipped_;  // by the array just opened
   std::vector<rapidjson::Value> values_;
   std::vector<size_t> open_;
   unsigned depth_ = 0;
@@ -128,8 +177,8 @@ class TreeBuilder {
 
 template <unsigned kFlags>
 void Parse(char* text, size_t size, rapidjson::Document& document, JsonObjectSpans* objects,
-           bool keep_text) {
-  rapidjson::InsituStringStream stream(text);
+           bool keep_text, JsonLazyArrays const* lazy) {
+  SkippingStream stream(text, lazy);
   TreeBuilder builder(document.GetAllocator(), stream, objects, size, keep_text);
   rapidjson::Reader reader;
   rapidjson::ParseResult result =
@@ -155,7 +204,8 @@ constexpr size_t kUtf8Margin = 4;
 // Parses `text`, followed by a NUL byte, in place; `ascii`: whether it is
 // all ASCII (else its UTF-8 is checked as it is parsed).
 void ParseChecked(char* text, size_t size, rapidjson::Document& document,
-                  JsonObjectSpans* objects, bool keep_text, bool ascii) {
+                  JsonObjectSpans* objects, bool keep_text, bool ascii,
+                  JsonLazyArrays const* lazy) {
   std::string_view const view(text, size);
   if (size > UINT32_MAX) throw std::runtime_error("the text is too long");
   // JSON text has no NUL byte; the parser would take one for the end.
@@ -163,17 +213,18 @@ void ParseChecked(char* text, size_t size, rapidjson::Document& document,
     throw std::runtime_error("parse error at offset " + std::to_string(nul) + ": a NUL byte");
   }
   if (ascii) {
-    Parse<rapidjson::kParseDefaultFlags>(text, size, document, objects, keep_text);
+    Parse<rapidjson::kParseDefaultFlags>(text, size, document, objects, keep_text, lazy);
   } else {
-    Parse<rapidjson::kParseValidateEncodingFlag>(text, size, document, objects, keep_text);
+    Parse<rapidjson::kParseValidateEncodingFlag>(text, size, document, objects, keep_text, lazy);
   }
 }
 
 }  // namespace
 
-void ParseDocument(std::string& text, rapidjson::Document& document, JsonObjectSpans* objects) {
+void ParseDocument(std::string& text, rapidjson::Document& document, JsonObjectSpans* objects,
+                   JsonLazyArrays const* lazy) {
   if (IsAscii(text)) {
-    ParseChecked(text.data(), text.size(), document, objects, false, true);
+    ParseChecked(text.data(), text.size(), document, objects, false, true, lazy);
     return;
   }
   // Checking UTF-8, the parser reads a multi-byte sequence whole: one cut
@@ -182,7 +233,7 @@ void ParseDocument(std::string& text, rapidjson::Document& document, JsonObjectS
   size_t const size = text.size();
   text.append(kUtf8Margin, '\0');
   try {
-    ParseChecked(text.data(), size, document, objects, false, false);
+    ParseChecked(text.data(), size, document, objects, false, false, lazy);
   } catch (...) {
     text.resize(size);
     throw;
@@ -191,14 +242,122 @@ void ParseDocument(std::string& text, rapidjson::Document& document, JsonObjectS
 }
 
 bool ParseDocumentKeepingText(char* text, size_t size, rapidjson::Document& document,
-                              JsonObjectSpans* objects) {
+                              JsonObjectSpans* objects, JsonLazyArrays const* lazy) {
   // An escape is replaced where it stands by what it stands for, which could
   // not be put back; text that is not ASCII needs the margin that
   // ParseDocument adds.
   std::string_view const view(text, size);
   if (view.find('\\') != std::string_view::npos || !IsAscii(view)) return false;
-  ParseChecked(text, size, document, objects, true, true);
+  ParseChecked(text, size, document, objects, true, true, lazy);
   return true;
+}
+
+namespace {
+
+// The elements of an array of objects whose first element starts at `at`
+// (just after the opening bracket), laid out as the library writes it:
+// objects separated by single commas, no blanks. Appends each element's text
+// to `elements` and returns the offset of the closing bracket; npos when the
+// array is laid out otherwise, the text ends first or brackets do not match.
+// Goes through the text 16 bytes at a time: the block's quotes tell which of
+// its brackets lie outside strings, and only those are looked at one by one
+// (a block with a backslash goes byte by byte).
+size_t SplitElements(std::string_view text, size_t at, std::vector<std::string_view>& elements) {
+  constexpr size_t kBlock = 16;
+  constexpr size_t kNone = std::string_view::npos;
+  char const* const p = text.data();
+  size_t const n = text.size();
+  char open[kMaxNesting + 1];
+  unsigned depth = 0;
+  size_t start = at;       // where the next element has to begin
+  bool in_string = false;  // at the block's start
+  bool escaped = false;    // the block's first byte is escaped
+  for (size_t block = at; block < n; block += kBlock) {
+    size_t const count = std::min(kBlock, n - block);
+    uint32_t brackets = 0;  // the block's brackets outside strings
+    bool done = false;
+#ifdef __SSE2__
+    if (count == kBlock && !escaped) {
+      __m128i const bytes = _mm_loadu_si128(reinterpret_cast<__m128i const*>(p + block));
+      auto bits = [&](char c) {
+        return static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(c))));
+      };
+      if (bits('\\') == 0) {
+        uint32_t const quotes = bits('"');
+        // Each byte's bit: whether an odd number of quotes is at or before it.
+        uint32_t inside = quotes;
+        inside ^= inside << 1;
+        inside ^= inside << 2;
+        inside ^= inside << 4;
+        inside ^= inside << 8;
+        if (in_string) inside = ~inside;
+        brackets = (bits('{') | bits('}') | bits('[') | bits(']')) & ~inside & 0xFFFF;
+        in_string ^= (std::popcount(quotes) & 1) != 0;
+        done = true;
+      }
+    }
+#endif
+    for (size_t j = 0; !done && j < count; ++j) {
+      char const c = p[block + j];
+      if (escaped) {
+        escaped = false;
+      } else if (in_string) {
+        escaped = c == '\\';
+        in_string = c != '"';
+      } else if (c == '"') {
+        in_string = true;
+      } else if (c == '{' || c == '}' || c == '[' || c == ']') {
+        brackets |= 1u << j;
+      }
+    }
+    for (; brackets != 0; brackets &= brackets - 1) {
+      size_t const pos = block + static_cast<size_t>(std::countr_zero(brackets));
+      char const c = p[pos];
+      if (c == '{' || c == '[') {
+        if (depth == 0 && (c != '{' || pos != start)) return kNone;
+        if (depth == kMaxNesting + 1) return kNone;
+        open[depth++] = c;
+        continue;
+      }
+      if (depth == 0 || open[--depth] != (c == '}' ? '{' : '[')) return kNone;
+      if (depth > 0) continue;
+      elements.push_back(text.substr(start, pos + 1 - start));
+      if (pos + 1 < n && p[pos + 1] == ']') return pos + 1;
+      if (pos + 1 >= n || p[pos + 1] != ',') return kNone;
+      start = pos + 2;
+    }
+  }
+  return kNone;
+}
+
+}  // namespace
+
+bool ScanLazyArrays(std::string_view text, JsonLazyArrays& out) {
+  out.arrays.clear();
+  if (text.size() > UINT32_MAX) return false;
+  std::string const key = "\"" + std::string(kLazyKey) + "\":[{";
+  bool const ascii = IsAscii(text);
+  for (size_t found = text.find(key); found != std::string_view::npos;
+       found = text.find(key, found + 1)) {
+    // A key's opening quote, not an escaped one inside a string (which the
+    // parse would refuse anyway).
+    size_t slashes = 0;
+    while (slashes < found && text[found - 1 - slashes] == '\\') ++slashes;
+    if (slashes % 2 != 0 || found == 0 || (text[found - 1] != '{' && text[found - 1] != ',')) {
+      continue;
+    }
+    JsonLazyArrays::Array array{static_cast<uint32_t>(found + key.size() - 1), 0, {}};
+    // Room for as many as could be there: what is not filled is not touched.
+    array.elements.reserve((text.size() - array.begin) / 8);
+    size_t const end = SplitElements(text, array.begin, array.elements);
+    if (end == std::string_view::npos) continue;  // not as the library writes it: parsed
+    array.end = static_cast<uint32_t>(end);
+    std::string_view body = text.substr(array.begin, array.end - array.begin);
+    if (!ascii && !IsUtf8(body)) continue;
+    found = array.end;
+    out.arrays.push_back(std::move(array));
+  }
+  return !out.arrays.empty();
 }
 
 std::string_view SourceOf(JsonParse const& parse, JsonValue const& object) {
@@ -242,8 +401,9 @@ constexpr std::string_view kPlainHead = "{\"format\":1,\"host\":{\n";
 constexpr std::string_view kTail = "}}\n";
 
 template <auto Member>
-void LoadMember(std::string_view text, HostModel& host, ElementTexts* texts, bool in_place) {
-  ParseJson(text, host.*Member, texts, in_place);
+void LoadMember(std::string_view text, HostModel& host, ElementTexts* texts, bool in_place,
+                std::shared_ptr<void const> const& owner) {
+  ParseJson(text, host.*Member, texts, in_place, owner);
 }
 
 template <auto Member>
@@ -458,7 +618,7 @@ HostModel HostFromJson(std::string const& text) {
   std::vector<std::string_view> texts = SplitHostDocument(document);
   HostModel host;
   for (size_t i = 0; i < fields.size(); ++i) {
-    if (!texts[i].empty()) fields[i].load(texts[i], host, nullptr, false);
+    if (!texts[i].empty()) fields[i].load(texts[i], host, nullptr, false, nullptr);
   }
   return host;
 }

@@ -34,14 +34,15 @@ struct Store {
   bool open = false;
   // Each field's value text as the file has it (`texts`), once fetched: views
   // into the whole file as last written or read (`file_text`), or into the
-  // field's own text (`field_texts`) when only some fields were read.
-  std::string file_text;
+  // field's own text (`field_texts`) when only some fields were read. Shared
+  // with the lists of records (LazyList) still to be read from them.
+  std::shared_ptr<std::string> file_text;
   std::vector<std::string_view> texts;
   std::vector<bool> fetched;
   // While some are not fetched: the file, still open, and where they are in it.
   int file_fd = -1;
   std::vector<FieldSpan> spans;
-  std::vector<std::string> field_texts;
+  std::vector<std::shared_ptr<std::string>> field_texts;
   Snapshot current;
   // Whether file_text says its records are all as this library writes them;
   // if so, the texts of the elements of current.host's arrays in it, while
@@ -218,7 +219,8 @@ void Fetch(Store& store, AreaSet areas) {
   auto const& fields = HostFields();
   for (size_t i = 0; i < fields.size(); ++i) {
     if (!(fields[i].area & areas) || store.fetched[i]) continue;
-    std::string& text = store.field_texts[i];
+    auto owned = std::make_shared<std::string>();
+    std::string& text = *owned;
     FieldSpan span = store.spans[i];
     text.resize(span.size);
     if (ReadAt(store.file_fd, text.data(), text.size(), static_cast<off_t>(span.offset),
@@ -226,6 +228,7 @@ void Fetch(Store& store, AreaSet areas) {
       Corrupt(store.path, "it was cut short while in use");
     }
     store.texts[i] = text;
+    store.field_texts[i] = std::move(owned);
     store.fetched[i] = true;
   }
 }
@@ -255,8 +258,8 @@ void Save(Store& store, std::string document) {
   SaveAtomically(store.path, document);
   ForgetTexts(store);
   CloseFile(store);
-  store.file_text = std::move(document);
-  store.texts = SplitHostDocument(store.file_text, &store.compact);
+  store.file_text = std::make_shared<std::string>(std::move(document));
+  store.texts = SplitHostDocument(*store.file_text, &store.compact);
   store.fetched.assign(store.texts.size(), true);
 }
 
@@ -275,12 +278,12 @@ void Read(Store& store, AreaSet areas) {
     Fetch(store, areas);
     return;
   }
-  store.file_text = ReadFile(fd, store.path);
+  store.file_text = std::make_shared<std::string>(ReadFile(fd, store.path));
   CloseFile(store);
   try {
-    store.texts = SplitHostDocument(store.file_text, &store.compact);
+    store.texts = SplitHostDocument(*store.file_text, &store.compact);
   } catch (std::exception const& error) {
-    store.file_text.clear();
+    store.file_text.reset();
     Corrupt(store.path, error.what());
   }
   store.fetched.assign(store.texts.size(), true);
@@ -320,8 +323,10 @@ HostModel& Loaded(AreaSet areas) {
       try {
         // A field read on its own is a string of the store's: parsed where
         // it is, not copied.
+        bool const own = !store.field_texts.empty();
+        std::shared_ptr<void const> owner = own ? store.field_texts[i] : store.file_text;
         fields[i].load(store.texts[i], store.current.host,
-                       store.compact ? &store.element_texts : nullptr, !store.field_texts.empty());
+                       store.compact ? &store.element_texts : nullptr, own, owner);
       } catch (std::exception const& error) {
         ForgetTexts(store);
         Corrupt(store.path, "in \"" + std::string(fields[i].key) + "\": " + error.what());
@@ -365,7 +370,7 @@ void ChangeHost(AreaSet areas, std::function<void(HostModel&)> const& change) {
       auto const& fields = HostFields();
       for (size_t i = 0; i < fields.size(); ++i) {
         if ((fields[i].area & grown) && !store.texts[i].empty()) {
-          fields[i].load(store.texts[i], changed, nullptr, false);
+          fields[i].load(store.texts[i], changed, nullptr, false, nullptr);
         }
       }
     }
@@ -392,7 +397,7 @@ void ChangeHost(AreaSet areas, std::function<void(HostModel&)> const& change) {
     auto const& fields = HostFields();
     for (size_t i = 0; i < fields.size(); ++i) {
       if ((fields[i].area & restored.loaded) && !store.texts[i].empty()) {
-        fields[i].load(store.texts[i], restored.host, nullptr, false);
+        fields[i].load(store.texts[i], restored.host, nullptr, false, nullptr);
       }
     }
     Replace(store, std::move(restored));
@@ -409,7 +414,7 @@ void ResetHostForTest() {
   CloseFile(store);
   store.texts.clear();
   store.fetched.clear();
-  store.file_text.clear();
+  store.file_text.reset();
   store.in_transaction = false;
   store.begin = store.savepoint = {};
   if (store.lock_fd >= 0) {

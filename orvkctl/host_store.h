@@ -107,7 +107,10 @@ struct HostField {
   // (when given) the texts of the member's elements, views into `text`.
   // `in_place`: `text` is the whole of a string the caller owns, which may be
   // parsed where it is (it reads the same afterwards) instead of a copy.
-  void (*load)(std::string_view text, HostModel& host, ElementTexts* texts, bool in_place);
+  // `owner` (when given, with `texts`): keeps `text` as it is while it lives;
+  // records of long lists (LazyList) are then read from it when first used.
+  void (*load)(std::string_view text, HostModel& host, ElementTexts* texts, bool in_place,
+               std::shared_ptr<void const> const& owner);
   // Appends the member as compact JSON text, on one line, copying from
   // `texts` (when given) what it can.
   void (*save)(HostModel const& host, ElementTexts const* texts, std::string& out);

@@ -29,6 +29,7 @@
 #include <rapidjson/error/en.h>
 #include <rapidjson/writer.h>
 
+#include <algorithm>
 #include <array>
 #include <concepts>
 #include <cstddef>
@@ -36,6 +37,7 @@
 #include <cstring>
 #include <exception>
 #include <limits>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -147,10 +149,13 @@ inline void JsonError::Within(size_t index) {
 // not fit; `out` is then unchanged. With `texts`, notes there the arrays of
 // records read and keeps the parse, for AppendJson. `in_place`: `text` is
 // the whole of a string that the caller owns, which may be parsed where it
-// is, and reads the same afterwards, instead of in a copy.
+// is, and reads the same afterwards, instead of in a copy. `owner` (with
+// `texts`): keeps `text` as it is for as long as it lives; the lists of
+// records under kLazyKey are then left as their elements' texts, for
+// LazyList to read when used.
 template <class T>
 void ParseJson(std::string_view text, T& out, ElementTexts* texts = nullptr,
-               bool in_place = false);
+               bool in_place = false, std::shared_ptr<void const> const& owner = nullptr);
 
 // Appends `value` as compact JSON text to `out`. Throws JsonError on a
 // string that is not UTF-8. Elements of arrays noted in `texts` that the
@@ -176,10 +181,39 @@ struct JsonParse {
 // place it by.
 JSON_HIDDEN std::string_view SourceOf(JsonParse const& parse, JsonValue const& object);
 
+// The key of the lists that a load may leave as their elements' texts.
+inline constexpr std::string_view kLazyKey = "port_groups";
+
+// The lists of a text that a parse skips, each an array of objects under
+// kLazyKey laid out as the library writes it: where its elements lie
+// ([begin, end) of what is between its brackets) and each element's text.
+// The parse gives each such array as a string value of that span's text.
+struct JsonLazyArrays {
+  struct Array {
+    uint32_t begin;
+    uint32_t end;
+    std::vector<std::string_view> elements;
+  };
+  std::vector<Array> arrays;  // in text order
+  // The one whose span begins at `begin`, or null.
+  Array* Find(size_t begin) {
+    auto at = std::lower_bound(arrays.begin(), arrays.end(), begin,
+                               [](Array const& array, size_t offset) { return array.begin < offset; });
+    return at != arrays.end() && at->begin == begin ? &*at : nullptr;
+  }
+};
+// Finds in `text` the lists under kLazyKey, each an array of one or more
+// objects, in the layout the library writes (no blanks between the key, the
+// brackets and the elements). A list laid out otherwise, or one whose text is
+// not UTF-8, is left to the parse. Returns whether it found any.
+JSON_HIDDEN bool ScanLazyArrays(std::string_view text, JsonLazyArrays& out);
+
 // While ParseJson(..., texts) reads.
 struct JsonLoad {
   ElementTexts* texts;
   JsonParse const* parse;
+  JsonLazyArrays* lazy;                      // lists the parse skipped, if any
+  std::shared_ptr<void const> const* owner;  // keeps their texts
 };
 inline JsonLoad*& CurrentJsonLoad() {
   static thread_local JsonLoad* load = nullptr;
@@ -190,14 +224,17 @@ inline JsonLoad*& CurrentJsonLoad() {
 // `text`. Throws std::runtime_error ("parse error ...") on malformed text,
 // including a NUL byte, text that is not UTF-8, and arrays and objects nested
 // deeper than 100 levels. Notes the offsets of every object in `objects`
-// when given.
+// when given. Skips the arrays in `lazy` (when given), giving each as a string
+// value: the text between its brackets.
 JSON_HIDDEN void ParseDocument(std::string& text, rapidjson::Document& document,
-                               JsonObjectSpans* objects = nullptr);
+                               JsonObjectSpans* objects = nullptr,
+                               JsonLazyArrays const* lazy = nullptr);
 // The same, in `text` itself (`size` bytes, then a NUL byte), which reads the
 // same afterwards: the strings of `document` point into it. Returns false,
 // having parsed nothing, when that cannot be done (a string has an escape).
 JSON_HIDDEN bool ParseDocumentKeepingText(char* text, size_t size, rapidjson::Document& document,
-                                          JsonObjectSpans* objects);
+                                          JsonObjectSpans* objects,
+                                          JsonLazyArrays const* lazy = nullptr);
 
 // Whether `text` is all ASCII.
 inline bool IsAscii(std::string_view text) {
@@ -391,6 +428,81 @@ bool SameAsJson(std::array<T, N> const& values, JsonValue const& json) {
   return true;
 }
 
+// A LazyList: from a parse that skipped it, its elements' texts; else its
+// records, read now. Written from those texts while no one read them.
+template <class T>
+void ReadJson(JsonValue const& value, LazyList<T>& out) {
+  if (value.IsString()) {
+    JsonLoad const* load = CurrentJsonLoad();
+    if (load && load->lazy) {
+      auto at = reinterpret_cast<uintptr_t>(value.GetString());
+      auto base = reinterpret_cast<uintptr_t>(load->parse->parsed);
+      if (at >= base) {
+        if (auto const* array = load->lazy->Find(at - base)) {
+          out.AssignTexts(std::move(array->elements), *load->owner);
+          return;
+        }
+      }
+    }
+  }
+  if (!value.IsArray()) throw JsonError("expected an array");
+  LazyList<T> records;
+  records.reserve(value.Size());
+  for (auto const& element : value.GetArray()) {
+    try {
+      FillJson(element, records.emplace_back());
+    } catch (JsonError& error) {
+      error.Within(records.size() - 1);
+      throw;
+    }
+  }
+  out = std::move(records);
+}
+
+// Writes the elements of `values`: those not read since they were loaded
+// as their texts, a run of them that lay one after another at once, and
+// the others with `write`.
+template <class T, class Write>
+void WriteLazyElements(JsonWriter& writer, LazyList<T> const& values, Write const& write) {
+  writer.StartArray();
+  for (size_t i = 0; i < values.size();) {
+    std::string_view const text = values.TextAt(i);
+    if (text.empty()) {
+      write(values[i++]);
+      continue;
+    }
+    // Each element read is followed by a comma or the array's end.
+    char const* end = text.data() + text.size();
+    for (++i; i < values.size() && *end == ',' && values.TextAt(i).data() == end + 1; ++i) {
+      end = values.TextAt(i).data() + values.TextAt(i).size();
+    }
+    writer.Raw(std::string_view(text.data(), static_cast<size_t>(end - text.data())),
+               rapidjson::kObjectType);
+  }
+  writer.EndArray();
+}
+
+template <class T>
+void WriteJson(JsonWriter& writer, LazyList<T> const& values) {
+  WriteLazyElements(writer, values, [&](T const& value) { WriteJson(writer, value); });
+}
+
+template <class T>
+bool SameJson(LazyList<T> const& a, LazyList<T> const& b) {
+  return a == b;
+}
+
+template <class T>
+bool SameAsJson(LazyList<T> const& values, JsonValue const& json) {
+  // A skipped list (a string value here) is never the same: it had elements
+  // that were not read.
+  if (!json.IsArray() || json.Size() != values.size()) return false;
+  for (size_t i = 0; i < values.size(); ++i) {
+    if (!SameAsJson(values[i], json[static_cast<rapidjson::SizeType>(i)])) return false;
+  }
+  return true;
+}
+
 // Writes `value` copying from `texts` the elements of its arrays of records
 // that the text there still describes. For other types, as WriteJson.
 template <class T>
@@ -437,6 +549,12 @@ void WriteJsonDiff(JsonWriter& writer, std::vector<T> const& values, ElementText
     }
   }
   writer.EndArray();
+}
+
+template <class T>
+void WriteJsonDiff(JsonWriter& writer, LazyList<T> const& values, ElementTexts const& texts) {
+  WriteLazyElements(writer, values,
+                    [&](T const& value) { WriteJsonDiff(writer, value, texts); });
 }
 
 // --- records ---
@@ -560,7 +678,8 @@ consteval size_t JsonFieldCount() {
 }
 
 template <class T>
-void ParseJson(std::string_view text, T& out, ElementTexts* texts, bool in_place) {
+void ParseJson(std::string_view text, T& out, ElementTexts* texts, bool in_place,
+               std::shared_ptr<void const> const& owner) {
   if (!texts) {
     std::string buffer(text);
     rapidjson::Document document;
@@ -572,18 +691,22 @@ void ParseJson(std::string_view text, T& out, ElementTexts* texts, bool in_place
   }
   auto parse = std::make_shared<JsonParse>();
   parse->text = text;
+  // Long lists stay as their elements' texts, which `owner` keeps.
+  JsonLazyArrays lazy;
+  JsonLazyArrays* skip = owner && ScanLazyArrays(text, lazy) ? &lazy : nullptr;
   // The caller's text itself when it may be (a large area is then not copied).
   char* own = const_cast<char*>(text.data());
-  if (in_place && ParseDocumentKeepingText(own, text.size(), parse->document, &parse->objects)) {
+  if (in_place &&
+      ParseDocumentKeepingText(own, text.size(), parse->document, &parse->objects, skip)) {
     parse->parsed = own;
   } else {
     parse->buffer = text;
-    ParseDocument(parse->buffer, parse->document, &parse->objects);
+    ParseDocument(parse->buffer, parse->document, &parse->objects, skip);
     parse->parsed = parse->buffer.data();
   }
   // Noted aside until the whole value is read: a failed read leaves no note.
   ElementTexts found;
-  JsonLoad load{&found, parse.get()};
+  JsonLoad load{&found, parse.get(), skip, &owner};
   T value{};
   CurrentJsonLoad() = &load;
   try {

@@ -1,4 +1,5 @@
 // JSON form of the vswitch area of the host state file.
+#include "hostctl/lib.h"
 #include "json_areas.h"
 
 namespace OrvkCtl::Sim {
@@ -9,6 +10,16 @@ JSON_RECORD(SecurityPolicyState, set_mask, allow_promiscuous, allow_mac_change,
             allow_forged_transmits)
 JSON_RECORD(ShapingPolicyState, set_mask, enabled, peak_bps, average_bps, burst_size)
 JSON_RECORD(PortGroupState, name, vlan_id, active_clients, teaming, security, shaping)
+
+void ReadRecordText(std::string_view text, size_t index, PortGroupState& out) {
+  try {
+    ParseJson(text, out);
+  } catch (std::exception const& error) {
+    throw HostCtl::Lib::HostCtlException("Host state file " + StatePath() +
+                                         " is corrupt: in \"vswitch\": port_groups[" +
+                                         std::to_string(index) + "]: " + error.what());
+  }
+}
 JSON_RECORD(StandardSwitchState, name, configured_ports, mtu, cdp_status, beacon_interval,
             beacon_threshold, checksum_offload, segmentation_offload, vlan_tagging, uplinks,
             teaming, security, shaping, port_groups)

@@ -30,13 +30,13 @@ PortGroupState* FindPortGroup(VswitchArea& area, std::string const& name,
   if (hint_switch < area.standard_switches.size()) {
     auto const& groups = area.standard_switches[hint_switch].port_groups;
     for (size_t g : {hint_group, hint_group + 1}) {
-      if (g < groups.size() && groups[g].name == name) return found(hint_switch, g);
+      if (g < groups.size() && groups.NameIs(g, name)) return found(hint_switch, g);
     }
   }
   for (size_t s = 0; s < area.standard_switches.size(); ++s) {
     auto const& groups = area.standard_switches[s].port_groups;
     for (size_t g = 0; g < groups.size(); ++g) {
-      if (groups[g].name == name) return found(s, g);
+      if (groups.NameIs(g, name)) return found(s, g);
     }
   }
   return nullptr;

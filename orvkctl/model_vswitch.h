@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "lazy_list.h"
+
 namespace OrvkCtl::Sim {
 
 // A NIC teaming policy. `link_set_mask`/`link_value_bits` are the failure
@@ -56,6 +58,9 @@ struct PortGroupState {
 
   bool operator==(PortGroupState const&) const = default;
 };
+// Reads port group `index` of a switch from its text in the state file, for
+// LazyList; throws HostCtlException, naming the file, when it cannot.
+void ReadRecordText(std::string_view text, size_t index, PortGroupState& out);
 
 struct StandardSwitchState {
   std::string name;
@@ -74,7 +79,8 @@ struct StandardSwitchState {
   TeamingPolicyState teaming;
   SecurityPolicyState security;
   ShapingPolicyState shaping;
-  std::vector<PortGroupState> port_groups;
+  // A host may have thousands: each is read from the state file when used.
+  LazyList<PortGroupState> port_groups;
 
   bool operator==(StandardSwitchState const&) const = default;
 };

@@ -183,8 +183,8 @@ std::vector<std::unique_ptr<HostCtl::Network::PortGroup>> NetworkInfoImpl::GetAl
   std::vector<std::unique_ptr<HostCtl::Network::PortGroup>> groups;
   for (auto const& vswitch :
        Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch).vswitch.standard_switches) {
-    for (auto const& group : vswitch.port_groups) {
-      groups.push_back(std::make_unique<PortGroupImpl>(group.name));
+    for (size_t i = 0; i < vswitch.port_groups.size(); ++i) {
+      groups.push_back(std::make_unique<PortGroupImpl>(std::string(vswitch.port_groups.NameAt(i))));
     }
   }
   return groups;

@@ -174,16 +174,16 @@ void VirtualSwitchImpl::RemovePortGroup(std::string const& name) {
   Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](HostModel& host) {
     auto& vswitch = WriteSwitch(host, name_);
     auto& groups = vswitch.port_groups;
-    auto it = std::find_if(groups.begin(), groups.end(),
-                           [&](Sim::PortGroupState const& group) { return group.name == name; });
-    if (it == groups.end()) {
+    size_t at = 0;
+    while (at < groups.size() && !groups.NameIs(at, name)) ++at;
+    if (at == groups.size()) {
       throw HostCtlException("Port group " + name + " not found on virtual switch " + name_);
     }
-    if (it->active_clients > 0) {
+    if (groups[at].active_clients > 0) {
       throw HostCtlException("Unable to remove port group " + name + ": it has " +
-                             std::to_string(it->active_clients) + " active clients");
+                             std::to_string(groups[at].active_clients) + " active clients");
     }
-    groups.erase(it);
+    groups.erase(groups.begin() + static_cast<std::ptrdiff_t>(at));
   });
 }
 
@@ -343,8 +343,9 @@ std::vector<std::string> VirtualSwitchImpl::NeedBeacon() {
 std::vector<std::unique_ptr<HostCtl::Network::PortGroup>> VirtualSwitchImpl::GetPortGroups() {
   CheckFault("VirtualSwitchImpl::GetPortGroups");
   std::vector<std::unique_ptr<HostCtl::Network::PortGroup>> groups;
-  for (auto const& group : ReadSwitch(name_).port_groups) {
-    groups.push_back(std::make_unique<PortGroupImpl>(group.name));
+  auto const& list = ReadSwitch(name_).port_groups;
+  for (size_t i = 0; i < list.size(); ++i) {
+    groups.push_back(std::make_unique<PortGroupImpl>(std::string(list.NameAt(i))));
   }
   return groups;
 }

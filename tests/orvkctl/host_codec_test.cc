@@ -394,7 +394,7 @@ std::vector<std::pair<Case, std::string>> Pairs(std::vector<Case> const& cases,
 }
 
 TEST_F(HostCodecStoreTest, AChangeCopiesWhatItLeftAloneAndWritesTheRestAnew) {
-  using Groups = std::vector<OrvkCtl::Sim::PortGroupState>;
+  using Groups = decltype(OrvkCtl::Sim::StandardSwitchState::port_groups);
   auto group = [](std::string name) {
     OrvkCtl::Sim::PortGroupState added;
     added.name = std::move(name);
