@@ -157,6 +157,20 @@ template <class T>
 void ParseJson(std::string_view text, T& out, ElementTexts* texts = nullptr,
                bool in_place = false, std::shared_ptr<void const> const& owner = nullptr);
 
+// What ParseJson without `texts` parses in: a text's copy and its values,
+// kept from one parse to the next.
+struct JsonScratch {
+  static constexpr size_t kSize = 16384;
+  alignas(std::max_align_t) char memory[kSize];
+  rapidjson::MemoryPoolAllocator<> pool{memory, kSize};
+  std::string buffer;
+  bool busy = false;
+};
+inline JsonScratch& TheJsonScratch() {
+  static thread_local JsonScratch scratch;
+  return scratch;
+}
+
 // Appends `value` as compact JSON text to `out`. Throws JsonError on a
 // string that is not UTF-8. Elements of arrays noted in `texts` that the
 // text there still describes are copied from it.
@@ -681,9 +695,26 @@ template <class T>
 void ParseJson(std::string_view text, T& out, ElementTexts* texts, bool in_place,
                std::shared_ptr<void const> const& owner) {
   if (!texts) {
-    std::string buffer(text);
-    rapidjson::Document document;
-    ParseDocument(buffer, document);
+    // Records read one by one (LazyList) reuse one parse's memory.
+    JsonScratch& scratch = TheJsonScratch();
+    if (scratch.busy) {
+      std::string buffer(text);
+      rapidjson::Document document;
+      ParseDocument(buffer, document);
+      T value{};
+      ReadJson(static_cast<JsonValue const&>(document), value);
+      out = std::move(value);
+      return;
+    }
+    scratch.busy = true;
+    scratch.pool.Clear();
+    struct Done {
+      JsonScratch& scratch;
+      ~Done() { scratch.busy = false; }
+    } done{scratch};
+    scratch.buffer.assign(text);
+    rapidjson::Document document(&scratch.pool);
+    ParseDocument(scratch.buffer, document);
     T value{};
     ReadJson(static_cast<JsonValue const&>(document), value);
     out = std::move(value);
