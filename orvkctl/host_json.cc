@@ -407,8 +407,9 @@ void LoadMember(std::string_view text, HostModel& host, ElementTexts* texts, boo
 }
 
 template <auto Member>
-void SaveMember(HostModel const& host, ElementTexts const* texts, std::string& out) {
-  AppendJson(host.*Member, texts, out);
+void SaveMember(HostModel const& host, ElementTexts const* texts, std::string& out,
+                std::vector<TextPiece>* pieces) {
+  AppendJson(host.*Member, texts, out, pieces);
 }
 
 // A value as compact JSON text (ParseDocument bounds the recursion).
@@ -577,16 +578,35 @@ std::vector<std::string_view> SplitHostDocument(std::string& text, bool* compact
   return *SplitLines(text, fields, compact);
 }
 
-std::string JoinHostDocument(std::vector<std::string_view> const& texts, bool compact,
-                             HostModel const* host, AreaSet loaded,
-                             ElementTexts const* element_texts) {
+namespace {
+
+// The document of JoinHostDocument; with `pieces`, the long texts it copies
+// as they are left where they are, as ComposeHostDocument does.
+HostDocument Compose(std::vector<std::string_view> const& texts, bool compact,
+                     HostModel const* host, AreaSet loaded, ElementTexts const* element_texts,
+                     bool pieces) {
+  constexpr size_t kMinPiece = 4096;
   auto const& fields = HostFields();
+  HostDocument out;
+  out.compact = compact;
+  out.spans.assign(fields.size(), {});
+  std::string& document = out.text;
+  std::vector<TextPiece>* const sink = pieces ? &out.pieces : nullptr;
   std::string_view head = compact ? kHead : kPlainHead;
   size_t size = head.size() + kTail.size();
-  for (size_t i = 0; i < fields.size(); ++i) size += fields[i].key.size() + texts[i].size() + 5;
-  std::string document;
+  for (size_t i = 0; i < fields.size(); ++i) {
+    bool const piece = pieces && texts[i].size() >= kMinPiece;
+    size += fields[i].key.size() + (piece ? 0 : texts[i].size()) + 5;
+  }
   document.reserve(size + (loaded ? 4096 : 0));  // room for a change
   document += head;
+  // Bytes of the pieces so far, and how many of them that counts.
+  size_t piece_bytes = 0;
+  size_t counted = 0;
+  auto whole_size = [&] {
+    for (; counted < out.pieces.size(); ++counted) piece_bytes += out.pieces[counted].text.size();
+    return document.size() + piece_bytes;
+  };
   bool first = true;
   for (size_t i = 0; i < fields.size(); ++i) {
     bool from_host = host && (loaded & fields[i].area);
@@ -596,15 +616,52 @@ std::string JoinHostDocument(std::vector<std::string_view> const& texts, bool co
     document += '"';
     document += fields[i].key;
     document += "\":";
+    size_t const begin = whole_size();
     if (from_host) {
-      fields[i].save(*host, element_texts, document);
+      fields[i].save(*host, element_texts, document, sink);
+    } else if (pieces && texts[i].size() >= kMinPiece) {
+      out.pieces.push_back({document.size(), texts[i]});
     } else {
       document += texts[i];
     }
+    out.spans[i] = {begin, whole_size() - begin};
   }
   if (!first) document += '\n';
   document += kTail;
-  return document;
+  return out;
+}
+
+}  // namespace
+
+size_t HostDocument::Size() const {
+  size_t size = text.size();
+  for (auto const& piece : pieces) size += piece.text.size();
+  return size;
+}
+
+std::string HostDocument::Whole() const {
+  std::string whole;
+  whole.reserve(Size());
+  size_t at = 0;
+  for (auto const& piece : pieces) {
+    whole.append(text, at, piece.at - at);
+    whole += piece.text;
+    at = piece.at;
+  }
+  whole.append(text, at);
+  return whole;
+}
+
+std::string JoinHostDocument(std::vector<std::string_view> const& texts, bool compact,
+                             HostModel const* host, AreaSet loaded,
+                             ElementTexts const* element_texts) {
+  return std::move(Compose(texts, compact, host, loaded, element_texts, false).text);
+}
+
+HostDocument ComposeHostDocument(std::vector<std::string_view> const& texts, bool compact,
+                                 HostModel const& host, AreaSet loaded,
+                                 ElementTexts const* element_texts) {
+  return Compose(texts, compact, &host, loaded, element_texts, true);
 }
 
 std::string HostToJson(HostModel const& host) {

@@ -4,9 +4,12 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -66,13 +69,33 @@ Store& TheStore() {
   throw HostCtlException(what + " " + path + ": " + std::strerror(error));
 }
 
-void WriteAll(int fd, std::string const& data, std::string const& path) {
-  size_t done = 0;
-  while (done < data.size()) {
-    ssize_t n = write(fd, data.data() + done, data.size() - done);
+// Writes `document` whole, its pieces from where they are.
+void WriteAll(int fd, HostDocument const& document, std::string const& path) {
+  std::vector<iovec> parts;
+  parts.reserve(2 * document.pieces.size() + 1);
+  auto add = [&](char const* data, size_t size) {
+    if (size > 0) parts.push_back({const_cast<char*>(data), size});
+  };
+  size_t at = 0;
+  for (auto const& piece : document.pieces) {
+    add(document.text.data() + at, piece.at - at);
+    add(piece.text.data(), piece.text.size());
+    at = piece.at;
+  }
+  add(document.text.data() + at, document.text.size() - at);
+  size_t next = 0;
+  while (next < parts.size()) {
+    int count = static_cast<int>(std::min<size_t>(parts.size() - next, IOV_MAX));
+    ssize_t n = writev(fd, parts.data() + next, count);
     if (n < 0 && errno == EINTR) continue;
     if (n < 0) Fail("Cannot write host state file", path, errno);
-    done += static_cast<size_t>(n);
+    // Past what was written; into the part written in part.
+    auto done = static_cast<size_t>(n);
+    while (next < parts.size() && done >= parts[next].iov_len) done -= parts[next++].iov_len;
+    if (done > 0) {
+      parts[next].iov_base = static_cast<char*>(parts[next].iov_base) + done;
+      parts[next].iov_len -= done;
+    }
   }
 }
 
@@ -100,20 +123,20 @@ void RemoveStaleTemporaries(std::string const& path) {
   closedir(folder);
 }
 
-// Writes `text` to `path` atomically: an unnamed temporary file in the same
-// folder, filled and flushed, then named and renamed over the old one, and
-// the folder flushed. A writer killed before the rename leaves nothing; one
-// killed between naming and renaming leaves a temporary that the next
-// command removes under the lock.
-void SaveAtomically(std::string const& path, std::string const& text) {
+// Writes `document` to `path` atomically: an unnamed temporary file in the
+// same folder, filled and flushed, then named and renamed over the old one,
+// and the folder flushed. A writer killed before the rename leaves nothing;
+// one killed between naming and renaming leaves a temporary that the next
+// command removes under the lock. Returns the file written, open for reading.
+int SaveAtomically(std::string const& path, HostDocument const& document) {
   std::string dir = FolderOf(path);
   std::string temp = dir + "/" + TempPrefix(path) + std::to_string(getpid());
-  int fd = open(dir.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0644);
+  int fd = open(dir.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0644);
   bool unnamed = fd >= 0;
-  if (!unnamed) fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+  if (!unnamed) fd = open(temp.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
   if (fd < 0) Fail("Cannot write host state file", path, errno);
   try {
-    WriteAll(fd, text, path);
+    WriteAll(fd, document, path);
     if (fsync(fd) != 0) Fail("Cannot write host state file", path, errno);
     if (unnamed) {
       std::string self = "/proc/self/fd/" + std::to_string(fd);
@@ -127,9 +150,9 @@ void SaveAtomically(std::string const& path, std::string const& text) {
     if (!unnamed) unlink(temp.c_str());
     throw;
   }
-  close(fd);
   if (rename(temp.c_str(), path.c_str()) != 0) {
     int error = errno;
+    close(fd);
     unlink(temp.c_str());
     Fail("Cannot replace host state file", path, error);
   }
@@ -138,6 +161,7 @@ void SaveAtomically(std::string const& path, std::string const& text) {
     fsync(dir_fd);
     close(dir_fd);
   }
+  return fd;
 }
 
 bool IsDefaultPath() {
@@ -236,10 +260,10 @@ void Fetch(Store& store, AreaSet areas) {
 // The document to write: the fields of `loaded` areas from `host`, the
 // others as the file has them. What the file says of `host`'s arrays that
 // still holds is copied (store.element_texts).
-std::string Compose(Store& store, HostModel const& host, AreaSet loaded) {
+HostDocument Compose(Store& store, HostModel const& host, AreaSet loaded) {
   Fetch(store, kAreaAll);
-  return JoinHostDocument(store.texts, store.compact || (loaded & kAreaAll) == kAreaAll, &host,
-                          loaded, &store.element_texts);
+  return ComposeHostDocument(store.texts, store.compact || (loaded & kAreaAll) == kAreaAll, host,
+                             loaded, &store.element_texts);
 }
 
 void ForgetTexts(Store& store) {
@@ -253,14 +277,27 @@ void Replace(Store& store, Snapshot snapshot) {
   store.current = std::move(snapshot);
 }
 
-// Writes `document` and makes it the file's known text.
-void Save(Store& store, std::string document) {
-  SaveAtomically(store.path, document);
+// Writes `document` and makes it the file's known text: the document when
+// it is whole; else the file written, read again only where it is used.
+void Save(Store& store, HostDocument document) {
+  int fd = SaveAtomically(store.path, document);
   ForgetTexts(store);
   CloseFile(store);
-  store.file_text = std::make_shared<std::string>(std::move(document));
-  store.texts = SplitHostDocument(*store.file_text, &store.compact);
-  store.fetched.assign(store.texts.size(), true);
+  if (document.pieces.empty()) {
+    close(fd);
+    store.file_text = std::make_shared<std::string>(std::move(document.text));
+    store.texts = SplitHostDocument(*store.file_text, &store.compact);
+    store.fetched.assign(store.texts.size(), true);
+    return;
+  }
+  size_t count = HostFields().size();
+  store.file_fd = fd;
+  store.spans = std::move(document.spans);
+  store.compact = document.compact;
+  store.file_text.reset();
+  store.texts.assign(count, {});
+  store.fetched.assign(count, false);
+  store.field_texts.assign(count, {});
 }
 
 // Reads the file: in the line layout, where each field is, and the texts of
@@ -297,7 +334,9 @@ void Open(Store& store, AreaSet areas = 0) {
   struct stat info {};
   if (stat(store.path.c_str(), &info) != 0 && errno == ENOENT) {
     HostModel host = DefaultHost();
-    Save(store, HostToJson(host));
+    HostDocument document;
+    document.text = HostToJson(host);
+    Save(store, std::move(document));
     Replace(store, {std::move(host), kAreaAll});
   } else {
     try {
@@ -394,6 +433,7 @@ void ChangeHost(AreaSet areas, std::function<void(HostModel&)> const& change) {
     Save(store, Compose(store, host, store.current.loaded));
   } catch (...) {
     Snapshot restored{{}, store.current.loaded};
+    Fetch(store, restored.loaded);
     auto const& fields = HostFields();
     for (size_t i = 0; i < fields.size(); ++i) {
       if ((fields[i].area & restored.loaded) && !store.texts[i].empty()) {

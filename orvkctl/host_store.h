@@ -83,6 +83,30 @@ void ResetHostForTest();
 std::string HostToJson(HostModel const& host);
 HostModel HostFromJson(std::string const& text);
 
+// A text that belongs in a document before the document text's byte `at`:
+// a long run the document does not copy, for writing from where it is.
+struct TextPiece {
+  size_t at;
+  std::string_view text;
+};
+
+// Where a field's value text lies in a state document.
+struct FieldSpan {
+  uint64_t offset = 0;
+  uint64_t size = 0;  // 0 when the field is absent
+};
+
+// A state document to write: `text` with `pieces` (in order) put in.
+struct HostDocument {
+  std::string text;
+  std::vector<TextPiece> pieces;
+  // Where each field's value is in the whole, in HostFields() order.
+  std::vector<FieldSpan> spans;
+  bool compact = true;  // says its records are all as this library writes them
+  size_t Size() const;
+  std::string Whole() const;
+};
+
 // What loading a member keeps of the text it read, for writing it again:
 // the arrays of records read (by their address) and, opaque to the store,
 // where each was in the text. A write copies the elements a change left
@@ -112,8 +136,10 @@ struct HostField {
   void (*load)(std::string_view text, HostModel& host, ElementTexts* texts, bool in_place,
                std::shared_ptr<void const> const& owner);
   // Appends the member as compact JSON text, on one line, copying from
-  // `texts` (when given) what it can.
-  void (*save)(HostModel const& host, ElementTexts const* texts, std::string& out);
+  // `texts` (when given) what it can. Long runs of text copied as they are go
+  // to `pieces` (when given) instead, to be written from where they are.
+  void (*save)(HostModel const& host, ElementTexts const* texts, std::string& out,
+               std::vector<TextPiece>* pieces);
 };
 std::vector<HostField> const& HostFields();
 
@@ -125,12 +151,6 @@ std::vector<HostField> const& HostFields();
 // `compact` (when given) tells whether the document says that its records
 // are all as this library writes them.
 std::vector<std::string_view> SplitHostDocument(std::string& text, bool* compact = nullptr);
-// Where a field's value text lies in a state document.
-struct FieldSpan {
-  uint64_t offset = 0;
-  uint64_t size = 0;  // 0 when the field is absent
-};
-
 // Reads a state document in the line layout through `read` (which fills up
 // to the size given and returns how much it filled, 0 at the end), noting in
 // `spans` where each field's value text is, in HostFields() order; it never
@@ -147,5 +167,11 @@ bool ScanHostDocument(std::function<size_t(char*, size_t)> const& read,
 std::string JoinHostDocument(std::vector<std::string_view> const& texts, bool compact = true,
                              HostModel const* host = nullptr, AreaSet loaded = 0,
                              ElementTexts const* element_texts = nullptr);
+// The same, leaving long runs of text that it copies where they are: the
+// field texts, the elements of lists, which `texts`, `host` and
+// `element_texts` keep for as long as the document is used.
+HostDocument ComposeHostDocument(std::vector<std::string_view> const& texts, bool compact,
+                                 HostModel const& host, AreaSet loaded,
+                                 ElementTexts const* element_texts);
 
 }  // namespace OrvkCtl::Sim

@@ -109,12 +109,22 @@ class JsonWriter : private JsonStringOutHolder,
                    public rapidjson::Writer<JsonStringOut, rapidjson::UTF8<>, rapidjson::UTF8<>,
                                             JsonStackAllocator> {
  public:
-  explicit JsonWriter(std::string& text) : JsonStringOutHolder{{&text}}, Writer(out) {}
+  // Long texts written as they are go to `pieces`, when given.
+  explicit JsonWriter(std::string& text, std::vector<TextPiece>* pieces = nullptr)
+      : JsonStringOutHolder{{&text}}, Writer(out), pieces_(pieces) {}
   // Writes `json`, a value of type `type` in JSON, as it is.
   void Raw(std::string_view json, rapidjson::Type type) {
     RawValue(json.data(), 0, type);  // what goes before it
-    out.text->append(json);
+    if (pieces_ && json.size() >= kMinPiece) {
+      pieces_->push_back({out.text->size(), json});
+    } else {
+      out.text->append(json);
+    }
   }
+
+ private:
+  static constexpr size_t kMinPiece = 4096;
+  std::vector<TextPiece>* pieces_;
 };
 
 // A value that does not fit the model, with the path to it.
@@ -175,7 +185,8 @@ inline JsonScratch& TheJsonScratch() {
 // string that is not UTF-8. Elements of arrays noted in `texts` that the
 // text there still describes are copied from it.
 template <class T>
-void AppendJson(T const& value, ElementTexts const* texts, std::string& out);
+void AppendJson(T const& value, ElementTexts const* texts, std::string& out,
+                std::vector<TextPiece>* pieces = nullptr);
 
 // Offsets [begin, end) of objects in a text, by begin.
 using JsonObjectSpans = std::vector<std::pair<uint32_t, uint32_t>>;
@@ -760,8 +771,9 @@ void ParseJson(std::string_view text, T& out, ElementTexts* texts, bool in_place
 }
 
 template <class T>
-void AppendJson(T const& value, ElementTexts const* texts, std::string& out) {
-  JsonWriter writer(out);
+void AppendJson(T const& value, ElementTexts const* texts, std::string& out,
+                std::vector<TextPiece>* pieces) {
+  JsonWriter writer(out, pieces);
   if (texts) {
     WriteJsonDiff(writer, value, *texts);
   } else {
