@@ -10,6 +10,7 @@
 
 #include "host_store.h"
 #include "hostctl/lib.h"
+#include "hostctl/transaction.h"
 #include "lazy_list.h"
 #include "state_file_test.h"
 
@@ -37,6 +38,7 @@ namespace {
 
 using OrvkCtl::Sim::ChangeHost;
 using OrvkCtl::Sim::HostModel;
+using OrvkCtl::Sim::HostToJson;
 using OrvkCtl::Sim::LazyList;
 using OrvkCtl::Sim::ReadHost;
 using Probe::Named;
@@ -239,6 +241,52 @@ TEST_F(LazyPortGroupsTest, AListWhoseBracketsDoNotMatchIsRefusedAtOnce) {
                                  R"([{"name":"a"}{"name":"b"}])", R"([{"name":"a\"}])"}) {
     ExpectCorruptAndUntouched(WithGroups(file, list), "in \"vswitch\": parse error");
   }
+}
+
+TEST_F(LazyPortGroupsTest, ChangesInOneProcessEachSeeTheFileTheLastOneWrote) {
+  // A host large enough that writes leave most of the file where it was.
+  ChangeHost(OrvkCtl::Sim::kAreaVswitch, [](HostModel& host) {
+    auto& groups = host.vswitch.standard_switches.at(1).port_groups;
+    for (int i = 0; i < 2000; ++i) {
+      groups.push_back({});
+      groups.back().name = "pg-" + std::to_string(i);
+    }
+  });
+  Reload();
+  auto add = [](std::string name) {
+    ChangeHost(OrvkCtl::Sim::kAreaVswitch, [&](HostModel& host) {
+      host.vswitch.standard_switches.at(0).port_groups.push_back({});
+      host.vswitch.standard_switches.at(0).port_groups.back().name = name;
+    });
+  };
+  add("first");
+  // An area not read before comes from the file just written.
+  ChangeHost(OrvkCtl::Sim::kAreaFirewall, [](HostModel& host) { host.firewall.enabled = false; });
+  // A change that fails leaves the host and the file as they were.
+  std::string const before = StateFileText();
+  EXPECT_THROW(ChangeHost(OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaNic,
+                          [](HostModel& host) {
+                            host.vswitch.standard_switches.at(1).port_groups.clear();
+                            throw HostCtl::Lib::HostCtlException("refused");
+                          }),
+               HostCtl::Lib::HostCtlException);
+  EXPECT_EQ(StateFileText(), before);
+  ASSERT_EQ(OrvkCtl_BeginTransaction(), nullptr);
+  add("second");
+  ASSERT_EQ(OrvkCtl_CommitTransaction(), nullptr);
+  add("third");
+  std::string const json = HostToJson(ReadHost());
+  EXPECT_EQ(StateFileText(), json);
+  Reload();
+  HostModel const& host = ReadHost();
+  EXPECT_EQ(HostToJson(host), json);
+  EXPECT_FALSE(host.firewall.enabled);
+  auto const& groups = host.vswitch.standard_switches;
+  EXPECT_EQ(groups.at(1).port_groups.size(), 2001u);
+  std::vector<std::string> names;
+  for (auto const& group : groups.at(0).port_groups) names.push_back(group.name);
+  EXPECT_EQ(names, (std::vector<std::string>{"Management Network", "VM Network", "first",
+                                             "second", "third"}));
 }
 
 }  // namespace
