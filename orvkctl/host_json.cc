@@ -59,9 +59,10 @@ class SkippingStream : public rapidjson::InsituStringStream {
       : rapidjson::InsituStringStream(text), lazy_(lazy) {
     Aim();
   }
-  char Take() {
+  // Called for every byte: inlined, the skip out of line.
+  RAPIDJSON_FORCEINLINE char Take() {
     char c = *src_++;
-    if (src_ == next_) Skip();
+    if (src_ == next_) [[unlikely]] Skip();
     return c;
   }
   // The text an array just opened skipped, once; empty if none.
@@ -72,7 +73,7 @@ class SkippingStream : public rapidjson::InsituStringStream {
     bool more = lazy_ && at_ < lazy_->arrays.size();
     next_ = more ? head_ + lazy_->arrays[at_].begin : nullptr;
   }
-  void Skip() {
+  [[gnu::noinline]] void Skip() {
     auto const& array = lazy_->arrays[at_++];
     skipped_ = std::string_view(head_ + array.begin, array.end - array.begin);
     src_ = head_ + array.end;
@@ -84,11 +85,30 @@ class SkippingStream : public rapidjson::InsituStringStream {
   std::string_view skipped_;
 };
 
+// What an array just opened skipped: nothing, where the parse skips none.
+std::string_view TakeSkipped(rapidjson::InsituStringStream&) { return {}; }
+std::string_view TakeSkipped(SkippingStream& stream) { return stream.TakeSkipped(); }
+
+}  // namespace
+}  // namespace OrvkCtl::Sim
+
+// The parser may read through a copy of the stream in a loop (a string, a
+// number, blanks), as it does the plain one: arrays are skipped only when
+// their bracket is taken, outside those loops.
+template <>
+struct rapidjson::StreamTraits<OrvkCtl::Sim::SkippingStream> {
+  enum { copyOptimization = 1 };
+};
+
+namespace OrvkCtl::Sim {
+namespace {
+
 // The parser's values as a tree of rapidjson values, each object and array
 // allocated at its size, as rapidjson's own document builds it; refuses
 // arrays and objects nested deeper than kMaxNesting (the parser recurses
 // once per level). Not the document's own building: its stack starts as a
 // null pointer that its first growth check offsets, which UBSan refuses.
+template <class Stream>
 class TreeBuilder {
  public:
   // Notes where each object begins and ends in `objects`, when given.
@@ -96,7 +116,7 @@ class TreeBuilder {
   // are sized once, so that a large text does not copy them as they grow.
   // `keep_text`: put back what parsing in place overwrites (the closing
   // quote of each string, when no string has an escape).
-  TreeBuilder(rapidjson::Document::AllocatorType& allocator, SkippingStream& stream,
+  TreeBuilder(rapidjson::Document::AllocatorType& allocator, Stream& stream,
               JsonObjectSpans* objects, size_t size, bool keep_text)
       : allocator_(allocator), stream_(stream), objects_(objects), keep_text_(keep_text) {
     values_.reserve(std::max<size_t>(64, size / 16));
@@ -143,7 +163,7 @@ class TreeBuilder {
   }
   bool StartArray() {
     values_.emplace_back(rapidjson::kArrayType);
-    skipped_ = stream_.TakeSkipped();
+    skipped_ = TakeSkipped(stream_);
     return Deeper();
   }
   bool EndArray(rapidjson::SizeType count) {
@@ -166,7 +186,7 @@ class TreeBuilder {
  private:
   bool Deeper() { return ++depth_ <= kMaxNesting; }
   rapidjson::Document::AllocatorType& allocator_;
-  SkippingStream& stream_;
+  Stream& stream_;
   JsonObjectSpans* objects_;
   bool keep_text_;
   std::string_view skipped_;  // by the array just opened
@@ -175,11 +195,10 @@ class TreeBuilder {
   unsigned depth_ = 0;
 };
 
-template <unsigned kFlags>
-void Parse(char* text, size_t size, rapidjson::Document& document, JsonObjectSpans* objects,
-           bool keep_text, JsonLazyArrays const* lazy) {
-  SkippingStream stream(text, lazy);
-  TreeBuilder builder(document.GetAllocator(), stream, objects, size, keep_text);
+template <unsigned kFlags, class Stream>
+void Parse(Stream& stream, size_t size, rapidjson::Document& document, JsonObjectSpans* objects,
+           bool keep_text) {
+  TreeBuilder<Stream> builder(document.GetAllocator(), stream, objects, size, keep_text);
   rapidjson::Reader reader;
   rapidjson::ParseResult result =
       reader.Parse<kFlags | rapidjson::kParseInsituFlag>(stream, builder);
@@ -192,6 +211,20 @@ void Parse(char* text, size_t size, rapidjson::Document& document, JsonObjectSpa
                              rapidjson::GetParseError_En(result.Code()));
   }
   static_cast<rapidjson::Value&>(document) = builder.Root().Move();
+}
+
+// Parses with the stream that skips the arrays in `lazy`, when there are
+// any: the plain one costs less for every byte.
+template <unsigned kFlags>
+void Parse(char* text, size_t size, rapidjson::Document& document, JsonObjectSpans* objects,
+           bool keep_text, JsonLazyArrays const* lazy) {
+  if (lazy && !lazy->arrays.empty()) {
+    SkippingStream stream(text, lazy);
+    Parse<kFlags>(stream, size, document, objects, keep_text);
+  } else {
+    rapidjson::InsituStringStream stream(text);
+    Parse<kFlags>(stream, size, document, objects, keep_text);
+  }
 }
 
 }  // namespace
@@ -403,7 +436,9 @@ constexpr std::string_view kTail = "}}\n";
 template <auto Member>
 void LoadMember(std::string_view text, HostModel& host, ElementTexts* texts, bool in_place,
                 std::shared_ptr<void const> const& owner) {
-  ParseJson(text, host.*Member, texts, in_place, owner);
+  // Only an area with lists read one by one is looked through for them.
+  using Area = std::remove_reference_t<decltype(host.*Member)>;
+  ParseJson(text, host.*Member, texts, in_place, kHasLazyLists<Area> ? owner : nullptr);
 }
 
 template <auto Member>

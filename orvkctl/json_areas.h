@@ -22,4 +22,10 @@ JSON_AREA(RuntimeArea)
 
 #undef JSON_AREA
 
+// Whether an area has lists whose records a load leaves as their texts.
+template <class Area>
+inline constexpr bool kHasLazyLists = false;
+template <>
+inline constexpr bool kHasLazyLists<VswitchArea> = true;
+
 }  // namespace OrvkCtl::Sim
