@@ -2,8 +2,8 @@
 #
 #   bin/toolbase                        rpath $ORIGIN/../<libdir>
 #   <libdir>/libtoolbase.so, liborvkctl.so
-#   <libdir>/toolbase/plugins/*.so      rpath $ORIGIN/../.. (toolbase finds them
-#                                       there when no plugins/ folder is beside it)
+#   <libdir>/toolbase/plugins/*.so      (toolbase finds them there when no
+#                                       plugins/ folder is beside it)
 #   include/toolbase/*.h, include/hostctl/*.h
 #   <libdir>/pkgconfig/toolbase.pc, orvkctl.pc (relocatable: paths from ${pcfiledir})
 #   share/bash-completion/completions/toolbase, share/zsh/vendor-completions/_toolbase
@@ -23,16 +23,24 @@ endif()
 
 configure_file(cmake/build_config.cc.in ${CMAKE_BINARY_DIR}/generated/build_config.cc @ONLY)
 target_sources(toolbase PRIVATE ${CMAKE_BINARY_DIR}/generated/build_config.cc)
-# One run path serves the build tree (the libraries beside the executable, the
-# plug-ins a folder below) and the installed tree, so that installing need not
-# rewrite it: CMake would pad the build tree's with an empty entry to make
-# room, and the loader takes an empty entry for the current directory.
-set_target_properties(toolbase_cli PROPERTIES BUILD_WITH_INSTALL_RPATH ON
-                      INSTALL_RPATH "$ORIGIN;$ORIGIN/${TOOLBASE_LIB_FROM_BIN}")
-set_target_properties(network PROPERTIES BUILD_WITH_INSTALL_RPATH ON
-                      INSTALL_RPATH "$ORIGIN/..;$ORIGIN/${TOOLBASE_LIB_FROM_PLUGINS}")
+# Run paths. Each executable has one folder, its libraries', as DT_RPATH: the
+# loader looks there first for every library of the process, the plug-ins'
+# included, and for each folder it looks in it first tries a dozen
+# subfolders in vain, so every folder more costs every command. The build
+# tree's (the libraries beside the executable) and the installed tree's
+# differ, so each has an executable of its own: CMake would otherwise
+# rewrite the run path at install, padding the build tree's with an empty
+# entry, which the loader takes for the current directory. The plug-in has
+# none of its own, which would hide the executable's; it is loaded by
+# toolbase, whose run path finds its libraries.
+set_target_properties(toolbase_cli PROPERTIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN")
+set_target_properties(toolbase_installed PROPERTIES BUILD_WITH_INSTALL_RPATH ON
+                      INSTALL_RPATH "$ORIGIN/${TOOLBASE_LIB_FROM_BIN}")
+target_link_options(toolbase_cli PRIVATE -Wl,--disable-new-dtags)
+target_link_options(toolbase_installed PRIVATE -Wl,--disable-new-dtags)
+set_target_properties(network PROPERTIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "")
 
-install(TARGETS toolbase_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS toolbase_installed RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS toolbase orvkctl network_regex LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(TARGETS network LIBRARY DESTINATION ${TOOLBASE_PLUGIN_INSTALL_DIR})
 install(DIRECTORY platform/toolbase platform/hostctl

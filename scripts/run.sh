@@ -13,6 +13,6 @@ options=(-DCMAKE_BUILD_TYPE=RelWithDebInfo)
 if ! grep -qs '^TOOLBASE_TESTS:BOOL=ON' build/CMakeCache.txt; then
   options+=(-DTOOLBASE_TESTS=OFF -DTOOLBASE_BENCH=OFF)
 fi
-BUILD_TARGETS="toolbase_cli network" build_into build "${options[@]}"
+BUILD_TARGETS="toolbase_cli toolbase_installed network" build_into build "${options[@]}"
 if [ $# -eq 0 ]; then set -- network firewall get; fi
 exec build/toolbase "$@"
