@@ -8,7 +8,9 @@ falls on all of them alike; the figures are medians over the rounds.
   bench/startup.py --scale 1000,10000,100000
                                     # hosts grown by that many port groups
 Options: --rounds N (default 40), --build DIR (default build), --compare DIR
-(another build, e.g. an older one, timed in the same rounds).
+(another build, e.g. an older one, timed in the same rounds). Each line has
+the command's median, its ratio to the median of /bin/true, and the median
+of its ratios to /bin/true round by round.
 """
 import argparse
 import json
@@ -53,21 +55,28 @@ def run_once(argv, env):
 
 
 def interleave(commands, rounds, env):
-    """commands: list of (label, argv, env or None); medians in ns by label."""
+    """commands: list of (label, argv, env or None); the times in ns of every
+    round by label."""
     times = {label: [] for label, _, _ in commands}
     for label, argv, own_env in commands:  # warm the page cache
         run_once(argv, own_env or env)
     for _ in range(rounds):
         for label, argv, own_env in commands:
             times[label].append(run_once(argv, own_env or env))
-    return {label: statistics.median(values) for label, values in times.items()}
+    return times
 
 
-def report(medians, base="/bin/true"):
+def report(times, base="/bin/true"):
+    """Each command's median time, its ratio to the base's median, and the
+    median of its ratios to the base round by round (which a drift of the
+    machine's speed over the run moves less)."""
+    medians = {label: statistics.median(values) for label, values in times.items()}
     unit = medians[base]
     width = max(len(label) for label in medians)
+    print(f"{'':<{width}}  {'median':>12}  {'ratio':>7}  {'by round':>8}")
     for label, value in medians.items():
-        print(f"{label:<{width}}  {value / 1000:9.0f} us  {value / unit:6.2f} x")
+        paired = statistics.median(t / b for t, b in zip(times[label], times[base]))
+        print(f"{label:<{width}}  {value / 1000:9.0f} us  {value / unit:6.2f} x  {paired:7.2f} x")
 
 
 def grow_host(toolbase, path, count, env):
