@@ -26,6 +26,7 @@ std::string LoadedLazily(std::string const& text) {
   for (auto const& vswitch : host.vswitch.standard_switches) {
     for (auto const& group : vswitch.port_groups) (void)group.name;
   }
+  for (auto const& nic : host.nic.pnics) (void)nic.name;
   return OrvkCtl::Sim::HostToJson(host);
 }
 

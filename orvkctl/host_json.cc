@@ -365,10 +365,10 @@ size_t SplitElements(std::string_view text, size_t at, std::vector<std::string_v
 
 }  // namespace
 
-bool ScanLazyArrays(std::string_view text, JsonLazyArrays& out) {
+bool ScanLazyArrays(std::string_view text, std::string_view name, JsonLazyArrays& out) {
   out.arrays.clear();
   if (text.size() > UINT32_MAX) return false;
-  std::string const key = "\"" + std::string(kLazyKey) + "\":[{";
+  std::string const key = "\"" + std::string(name) + "\":[{";
   bool const ascii = IsAscii(text);
   for (size_t found = text.find(key); found != std::string_view::npos;
        found = text.find(key, found + 1)) {
@@ -438,7 +438,8 @@ void LoadMember(std::string_view text, HostModel& host, ElementTexts* texts, boo
                 std::shared_ptr<void const> const& owner) {
   // Only an area with lists read one by one is looked through for them.
   using Area = std::remove_reference_t<decltype(host.*Member)>;
-  ParseJson(text, host.*Member, texts, in_place, kHasLazyLists<Area> ? owner : nullptr);
+  constexpr std::string_view kKey = kLazyKey<Area>;
+  ParseJson(text, host.*Member, texts, in_place, kKey.empty() ? nullptr : owner, kKey);
 }
 
 template <auto Member>

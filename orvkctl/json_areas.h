@@ -22,10 +22,13 @@ JSON_AREA(RuntimeArea)
 
 #undef JSON_AREA
 
-// Whether an area has lists whose records a load leaves as their texts.
+// The key of an area's lists (LazyList) whose records a load leaves as their
+// texts; empty for an area without.
 template <class Area>
-inline constexpr bool kHasLazyLists = false;
+inline constexpr std::string_view kLazyKey = {};
 template <>
-inline constexpr bool kHasLazyLists<VswitchArea> = true;
+inline constexpr std::string_view kLazyKey<NicArea> = "pnics";
+template <>
+inline constexpr std::string_view kLazyKey<VswitchArea> = "port_groups";
 
 }  // namespace OrvkCtl::Sim

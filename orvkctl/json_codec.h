@@ -161,11 +161,12 @@ inline void JsonError::Within(size_t index) {
 // the whole of a string that the caller owns, which may be parsed where it
 // is, and reads the same afterwards, instead of in a copy. `owner` (with
 // `texts`): keeps `text` as it is for as long as it lives; the lists of
-// records under kLazyKey are then left as their elements' texts, for
+// records under `lazy_key` are then left as their elements' texts, for
 // LazyList to read when used.
 template <class T>
 void ParseJson(std::string_view text, T& out, ElementTexts* texts = nullptr,
-               bool in_place = false, std::shared_ptr<void const> const& owner = nullptr);
+               bool in_place = false, std::shared_ptr<void const> const& owner = nullptr,
+               std::string_view lazy_key = {});
 
 // What ParseJson without `texts` parses in: a text's copy and its values,
 // kept from one parse to the next.
@@ -206,11 +207,8 @@ struct JsonParse {
 // place it by.
 JSON_HIDDEN std::string_view SourceOf(JsonParse const& parse, JsonValue const& object);
 
-// The key of the lists that a load may leave as their elements' texts.
-inline constexpr std::string_view kLazyKey = "port_groups";
-
-// The lists of a text that a parse skips, each an array of objects under
-// kLazyKey laid out as the library writes it: where its elements lie
+// The lists of a text that a parse skips, each an array of objects under a
+// key (of LazyLists) laid out as the library writes it: where its elements lie
 // ([begin, end) of what is between its brackets) and each element's text.
 // The parse gives each such array as a string value of that span's text.
 struct JsonLazyArrays {
@@ -227,11 +225,11 @@ struct JsonLazyArrays {
     return at != arrays.end() && at->begin == begin ? &*at : nullptr;
   }
 };
-// Finds in `text` the lists under kLazyKey, each an array of one or more
+// Finds in `text` the lists under `key`, each an array of one or more
 // objects, in the layout the library writes (no blanks between the key, the
 // brackets and the elements). A list laid out otherwise, or one whose text is
 // not UTF-8, is left to the parse. Returns whether it found any.
-JSON_HIDDEN bool ScanLazyArrays(std::string_view text, JsonLazyArrays& out);
+JSON_HIDDEN bool ScanLazyArrays(std::string_view text, std::string_view key, JsonLazyArrays& out);
 
 // While ParseJson(..., texts) reads.
 struct JsonLoad {
@@ -704,7 +702,7 @@ consteval size_t JsonFieldCount() {
 
 template <class T>
 void ParseJson(std::string_view text, T& out, ElementTexts* texts, bool in_place,
-               std::shared_ptr<void const> const& owner) {
+               std::shared_ptr<void const> const& owner, std::string_view lazy_key) {
   if (!texts) {
     // Records read one by one (LazyList) reuse one parse's memory.
     JsonScratch& scratch = TheJsonScratch();
@@ -735,7 +733,8 @@ void ParseJson(std::string_view text, T& out, ElementTexts* texts, bool in_place
   parse->text = text;
   // Long lists stay as their elements' texts, which `owner` keeps.
   JsonLazyArrays lazy;
-  JsonLazyArrays* skip = owner && ScanLazyArrays(text, lazy) ? &lazy : nullptr;
+  JsonLazyArrays* skip =
+      owner && !lazy_key.empty() && ScanLazyArrays(text, lazy_key, lazy) ? &lazy : nullptr;
   // The caller's text itself when it may be (a large area is then not copied).
   char* own = const_cast<char*>(text.data());
   if (in_place &&

@@ -1,4 +1,5 @@
 // JSON form of the nic area of the host state file.
+#include "hostctl/lib.h"
 #include "json_areas.h"
 
 namespace OrvkCtl::Sim {
@@ -92,6 +93,16 @@ JSON_RECORD(PnicState, name, pci_address, pci_vendor, pci_device, pseudo_descrip
             message_level, virtual_address, pause, negotiation_restarts, offload, coalesce, ring,
             stats, vlan_stats_enabled, vlan_stats, eeprom, eeprom_magic, diagnostics, attachments,
             sriov, netqueue, software_simulation, hw_cap, dcb)
+
+void ReadRecordText(std::string_view text, size_t index, PnicState& out) {
+  try {
+    ParseJson(text, out);
+  } catch (std::exception const& error) {
+    throw HostCtl::Lib::HostCtlException("Host state file " + StatePath() +
+                                         " is corrupt: in \"nic\": pnics[" +
+                                         std::to_string(index) + "]: " + error.what());
+  }
+}
 
 JSON_RECORD(NicArea, pnics)
 

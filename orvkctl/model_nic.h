@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "lazy_list.h"
+
 namespace OrvkCtl::Sim {
 
 // One speed/duplex/medium combination a device offers or advertises.
@@ -364,9 +366,14 @@ struct PnicState {
   bool operator==(PnicState const&) const = default;
 };
 
+// Reads physical NIC `index` from its text in the state file, for LazyList;
+// throws HostCtlException, naming the file, when it cannot.
+void ReadRecordText(std::string_view text, size_t index, PnicState& out);
+
 struct NicArea {
-  // The physical NICs, in the order the host enumerates them.
-  std::vector<PnicState> pnics;
+  // The physical NICs, in the order the host enumerates them; each is read
+  // from the state file when used.
+  LazyList<PnicState> pnics;
 };
 
 // The physical NIC of that name, or null.

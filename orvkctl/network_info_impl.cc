@@ -26,8 +26,9 @@ void NetworkInfoImpl::Refresh() { CheckFault("NetworkInfoImpl::Refresh"); }
 HostCtl::Network::PnicList NetworkInfoImpl::GetPnics() {
   CheckFault("NetworkInfoImpl::GetPnics");
   HostCtl::Network::PnicList pnics;
-  for (auto const& nic : Sim::ReadHost(Sim::kAreaNic).nic.pnics) {
-    pnics.push_back(std::make_unique<PnicImpl>(nic.name));
+  auto const& nics = Sim::ReadHost(Sim::kAreaNic).nic.pnics;
+  for (size_t i = 0; i < nics.size(); ++i) {
+    pnics.push_back(std::make_unique<PnicImpl>(std::string(nics.NameAt(i))));
   }
   return pnics;
 }

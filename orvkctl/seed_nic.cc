@@ -400,8 +400,8 @@ void SealEeprom(EepromImage& image) {
 }
 
 PnicState* FindPnic(NicArea& area, std::string const& name) {
-  for (auto& nic : area.pnics) {
-    if (nic.name == name) return &nic;
+  for (size_t i = 0; i < area.pnics.size(); ++i) {
+    if (area.pnics.NameIs(i, name)) return &area.pnics[i];
   }
   return nullptr;
 }

@@ -289,4 +289,29 @@ TEST_F(LazyPortGroupsTest, ChangesInOneProcessEachSeeTheFileTheLastOneWrote) {
                                              "second", "third"}));
 }
 
+TEST_F(LazyPortGroupsTest, ANicThatDoesNotFitIsReportedWhenRead) {
+  ReadHost();
+  std::string text = StateFileText();
+  // The second NIC's MTU out of range: commands on the others still work.
+  std::string const second = R"({"name":"ornic1",)";
+  size_t const at = text.find(second);
+  ASSERT_NE(at, std::string::npos);
+  text.insert(at + second.size(), R"("mtu":2147483648,)");
+  Reload();
+  WriteState(text);
+  auto const& nics = ReadHost(OrvkCtl::Sim::kAreaNic).nic.pnics;
+  ASSERT_EQ(nics.size(), 5u);
+  EXPECT_EQ(nics[0].name, "ornic0");
+  EXPECT_TRUE(nics.NameIs(1, "ornic1"));  // from the text, without the record
+  try {
+    (void)nics[1];
+    ADD_FAILURE() << "read";
+  } catch (HostCtl::Lib::HostCtlException const& error) {
+    EXPECT_EQ(error.message, "Host state file " + state_path_ +
+                                 " is corrupt: in \"nic\": pnics[1]: mtu: expected an integer "
+                                 "from -2147483648 to 2147483647");
+  }
+  EXPECT_EQ(StateFileText(), text);
+}
+
 }  // namespace
