@@ -45,6 +45,7 @@
 #include <vector>
 
 #include "host_store.h"
+#include "hostctl/lib.h"
 
 // Nothing of the codec is for other libraries: keep it out of the dynamic
 // symbol table, which every process binds at start-up. (After the includes:
@@ -167,6 +168,21 @@ template <class T>
 void ParseJson(std::string_view text, T& out, ElementTexts* texts = nullptr,
                bool in_place = false, std::shared_ptr<void const> const& owner = nullptr,
                std::string_view lazy_key = {});
+
+// Reads element `index` of the list `list` of the state file's area `area`
+// from its text, for LazyList (ReadRecordText); throws HostCtlException,
+// naming the file and where the element is, when it cannot.
+template <class T>
+void ReadListElement(std::string_view text, size_t index, T& out, std::string_view area,
+                     std::string_view list) {
+  try {
+    ParseJson(text, out);
+  } catch (std::exception const& error) {
+    throw HostCtl::Lib::HostCtlException("Host state file " + StatePath() + " is corrupt: in \"" +
+                                         std::string(area) + "\": " + std::string(list) + "[" +
+                                         std::to_string(index) + "]: " + error.what());
+  }
+}
 
 // What ParseJson without `texts` parses in: a text's copy and its values,
 // kept from one parse to the next.

@@ -1,5 +1,4 @@
 // JSON form of the nic area of the host state file.
-#include "hostctl/lib.h"
 #include "json_areas.h"
 
 namespace OrvkCtl::Sim {
@@ -95,13 +94,7 @@ JSON_RECORD(PnicState, name, pci_address, pci_vendor, pci_device, pseudo_descrip
             sriov, netqueue, software_simulation, hw_cap, dcb)
 
 void ReadRecordText(std::string_view text, size_t index, PnicState& out) {
-  try {
-    ParseJson(text, out);
-  } catch (std::exception const& error) {
-    throw HostCtl::Lib::HostCtlException("Host state file " + StatePath() +
-                                         " is corrupt: in \"nic\": pnics[" +
-                                         std::to_string(index) + "]: " + error.what());
-  }
+  ReadListElement(text, index, out, "nic", "pnics");
 }
 
 JSON_RECORD(NicArea, pnics)

@@ -1,5 +1,4 @@
 // JSON form of the vswitch area of the host state file.
-#include "hostctl/lib.h"
 #include "json_areas.h"
 
 namespace OrvkCtl::Sim {
@@ -12,13 +11,7 @@ JSON_RECORD(ShapingPolicyState, set_mask, enabled, peak_bps, average_bps, burst_
 JSON_RECORD(PortGroupState, name, vlan_id, active_clients, teaming, security, shaping)
 
 void ReadRecordText(std::string_view text, size_t index, PortGroupState& out) {
-  try {
-    ParseJson(text, out);
-  } catch (std::exception const& error) {
-    throw HostCtl::Lib::HostCtlException("Host state file " + StatePath() +
-                                         " is corrupt: in \"vswitch\": port_groups[" +
-                                         std::to_string(index) + "]: " + error.what());
-  }
+  ReadListElement(text, index, out, "vswitch", "port_groups");
 }
 JSON_RECORD(StandardSwitchState, name, configured_ports, mtu, cdp_status, beacon_interval,
             beacon_threshold, checksum_offload, segmentation_offload, vlan_tagging, uplinks,
