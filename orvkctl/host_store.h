@@ -21,7 +21,11 @@
 // which it copies from the file's text: "layout":"compact" says that they
 // are all as this library writes them. Any other layout of the same JSON
 // (hand-edited, reformatted, or without that mark) still loads, by parsing
-// it whole if need be; the next change writes every area anew.
+// it whole if need be; the next change writes every area anew. In a marked
+// file, the lists of records a host may have thousands of (port
+// groups, physical NICs: LazyList) are left as their elements' texts when
+// loaded, each read when first used; a write copies the texts no one read,
+// and writes the long runs it copies from where they are (HostDocument).
 //
 // How an operation says what it needs: ReadHost(kAreaFirewall) loads the
 // firewall area (and whatever was loaded before); the other members of the
