@@ -720,30 +720,29 @@ template <class T>
 void ParseJson(std::string_view text, T& out, ElementTexts* texts, bool in_place,
                std::shared_ptr<void const> const& owner, std::string_view lazy_key) {
   if (!texts) {
-    // Records read one by one (LazyList) reuse one parse's memory.
-    JsonScratch& scratch = TheJsonScratch();
-    if (scratch.busy) {
-      std::string buffer(text);
-      rapidjson::Document document;
+    auto read = [&](std::string& buffer, rapidjson::Document& document) {
       ParseDocument(buffer, document);
       T value{};
       ReadJson(static_cast<JsonValue const&>(document), value);
       out = std::move(value);
-      return;
+    };
+    // Records read one by one (LazyList) reuse one parse's memory; a parse
+    // within that one has its own.
+    JsonScratch& scratch = TheJsonScratch();
+    if (scratch.busy) {
+      std::string buffer(text);
+      rapidjson::Document document;
+      return read(buffer, document);
     }
     scratch.busy = true;
-    scratch.pool.Clear();
     struct Done {
       JsonScratch& scratch;
       ~Done() { scratch.busy = false; }
     } done{scratch};
+    scratch.pool.Clear();
     scratch.buffer.assign(text);
     rapidjson::Document document(&scratch.pool);
-    ParseDocument(scratch.buffer, document);
-    T value{};
-    ReadJson(static_cast<JsonValue const&>(document), value);
-    out = std::move(value);
-    return;
+    return read(scratch.buffer, document);
   }
   auto parse = std::make_shared<JsonParse>();
   parse->text = text;
