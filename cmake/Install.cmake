@@ -124,23 +124,23 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME toolbase)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SUGGESTS "bash-completion")
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION
     "host administration command framework, with its network commands
- toolbase runs administration commands as words (toolbase network nic list),
- with help, shell completion, batches of commands run all or nothing, and
- output for people (simple, table) and for scripts (json, xml, csv).
- .
- Commands come from plug-ins. This package has the framework, the network
- plug-in (switches, port groups, physical NICs, IP interfaces, routes, DNS,
- firewall, IPsec) and the host control library it drives, which by default
- keeps a simulated host in a state file of the user's own.")
+toolbase runs administration commands as words (toolbase network nic list),
+with help, shell completion, batches of commands run all or nothing, and
+output for people (simple, table) and for scripts (json, xml, csv).
+
+Commands come from plug-ins. This package has the framework, the network
+plug-in (switches, port groups, physical NICs, IP interfaces, routes, DNS,
+firewall, IPsec) and the host control library it drives, which by default
+keeps a simulated host in a state file of the user's own.")
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME toolbase-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "toolbase (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_DEV_PACKAGE_SUGGESTS "pkg-config")
 set(CPACK_COMPONENT_DEV_DESCRIPTION
     "development files for toolbase plug-ins
- toolbase runs administration commands that plug-ins add to its tree of words.
- .
- This package has the headers of the framework and of the host control
- library, and their pkg-config files (toolbase, orvkctl), to build further
- plug-ins; pkg-config --variable=plugindir toolbase names the folder they go in.")
+toolbase runs administration commands that plug-ins add to its tree of words.
+
+This package has the headers of the framework and of the host control
+library, and their pkg-config files (toolbase, orvkctl), to build further
+plug-ins; pkg-config --variable=plugindir toolbase names the folder they go in.")
 include(CPack)
