@@ -400,7 +400,9 @@ HostModel const& ReadHost() { return Loaded(kAreaAll); }
 
 void ChangeHost(AreaSet areas, std::function<void(HostModel&)> const& change) {
   Store& store = TheStore();
-  if (store.read_only) throw HostCtlException("The host is only read here; nothing was changed");
+  if (store.read_only && !store.in_transaction) {
+    throw HostCtlException("The host is only read here; nothing was changed");
+  }
   HostModel& host = Loaded(areas);
   if (store.in_transaction) {
     // The host holds the transaction's changes, which the file does not: a
@@ -509,6 +511,11 @@ const char* OrvkCtl_CommitTransaction() {
   if (!store.in_transaction) return nullptr;
   store.in_transaction = false;
   if (!store.changed_in_transaction) return nullptr;
+  if (store.read_only) {
+    OrvkCtl::Sim::Replace(store, store.begin);
+    store.message = "The host is only read here; no change was written";
+    return store.message.c_str();
+  }
   try {
     OrvkCtl::Sim::Save(store,
                        OrvkCtl::Sim::Compose(store, store.current.host, store.current.loaded));

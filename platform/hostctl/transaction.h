@@ -26,8 +26,9 @@ void OrvkCtl_AbortTransaction();
 // default one (call before the host is first used). Returns nullptr, or a
 // message (valid until the next call) when `path` is empty or a folder.
 const char* OrvkCtl_SetHostState(const char* path);
-// From now on the host is only read: no lock file is made, a missing state
-// file reads as the default host and is not created, and a change throws
-// HostCtlException. For looking up names while a user types.
+// From now on nothing reaches the disk: no lock file is made, a missing state
+// file reads as the default host and is not created, a change outside a
+// transaction throws HostCtlException, and one inside stays in memory (a
+// commit refuses it). For looking up names while a user types, and dry runs.
 void OrvkCtl_ReadOnly();
 }
