@@ -67,21 +67,6 @@ void PrintEntry(std::string_view label, std::string_view text, std::ostream& out
   PrintWrapped(text, kLabelColumn, kLabelColumn, out);
 }
 
-char const* TypeWord(CallSpec::ParameterType type) {
-  switch (type) {
-    case CallSpec::Int:
-      return "<long>";
-    case CallSpec::Bool:
-      return "<bool>";
-    case CallSpec::Flag:
-      return "";
-    case CallSpec::StringList:
-      return "<str> (repeatable)";
-    default:
-      return "<str>";
-  }
-}
-
 }  // namespace
 
 void PrintNamespaceHelp(AutoCli::NamespaceNode& node, std::ostream& out) {
@@ -135,8 +120,8 @@ void PrintCommandHelp(AutoCli::CommandSpec& command, std::ostream& out) {
     std::string label;
     if (!parameter->GetShortName().empty()) label = "-" + parameter->GetShortName() + "|";
     label += "--" + parameter->GetName();
-    std::string type = TypeWord(parameter->GetType());
-    if (!type.empty()) label += "=" + type;
+    if (char const* value = ValueWord(*parameter)) label += "=<" + std::string(value) + ">";
+    if (parameter->GetType() == CallSpec::StringList) label += " (repeatable)";
     std::string text = ExpandDescription(*parameter);
     if (parameter->IsRequired()) text += " (required)";
     PrintEntry(label, text, out);

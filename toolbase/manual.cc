@@ -161,19 +161,6 @@ void CollectCommands(NamespaceNode& node, std::vector<AutoCli::Command*>& comman
   for (auto const& child : node.GetNamespaceNodes()) CollectCommands(*child, commands);
 }
 
-char const* ValueWord(CallSpec::ParameterType type) {
-  switch (type) {
-    case CallSpec::Int:
-      return "long";
-    case CallSpec::Bool:
-      return "bool";
-    case CallSpec::Flag:
-      return nullptr;
-    default:
-      return "str";
-  }
-}
-
 void WriteWordPage(NamespaceNode& top, std::ostream& out) {
   std::string const word = top.GetName();
   Header(out, "toolbase-" + word, Summary(top.GetDescription()));
@@ -197,7 +184,7 @@ void WriteWordPage(NamespaceNode& top, std::ostream& out) {
         out << "\\fB\\-" << Roff(parameter->GetShortName(), true) << "\\fR, ";
       }
       out << "\\fB\\-\\-" << Roff(parameter->GetName(), true) << "\\fR";
-      if (char const* value = ValueWord(parameter->GetType())) {
+      if (char const* value = ValueWord(*parameter)) {
         out << "=\\fI" << value << "\\fR";
       }
       if (parameter->GetType() == CallSpec::StringList) out << " (repeatable)";

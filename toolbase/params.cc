@@ -175,6 +175,19 @@ std::string CheckValue(ParameterSpec const& parameter, std::string const& value)
          Join(AllowedValues(*constraint), ", ");
 }
 
+char const* ValueWord(ParameterSpec const& parameter) {
+  switch (parameter.GetType()) {
+    case CallSpec::Int:
+      return "long";
+    case CallSpec::Bool:
+      return "bool";
+    case CallSpec::Flag:
+      return nullptr;
+    default:
+      return "str";
+  }
+}
+
 std::string ExpandDescription(ParameterSpec const& parameter) {
   std::string text = parameter.GetDescription();
   auto const& constraint = parameter.GetConstraint();

@@ -38,6 +38,10 @@ std::string ClosestName(std::string const& typed, std::vector<std::string> const
 // " Did you mean X?" for the closest of `names`, or empty.
 std::string DidYouMean(std::string const& typed, std::vector<std::string> const& names);
 
+// What the parameter takes, for help and manual pages: "long", "bool" or
+// "str"; null for a flag.
+char const* ValueWord(CallSpec::ParameterSpec const& parameter);
+
 // The parameter's description with %ENUM% and %FULLENUM% filled in from its
 // constraint.
 std::string ExpandDescription(CallSpec::ParameterSpec const& parameter);
