@@ -11,14 +11,27 @@ using Toolbase::AutoCli::GlobalOption;
 using Toolbase::AutoCli::Session;
 using Toolbase::AutoCli::Transaction;
 
+namespace {
+
+// Local doors to the library's entries: the plug-in hands out their
+// addresses, so loading it looks up none of the library's names; each is
+// bound when first called.
+char const* SetHostState(char const* path) { return OrvkCtl_SetHostState(path); }
+char const* Begin() { return OrvkCtl_BeginTransaction(); }
+void Savepoint() { OrvkCtl_Savepoint(); }
+void Rollback() { OrvkCtl_RollbackToSavepoint(); }
+char const* Commit() { return OrvkCtl_CommitTransaction(); }
+void Abort() { OrvkCtl_AbortTransaction(); }
+void ReadOnly() { OrvkCtl_ReadOnly(); }
+
+}  // namespace
+
 extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterSession(Session* session) {
   session->AddGlobalOption({"host-state", "path",
                             "Host state file of the simulated host (default: "
                             "$XDG_STATE_HOME/toolbase/host-state.json).",
-                            OrvkCtl_SetHostState, true});
-  session->SetTransaction({OrvkCtl_BeginTransaction, OrvkCtl_Savepoint,
-                           OrvkCtl_RollbackToSavepoint, OrvkCtl_CommitTransaction,
-                           OrvkCtl_AbortTransaction, OrvkCtl_ReadOnly});
+                            SetHostState, true});
+  session->SetTransaction({Begin, Savepoint, Rollback, Commit, Abort, ReadOnly});
   for (auto const& source : {
            CompletionSource{"nic-name", "network nic list", "Name"},
            CompletionSource{"vswitch-name", "network vswitch standard list", "Name"},

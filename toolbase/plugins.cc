@@ -1,6 +1,7 @@
 #include "plugins.h"
 
 #include <dlfcn.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -124,11 +125,14 @@ std::vector<std::string> PluginSearchPath() {
       rest.remove_prefix(std::min(end + 1, rest.size()));
     }
   }
-  std::error_code error;
-  auto exe = std::filesystem::read_symlink("/proc/self/exe", error);
-  if (error) return folders;
-  folders.push_back((exe.parent_path() / "plugins").string());
-  folders.push_back((exe.parent_path() / kInstalledPluginDir).lexically_normal().string());
+  // Plain text, not paths: this runs before every command.
+  char exe[4096];
+  ssize_t const length = readlink("/proc/self/exe", exe, sizeof exe);
+  if (length <= 0 || static_cast<size_t>(length) >= sizeof exe) return folders;
+  std::string folder(exe, static_cast<size_t>(length));
+  folder.resize(folder.rfind('/') + 1);
+  folders.push_back(folder + "plugins");
+  folders.push_back(folder + kInstalledPluginDir);
   return folders;
 }
 
