@@ -159,15 +159,9 @@ int RunBatch(BatchOptions const& options, std::istream& standard_input,
            "plug-ins can\n";
     return kUsageError;
   }
-  for (auto const& transaction : transactions) {
-    if (options.dry_run && transaction.read_only) transaction.read_only();
-  }
-  for (size_t i = 0; i < transactions.size(); ++i) {
-    if (char const* failure = transactions[i].begin()) {
-      for (size_t j = 0; j < i; ++j) transactions[j].abort();
-      err << "Error: " << failure << '\n';
-      return kCommandError;
-    }
+  if (char const* failure = BeginTransactions(transactions, options.dry_run)) {
+    err << "Error: " << failure << '\n';
+    return kCommandError;
   }
   auto each = [&](auto step) {
     for (auto const& hooks : transactions) (hooks.*step)();

@@ -192,15 +192,9 @@ int WithoutWriting(std::function<int()> const& body, std::ostream& err) {
     return Usage("--dry-run needs a plug-in that can hold changes back; none of the loaded "
                  "plug-ins can", "", err);
   }
-  for (auto const& transaction : transactions) {
-    if (transaction.read_only) transaction.read_only();
-  }
-  for (size_t i = 0; i < transactions.size(); ++i) {
-    if (char const* failure = transactions[i].begin()) {
-      for (size_t j = 0; j < i; ++j) transactions[j].abort();
-      err << "Error: " << failure << '\n';
-      return kCommandError;
-    }
+  if (char const* failure = BeginTransactions(transactions, true)) {
+    err << "Error: " << failure << '\n';
+    return kCommandError;
   }
   int status = body();
   for (auto const& transaction : transactions) transaction.abort();

@@ -186,6 +186,20 @@ std::vector<AutoCli::Transaction> PluginTransactions() {
   return found;
 }
 
+char const* BeginTransactions(std::vector<AutoCli::Transaction> const& transactions,
+                              bool read_only) {
+  for (auto const& transaction : transactions) {
+    if (read_only && transaction.read_only) transaction.read_only();
+  }
+  for (size_t i = 0; i < transactions.size(); ++i) {
+    if (char const* failure = transactions[i].begin()) {
+      for (size_t j = 0; j < i; ++j) transactions[j].abort();
+      return failure;
+    }
+  }
+  return nullptr;
+}
+
 AutoCli::CompletionSource const* FindCompletionSource(std::string const& word,
                                                       std::string const& parameter) {
   for (auto const& plugin : Plugins()) {

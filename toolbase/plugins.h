@@ -56,6 +56,12 @@ AutoCli::GlobalOption const* FindPluginOption(std::string const& name);
 // host library hand over the same entries).
 std::vector<AutoCli::Transaction> PluginTransactions();
 
+// Begins each of `transactions`, after switching each to read-only first
+// when `read_only` (a dry run). When one cannot begin, aborts those begun and
+// returns its message; else null.
+char const* BeginTransactions(std::vector<AutoCli::Transaction> const& transactions,
+                              bool read_only);
+
 // The completion source for parameter `parameter` of a command under the
 // top-level word `word`, or null.
 AutoCli::CompletionSource const* FindCompletionSource(std::string const& word,
