@@ -10,6 +10,7 @@
 
 #include "batch.h"
 #include "support/harness.h"
+#include "workflow/temp_dir_test.h"
 
 namespace {
 
@@ -32,15 +33,8 @@ const std::vector<std::string> kBuildLines = {
     "network ip route ipv4 add --network 10.60.0.0/16 --gateway 10.30.0.1",
 };
 
-class BatchTest : public ::testing::Test {
+class BatchTest : public TempDirTest {
  protected:
-  void SetUp() override {
-    char dir_template[] = "/tmp/toolbase-batch-XXXXXX";
-    ASSERT_NE(mkdtemp(dir_template), nullptr);
-    dir_ = dir_template;
-  }
-  void TearDown() override { std::filesystem::remove_all(dir_); }
-
   std::string State(std::string const& name) const { return dir_ + "/" + name + ".json"; }
 
   // A state file seeded with the default host.
@@ -71,7 +65,6 @@ class BatchTest : public ::testing::Test {
     return text.str();
   }
 
-  std::string dir_;
   int batches_ = 0;
 };
 

@@ -7,15 +7,14 @@
 #include <fstream>
 
 #include "support/harness.h"
+#include "workflow/temp_dir_test.h"
 
 namespace {
 
-class CompletionTest : public ::testing::Test {
+class CompletionTest : public TempDirTest {
  protected:
   void SetUp() override {
-    char dir_template[] = "/tmp/toolbase-complete-XXXXXX";
-    ASSERT_NE(mkdtemp(dir_template), nullptr);
-    dir_ = dir_template;
+    TempDirTest::SetUp();
     auto script = TestSupport::RunProcess({"--completion", "bash"});
     ASSERT_EQ(script.status, 0);
     std::ofstream(dir_ + "/toolbase.bash") << script.out;
@@ -24,7 +23,6 @@ class CompletionTest : public ::testing::Test {
                                           "vSwitch7"});
     ASSERT_EQ(other.status, 0) << other.err;
   }
-  void TearDown() override { std::filesystem::remove_all(dir_); }
 
   // Completes the last of `words` (the rest of the line before it) in bash;
   // one COMPREPLY entry a line. `line` is the line as typed (COMP_LINE, with
@@ -58,7 +56,6 @@ class CompletionTest : public ::testing::Test {
     return text;
   }
 
-  std::string dir_;
 };
 
 TEST_F(CompletionTest, OffersWordsParametersAndValues) {

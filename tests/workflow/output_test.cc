@@ -9,18 +9,12 @@
 #include <sstream>
 
 #include "support/harness.h"
+#include "workflow/temp_dir_test.h"
 
 namespace {
 
-class OutputTest : public ::testing::Test {
+class OutputTest : public TempDirTest {
  protected:
-  void SetUp() override {
-    char dir_template[] = "/tmp/toolbase-output-XXXXXX";
-    ASSERT_NE(mkdtemp(dir_template), nullptr);
-    dir_ = dir_template;
-  }
-  void TearDown() override { std::filesystem::remove_all(dir_); }
-
   // Runs `command` (a shell line; $TOOLBASE is the executable) in bash;
   // returns the exit status and fills `text` with what it printed.
   int Shell(std::string const& command, std::string& text) {
@@ -42,7 +36,6 @@ class OutputTest : public ::testing::Test {
     return longest;
   }
 
-  std::string dir_;
 };
 
 // This table's last column is long and marked to wrap.

@@ -10,22 +10,20 @@
 #include <sstream>
 
 #include "support/harness.h"
+#include "workflow/temp_dir_test.h"
 
 namespace {
 
 using TestSupport::RunProcess;
 using TestSupport::RunResult;
 
-class SessionTest : public ::testing::Test {
+class SessionTest : public TempDirTest {
  protected:
   void SetUp() override {
-    char dir_template[] = "/tmp/toolbase-session-XXXXXX";
-    ASSERT_NE(mkdtemp(dir_template), nullptr);
-    dir_ = dir_template;
+    TempDirTest::SetUp();
     book_ = dir_ + "/guests.txt";
     std::ofstream(book_) << "Ann\nBob\n";
   }
-  void TearDown() override { std::filesystem::remove_all(dir_); }
 
   // Runs toolbase with the test plug-in's folder first on the search path.
   RunResult Run(std::vector<std::string> const& args, std::string const& path = TEST_PLUGIN_DIR) {
@@ -47,7 +45,6 @@ class SessionTest : public ::testing::Test {
     return path;
   }
 
-  std::string dir_;
   std::string book_;
 };
 
