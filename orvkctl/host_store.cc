@@ -58,6 +58,8 @@ struct Store {
   Snapshot begin;
   Snapshot savepoint;
   std::string message;
+  // Only read: no lock, no seeded file, no change (OrvkCtl_ReadOnly).
+  bool read_only = false;
 };
 
 Store& TheStore() {
@@ -329,14 +331,16 @@ void Read(Store& store, AreaSet areas) {
 void Open(Store& store, AreaSet areas = 0) {
   if (store.open) return;
   store.path = StatePath();
-  if (store.lock_fd < 0) Lock(store);
-  RemoveStaleTemporaries(store.path);
+  if (store.lock_fd < 0 && !store.read_only) Lock(store);
+  if (!store.read_only) RemoveStaleTemporaries(store.path);
   struct stat info {};
   if (stat(store.path.c_str(), &info) != 0 && errno == ENOENT) {
     HostModel host = DefaultHost();
-    HostDocument document;
-    document.text = HostToJson(host);
-    Save(store, std::move(document));
+    if (!store.read_only) {
+      HostDocument document;
+      document.text = HostToJson(host);
+      Save(store, std::move(document));
+    }
     Replace(store, {std::move(host), kAreaAll});
   } else {
     try {
@@ -396,6 +400,9 @@ HostModel const& ReadHost() { return Loaded(kAreaAll); }
 
 void ChangeHost(AreaSet areas, std::function<void(HostModel&)> const& change) {
   Store& store = TheStore();
+  if (store.read_only && !store.in_transaction) {
+    throw HostCtlException("The host is only read here; nothing was changed");
+  }
   HostModel& host = Loaded(areas);
   if (store.in_transaction) {
     // The host holds the transaction's changes, which the file does not: a
@@ -450,6 +457,7 @@ void ChangeHost(std::function<void(HostModel&)> const& change) { ChangeHost(kAre
 void ResetHostForTest() {
   Store& store = TheStore();
   store.open = false;
+  store.read_only = false;
   Replace(store, {});  // the parses point into the texts
   CloseFile(store);
   store.texts.clear();
@@ -503,6 +511,11 @@ const char* OrvkCtl_CommitTransaction() {
   if (!store.in_transaction) return nullptr;
   store.in_transaction = false;
   if (!store.changed_in_transaction) return nullptr;
+  if (store.read_only) {
+    OrvkCtl::Sim::Replace(store, store.begin);
+    store.message = "The host is only read here; no change was written";
+    return store.message.c_str();
+  }
   try {
     OrvkCtl::Sim::Save(store,
                        OrvkCtl::Sim::Compose(store, store.current.host, store.current.loaded));
@@ -513,6 +526,25 @@ const char* OrvkCtl_CommitTransaction() {
   }
   return nullptr;
 }
+
+const char* OrvkCtl_SetHostState(const char* path) {
+  Store& store = TheStore();
+  std::string const name = path ? path : "";
+  if (name.empty()) {
+    store.message = "Option --host-state needs a file path, got an empty one";
+    return store.message.c_str();
+  }
+  struct stat info {};
+  if (stat(name.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) {
+    store.message = "Option --host-state needs a file path, but " + name + " is a folder";
+    return store.message.c_str();
+  }
+  // StatePath() and the default-path checks read the variable.
+  setenv("TOOLBASE_HOST_STATE", name.c_str(), 1);
+  return nullptr;
+}
+
+void OrvkCtl_ReadOnly() { TheStore().read_only = true; }
 
 void OrvkCtl_AbortTransaction() {
   Store& store = TheStore();
