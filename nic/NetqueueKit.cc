@@ -26,20 +26,6 @@ const LbSetting kLbSettings[11] = {
      "Configure Receive Side Scaling with Large Receive Offload at netqueue load balancer.", true},
 };
 
-std::string MissingPnicMessage(MissingPnicWords words, std::string const& name) {
-  if (words == MissingPnicWords::InvalidName) return "Invalid PNIC name " + name;
-  return "Pnic with name " + name + " not found";
-}
-
-std::unique_ptr<HostCtl::Network::Pnic> FindNamedPnic(HostCtl::Network::NetworkInfo& networkInfo,
-                                                      std::string const& name,
-                                                      Toolbase::CallSpec::Output& output,
-                                                      MissingPnicWords words) {
-  auto pnic = networkInfo.GetPnicByName(name);
-  if (!pnic) output.AddErrorMessage(MissingPnicMessage(words, name));
-  return pnic;
-}
-
 bool WalkNetqueue(HostCtl::Network::NetworkInfo& networkInfo,
                   Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output,
                   bool byName, MissingPnicWords words, NetqueueRows const& rows) {

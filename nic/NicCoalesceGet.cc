@@ -1,10 +1,10 @@
-#include "nic/NicCoalesceGet.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
+#include "nic/PnicLookup.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -34,9 +34,7 @@ const std::string* const kValueFields[] = {&kRxMicroseconds,  &kRxMaximumFrames,
                                            &kSampleInterval};
 }  // namespace
 
-std::shared_ptr<NicCoalesceGet> NicCoalesceGet::New() {
-  return std::shared_ptr<NicCoalesceGet>(new NicCoalesceGet());
-}
+NETWORK_COMMAND_NEW(NicCoalesceGet)
 
 NicCoalesceGet::NicCoalesceGet() {
   SetDescription("Get coalesce parameters");
@@ -47,8 +45,6 @@ NicCoalesceGet::NicCoalesceGet() {
                                                         "," + kAdaptiveTx + "," + kSampleInterval);
 }
 
-NicCoalesceGet::~NicCoalesceGet() = default;
-
 std::shared_ptr<MetaStruct> NicCoalesceGet::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
   result->SetField(kNic, MetaString::New());
@@ -58,18 +54,13 @@ std::shared_ptr<MetaStruct> NicCoalesceGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicCoalesceGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ornic = ParameterSpec::New(kOrnic, ParameterType::String);
-  ornic->SetRequired(false);
-  ornic->SetShortName("n");
-  ornic->SetDescription("The name of pnic to get coalesce parameters");
-  spec->AddParameter(ornic);
+  spec->AddParameter(
+      Optional(kOrnic, ParameterType::String, "n", "The name of pnic to get coalesce parameters"));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicCoalesceGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicCoalesceGet::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -80,11 +71,8 @@ void NicCoalesceGet::ExecuteInternal(std::shared_ptr<Input> const& input,
     HostCtl::Network::PnicList pnics;
     if (input->HasParameter(kOrnic)) {
       std::string const& name = input->GetParameter(kOrnic);
-      auto pnic = networkInfo.GetPnicByName(name);
-      if (!pnic) {
-        output->AddErrorMessage("Pnic with name " + name + " not found");
-        return;
-      }
+      auto pnic = FindNamedPnic(networkInfo, name, *output);
+      if (!pnic) return;
       pnics.push_back(std::move(pnic));
     } else {
       pnics = networkInfo.GetPnics();

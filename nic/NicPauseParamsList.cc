@@ -1,10 +1,10 @@
-#include "nic/NicPauseParamsList.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
+#include "nic/PnicLookup.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -52,9 +52,7 @@ PauseRow RowOf(HostCtl::Network::PnicPauseParams const& params) {
 }
 }  // namespace
 
-std::shared_ptr<NicPauseParamsList> NicPauseParamsList::New() {
-  return std::shared_ptr<NicPauseParamsList>(new NicPauseParamsList());
-}
+NETWORK_COMMAND_NEW(NicPauseParamsList)
 
 NicPauseParamsList::NicPauseParamsList() {
   SetDescription("List pause parameters of all NICs");
@@ -64,8 +62,6 @@ NicPauseParamsList::NicPauseParamsList() {
       "NIC,Pause Params Supported,Pause RX,Pause TX,Auto Negotiation,Auto Negotiation Resolution "
       "Avail,RX Auto Negotiation Resolution,TX Auto Negotiation Resolution");
 }
-
-NicPauseParamsList::~NicPauseParamsList() = default;
 
 std::shared_ptr<MetaStruct> NicPauseParamsList::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -82,18 +78,13 @@ std::shared_ptr<MetaStruct> NicPauseParamsList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicPauseParamsList::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto nicName = ParameterSpec::New(kNicName, ParameterType::String);
-  nicName->SetRequired(false);
-  nicName->SetShortName("n");
-  nicName->SetDescription("The name of the NIC whose pause parameters should be retrieved.");
-  spec->AddParameter(nicName);
+  spec->AddParameter(Optional(kNicName, ParameterType::String, "n",
+                              "The name of the NIC whose pause parameters should be retrieved."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicPauseParamsList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicPauseParamsList::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -104,11 +95,8 @@ void NicPauseParamsList::ExecuteInternal(std::shared_ptr<Input> const& input,
     HostCtl::Network::PnicList pnics;
     if (input->HasParameter(kNicName)) {
       std::string const& name = input->GetParameter(kNicName);
-      auto pnic = networkInfo->GetPnicByName(name);
-      if (!pnic) {
-        output->AddErrorMessage("NIC with name " + name + " not found");
-        return;
-      }
+      auto pnic = FindNamedPnic(*networkInfo, name, *output, MissingPnicWords::NicNotFound);
+      if (!pnic) return;
       pnics.push_back(std::move(pnic));
     } else {
       pnics = networkInfo->GetPnics();

@@ -7,8 +7,12 @@
 #include <limits>
 #include <stdexcept>
 
+#include "frame/CommandKit.h"
+#include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "hostctl/policy.h"
+#include "hostctl/port_group.h"
+#include "hostctl/virtual_switch.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -68,10 +72,7 @@ const std::string kBurstSizeField = "Burst Size";
 
 std::shared_ptr<ParameterSpec> OptionalParameter(std::string const& name, ParameterType type,
                                                  char const* shortName, char const* description) {
-  auto parameter = ParameterSpec::New(name, type);
-  parameter->SetRequired(false);
-  parameter->SetShortName(shortName);
-  parameter->SetDescription(description);
+  auto parameter = Optional(name, type, shortName, description);
   return parameter;
 }
 
@@ -431,6 +432,26 @@ void FillShapingFields(MetaStruct& record, ShapingPolicy const& effective) {
   record.SetField(kAverageBandwidthField, average);
   record.SetField(kPeakBandwidthField, peak);
   record.SetField(kBurstSizeField, burst);
+}
+
+std::unique_ptr<HostCtl::Network::PortGroup> FindPolicyPortGroup(
+    std::string const& name, Toolbase::CallSpec::Output& output) {
+  auto group = HostCtl::Network::NetworkFactory::GetPortGroupByName(name);
+  if (!group) output.AddErrorMessage("Unable to find a port group with the name " + name);
+  return group;
+}
+
+std::unique_ptr<HostCtl::Network::VirtualSwitch> FindPolicyStandardSwitch(
+    OrvkCtl::Network::VirtualSwitchInfoImpl& switchInfo, std::string const& name,
+    Toolbase::CallSpec::Output& output) {
+  std::unique_ptr<HostCtl::Network::VirtualSwitch> vswitch;
+  if (OrvkCtl::Network::PortsetImpl::IsValidVirtualSwitch(name)) {
+    vswitch = switchInfo.GetVirtualSwitchByName(name);
+  }
+  if (!vswitch) {
+    output.AddErrorMessage("Unable to find a legacy virtual switch with the name " + name);
+  }
+  return vswitch;
 }
 
 }  // namespace CorvaneCli::NetworkNamespace
