@@ -1,5 +1,6 @@
 #include <string>
 
+#include "hostctl/lib.h"
 #include "ip/IpCommands.h"
 #include "ip/NetstackOption.h"
 #include "ip/RouteKit.h"

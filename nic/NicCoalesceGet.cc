@@ -67,35 +67,24 @@ void NicCoalesceGet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                      std::shared_ptr<Output> const& output) {
   try {
     OrvkCtl::Network::NetworkInfoImpl networkInfo;
-    auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
-    HostCtl::Network::PnicList pnics;
-    if (input->HasParameter(kOrnic)) {
-      std::string const& name = input->GetParameter(kOrnic);
-      auto pnic = FindNamedPnic(networkInfo, name, *output);
-      if (!pnic) return;
-      pnics.push_back(std::move(pnic));
-    } else {
-      pnics = networkInfo.GetPnics();
-    }
-    for (auto const& pnic : pnics) {
-      auto nic = GetOutputStructure();
-      nic->SetField(kNic, pnic->GetName());
-      try {
-        HostCtl::Network::PnicCoalesceParams params;
-        pnic->GetCoalesceParams(params);
-        nic->SetField(kRxMicroseconds, std::to_string(params.rxMicroseconds));
-        nic->SetField(kRxMaximumFrames, std::to_string(params.rxMaxFrames));
-        nic->SetField(kTxMicroseconds, std::to_string(params.txMicroseconds));
-        nic->SetField(kTxMaximumFrames, std::to_string(params.txMaxFrames));
-        nic->SetField(kAdaptiveRx, params.adaptiveRx ? kOn : kOff);
-        nic->SetField(kAdaptiveTx, params.adaptiveTx ? kOn : kOff);
-        nic->SetField(kSampleInterval, std::to_string(params.sampleInterval));
-      } catch (HostCtl::Lib::HostCtlException const&) {
-        for (auto const* field : kValueFields) nic->SetField(*field, kNotAvailable);
-      }
-      list->Add(nic);
-    }
-    output->SetRootObject(list);
+    auto list = PnicRows(
+        networkInfo, *input, kOrnic, *output, MissingPnicWords::NotFound,
+        [this] { return GetOutputStructure(); },
+        [](HostCtl::Network::Pnic& pnic, MetaStruct& row) {
+          HostCtl::Network::PnicCoalesceParams params;
+          pnic.GetCoalesceParams(params);
+          row.SetField(kRxMicroseconds, std::to_string(params.rxMicroseconds));
+          row.SetField(kRxMaximumFrames, std::to_string(params.rxMaxFrames));
+          row.SetField(kTxMicroseconds, std::to_string(params.txMicroseconds));
+          row.SetField(kTxMaximumFrames, std::to_string(params.txMaxFrames));
+          row.SetField(kAdaptiveRx, params.adaptiveRx ? kOn : kOff);
+          row.SetField(kAdaptiveTx, params.adaptiveTx ? kOn : kOff);
+          row.SetField(kSampleInterval, std::to_string(params.sampleInterval));
+        },
+        [](MetaStruct& row) {
+          for (auto const* field : kValueFields) row.SetField(*field, kNotAvailable);
+        });
+    if (list) output->SetRootObject(list);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

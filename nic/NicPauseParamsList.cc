@@ -50,6 +50,17 @@ PauseRow RowOf(HostCtl::Network::PnicPauseParams const& params) {
   }
   return row;
 }
+
+// Sets the seven fields of a row, in the order they are set.
+void SetPauseFields(MetaStruct& row, PauseRow const& values) {
+  row.SetField(kSupported, values.supported);
+  row.SetField(kPauseRx, values.rx);
+  row.SetField(kPauseTx, values.tx);
+  row.SetField(kAutoNegotiation, values.autoNegotiation);
+  row.SetField(kResolutionAvail, values.resolutionAvail);
+  row.SetField(kRxResolution, values.rxResolution);
+  row.SetField(kTxResolution, values.txResolution);
+}
 }  // namespace
 
 NETWORK_COMMAND_NEW(NicPauseParamsList)
@@ -91,37 +102,16 @@ void NicPauseParamsList::ExecuteInternal(std::shared_ptr<Input> const& input,
                                          std::shared_ptr<Output> const& output) {
   try {
     auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
-    auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
-    HostCtl::Network::PnicList pnics;
-    if (input->HasParameter(kNicName)) {
-      std::string const& name = input->GetParameter(kNicName);
-      auto pnic = FindNamedPnic(*networkInfo, name, *output, MissingPnicWords::NicNotFound);
-      if (!pnic) return;
-      pnics.push_back(std::move(pnic));
-    } else {
-      pnics = networkInfo->GetPnics();
-    }
-    for (auto const& pnic : pnics) {
-      auto nic = GetOutputStructure();
-      nic->SetField(kNic, pnic->GetName());
-      PauseRow row;
-      try {
-        HostCtl::Network::PnicPauseParams params;
-        pnic->GetPauseParams(params);
-        row = RowOf(params);
-      } catch (HostCtl::Lib::HostCtlException const&) {
-        row = PauseRow();
-      }
-      nic->SetField(kSupported, row.supported);
-      nic->SetField(kPauseRx, row.rx);
-      nic->SetField(kPauseTx, row.tx);
-      nic->SetField(kAutoNegotiation, row.autoNegotiation);
-      nic->SetField(kResolutionAvail, row.resolutionAvail);
-      nic->SetField(kRxResolution, row.rxResolution);
-      nic->SetField(kTxResolution, row.txResolution);
-      list->Add(nic);
-    }
-    output->SetRootObject(list);
+    auto list = PnicRows(
+        *networkInfo, *input, kNicName, *output, MissingPnicWords::NicNotFound,
+        [this] { return GetOutputStructure(); },
+        [](HostCtl::Network::Pnic& pnic, MetaStruct& row) {
+          HostCtl::Network::PnicPauseParams params;
+          pnic.GetPauseParams(params);
+          SetPauseFields(row, RowOf(params));
+        },
+        [](MetaStruct& row) { SetPauseFields(row, PauseRow()); });
+    if (list) output->SetRootObject(list);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }
