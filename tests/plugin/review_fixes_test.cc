@@ -92,7 +92,7 @@ TEST_F(ReviewFixesTest, NumbersGoToTheHostNarrowed) {
        {"network", "nic", "coalesce", "low", "get", "-n", "ornic0"},
        "TX delay time=0"},
       {{"network", "nic", "coalesce", "set", "-n", "ornic0", "-r", "-1"},
-       {"RX microseconds 4294967295 of ornic0 is beyond the maximum of 10000"}},
+       {"RX microseconds 4294967295 of ornic0 is beyond the maximum of 8191"}},
       {{"network", "nic", "set", "-n", "ornic0", "-P", "4294967297"},
        {},
        {"network", "nic", "get", "-n", "ornic0"},

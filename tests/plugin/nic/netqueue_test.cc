@@ -172,11 +172,10 @@ TEST_F(NetqueueTest, HostRefusalsChangeNothing) {
   Refused({"network", "nic", "queue", "loadbalancer", "plugin", "set", "-n", "ornic0", "-e", "true",
            "-m", "kmnet", "-p", "rss"},
           {"Netqueue balancer plugin rss of module kmnet not found on ornic0"});
-  // A count beyond 32 bits is refused before the host sees it.
+  // The count goes to the host as 32 bits: 4294967296 is 0.
   Refused(
-      {"network", "nic", "queue", "count", "set", "-n", "ornic0", "-r", "true", "-q", "4294967297"},
-      {"Invalid value 4294967297 for parameter 'num': it must be between 0 and "
-       "4294967295."});
+      {"network", "nic", "queue", "count", "set", "-n", "ornic0", "-r", "true", "-q", "4294967296"},
+      {"RX netqueue count 0 of ornic0 is out of range 1 to 8"});
   InjectFault("PnicImpl::SetNetqueueInfo", "driver refused");
   Refused({"network", "nic", "queue", "loadbalancer", "state", "set", "-n", "ornic0", "-e", "true"},
           {"driver refused"});
