@@ -46,7 +46,7 @@ const CoalesceBand kHighBand{"high",
                              &PnicCoalesceParams::txMaxFramesHigh};
 
 std::vector<std::pair<std::string, std::string>> BandDirectives(CoalesceBand const& band) {
-  std::string const& s = band.structure;
+  std::string const s = band.structure;
   return {{"fields:" + s, kNic + "," + kPacketRate + "," + kRxDelayTime + "," + kRxDelayPackets +
                               "," + kTxDelayTime + "," + kTxDelayPackets},
           {"units:" + s + "." + kPacketRate, "pps"},
@@ -88,28 +88,28 @@ void AddBandParameters(InputSpec& spec, CoalesceBand const& band) {
   spec.AddParameter(Required(kOrnic, ParameterType::String, "n",
                              "Name of the ornic for which parameters should be set."));
   spec.AddParameter(Optional(kPktRate, ParameterType::Int, "p",
-                             "The " + band.word +
+                             std::string("The ") + band.word +
                                  " packet rate measured in number of packets per second. When "
                                  "packet rate is " +
-                                 band.side +
+                                 std::string(band.side) +
                                  " this parameter, the RX/TX coalescing parameters configured by "
                                  "this command are used."));
   spec.AddParameter(Optional(kRxUsecs, ParameterType::Int, "r",
                              "The number of microseconds to delay an RX interrupt after a packet "
                              "arrives under " +
-                                 band.word + conditions));
+                                 std::string(band.word) + conditions));
   spec.AddParameter(Optional(kRxMaxFrames, ParameterType::Int, "R",
                              "The maximum number of RX packets to delay an RX interrupt after "
                              "they arrive under " +
-                                 band.word + conditions));
+                                 std::string(band.word) + conditions));
   spec.AddParameter(Optional(kTxUsecs, ParameterType::Int, "t",
                              "The number of microseconds to delay a TX interrupt after a packet "
                              "is sent under " +
-                                 band.word + conditions));
+                                 std::string(band.word) + conditions));
   spec.AddParameter(Optional(kTxMaxFrames, ParameterType::Int, "T",
                              "The maximum number of TX packets to delay an TX interrupt after "
                              "they are sent under " +
-                                 band.word + conditions));
+                                 std::string(band.word) + conditions));
 }
 
 void WriteBand(Input const& input, Output& output, CoalesceBand const& band) {

@@ -24,9 +24,9 @@ namespace CorvaneCli::NetworkNamespace {
 // One band: its word ("low", "high"), where the rate stands of the band
 // ("below", "above"), the structure of its `get`, and its five fields.
 struct CoalesceBand {
-  std::string word;
-  std::string side;
-  std::string structure;
+  char const* word;
+  char const* side;
+  char const* structure;
   uint32_t HostCtl::Network::PnicCoalesceParams::*packetRate;
   uint32_t HostCtl::Network::PnicCoalesceParams::*rxMicroseconds;
   uint32_t HostCtl::Network::PnicCoalesceParams::*rxMaxFrames;

@@ -17,7 +17,7 @@ NETWORK_COMMAND_NEW(NicCsoGet)
 NicCsoGet::NicCsoGet() {
   SetDescription("Get checksum offload settings");
   SetDefaultOutputFormatter("table");
-  SetDefaultOutputParameter("fields:" + kChecksumOffload.structure,
+  SetDefaultOutputParameter(std::string("fields:") + kChecksumOffload.structure,
                             OffloadFields(kChecksumOffload));
 }
 

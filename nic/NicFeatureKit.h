@@ -69,7 +69,7 @@ std::string HwCapText(uint64_t bits);
 
 // One of the two hwCap lists: its column and the bits of the record it shows.
 struct HwCapColumn {
-  std::string column;
+  char const* column;
   uint64_t HostCtl::Network::PnicHwCapabilities::*bits;
 };
 extern const HwCapColumn kHwCapSupported;

@@ -17,7 +17,8 @@ NETWORK_COMMAND_NEW(NicSgGet)
 NicSgGet::NicSgGet() {
   SetDescription("Get scatter-gather settings");
   SetDefaultOutputFormatter("table");
-  SetDefaultOutputParameter("fields:" + kScatterGather.structure, OffloadFields(kScatterGather));
+  SetDefaultOutputParameter(std::string("fields:") + kScatterGather.structure,
+                            OffloadFields(kScatterGather));
 }
 
 std::shared_ptr<MetaStruct> NicSgGet::GetOutputStructure() {

@@ -17,7 +17,7 @@ NETWORK_COMMAND_NEW(NicTsoGet)
 NicTsoGet::NicTsoGet() {
   SetDescription("Get TCP segmentation offload settings");
   SetDefaultOutputFormatter("table");
-  SetDefaultOutputParameter("fields:" + kSegmentationOffload.structure,
+  SetDefaultOutputParameter(std::string("fields:") + kSegmentationOffload.structure,
                             OffloadFields(kSegmentationOffload));
 }
 

@@ -23,24 +23,27 @@ const OffloadKind kChecksumOffload{
     "CSOSettings",
     {{"RX Checksum Offload", &PnicOffloadParams::rxChecksum},
      {"TX Checksum Offload", &PnicOffloadParams::txChecksum}},
+    2,
     PnicOffloadParams::MASK_RX_CHECKSUM | PnicOffloadParams::MASK_TX_CHECKSUM};
 const OffloadKind kSegmentationOffload{"TSOSettings",
-                                       {{"Value", &PnicOffloadParams::tcpSegmentation}},
+                                       {{"Value", &PnicOffloadParams::tcpSegmentation}, {}},
+                                       1,
                                        PnicOffloadParams::MASK_TCP_SEGMENTATION};
 const OffloadKind kScatterGather{"ScatterGatherSetting",
-                                 {{"Value", &PnicOffloadParams::scatterGather}},
+                                 {{"Value", &PnicOffloadParams::scatterGather}, {}},
+                                 1,
                                  PnicOffloadParams::MASK_SCATTER_GATHER};
 
 std::shared_ptr<MetaStruct> OffloadStructure(OffloadKind const& kind) {
   auto result = MetaStruct::New(kind.structure);
   result->SetField(kNic, MetaString::New());
-  for (auto const& column : kind.columns) result->SetField(column.field, MetaString::New());
+  for (auto const& column : kind) result->SetField(column.field, MetaString::New());
   return result;
 }
 
 std::string OffloadFields(OffloadKind const& kind) {
   std::string fields = kNic;
-  for (auto const& column : kind.columns) fields += "," + column.field;
+  for (auto const& column : kind) fields += std::string(",") + column.field;
   return fields;
 }
 
@@ -53,12 +56,12 @@ std::shared_ptr<MetaList> ListOffload(HostCtl::Network::NetworkInfo& networkInfo
       [&](HostCtl::Network::Pnic& pnic, MetaStruct& row) {
         PnicOffloadParams params;
         pnic.GetOffloadParams(params);
-        for (auto const& column : kind.columns) {
+        for (auto const& column : kind) {
           row.SetField(column.field, params.*column.flag ? kOn : kOff);
         }
       },
       [&](MetaStruct& row) {
-        for (auto const& column : kind.columns) row.SetField(column.field, kNotAvailable);
+        for (auto const& column : kind) row.SetField(column.field, kNotAvailable);
       });
 }
 
@@ -70,7 +73,7 @@ void SetOffload(HostCtl::Network::NetworkInfo& networkInfo, Toolbase::CallSpec::
   pnic->GetOffloadParams(params);
   bool const enable = input.GetParameterInt(kEnable) != 0;
   params.mask = kind.mask;
-  for (auto const& column : kind.columns) params.*column.flag = enable;
+  for (auto const& column : kind) params.*column.flag = enable;
   pnic->SetOffloadParams(params);
   output.SetRootObject(MetaBool::New(true));
 }

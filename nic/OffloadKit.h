@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "hostctl/pnic.h"
 
@@ -26,16 +25,20 @@ namespace CorvaneCli::NetworkNamespace {
 
 // One column of a `get`: its field and the flag of the record it shows.
 struct OffloadColumn {
-  std::string field;
+  char const* field;
   bool HostCtl::Network::PnicOffloadParams::*flag;
 };
 
-// One offload family: the structure of its `get` with its columns behind
-// "NIC", and the mask bits its `set` writes (all its flags, to one value).
+// One offload family: the structure of its `get` with its one or two
+// columns behind "NIC", and the mask bits its `set` writes (all its flags,
+// to one value). Constant data, built with the library image.
 struct OffloadKind {
-  std::string structure;
-  std::vector<OffloadColumn> columns;
+  char const* structure;
+  OffloadColumn columns[2];
+  int columnCount;
   uint8_t mask;
+  OffloadColumn const* begin() const { return columns; }
+  OffloadColumn const* end() const { return columns + columnCount; }
 };
 
 extern const OffloadKind kChecksumOffload;      // cso
