@@ -31,12 +31,9 @@ bool WalkNetqueue(HostCtl::Network::NetworkInfo& networkInfo,
                   bool byName, MissingPnicWords words, NetqueueRows const& rows) {
   bool const named = byName && input.HasParameter(kOrnicParameter);
   HostCtl::Network::PnicList pnics;
-  if (named) {
-    auto pnic = FindNamedPnic(networkInfo, input.GetParameter(kOrnicParameter), output, words);
-    if (!pnic) return false;
-    pnics.push_back(std::move(pnic));
-  } else {
-    pnics = networkInfo.GetPnics();
+  if (!SelectPnics(networkInfo, named ? &input.GetParameter(kOrnicParameter) : nullptr, output,
+                   words, pnics)) {
+    return false;
   }
   for (auto const& pnic : pnics) {
     HostCtl::Network::PnicNetqueueInfo info;

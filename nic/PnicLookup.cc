@@ -34,6 +34,19 @@ std::unique_ptr<HostCtl::Network::Pnic> FindNamedPnic(HostCtl::Network::NetworkI
   return pnic;
 }
 
+bool SelectPnics(HostCtl::Network::NetworkInfo& networkInfo, std::string const* name,
+                 Toolbase::CallSpec::Output& output, MissingPnicWords words,
+                 HostCtl::Network::PnicList& pnics) {
+  if (!name) {
+    pnics = networkInfo.GetPnics();
+    return true;
+  }
+  auto pnic = FindNamedPnic(networkInfo, *name, output, words);
+  if (!pnic) return false;
+  pnics.push_back(std::move(pnic));
+  return true;
+}
+
 std::shared_ptr<Toolbase::MetaObj::MetaList> PnicRows(
     HostCtl::Network::NetworkInfo& networkInfo, Toolbase::CallSpec::Input const& input,
     std::string const& option, Toolbase::CallSpec::Output& output, MissingPnicWords words,
@@ -42,12 +55,10 @@ std::shared_ptr<Toolbase::MetaObj::MetaList> PnicRows(
   using Toolbase::MetaObj::MetaList;
   auto list = MetaList::New(Toolbase::MetaObj::MetaType::Struct, newRow());
   HostCtl::Network::PnicList pnics;
-  if (input.HasParameter(option)) {
-    auto pnic = FindNamedPnic(networkInfo, input.GetParameter(option), output, words);
-    if (!pnic) return nullptr;
-    pnics.push_back(std::move(pnic));
-  } else {
-    pnics = networkInfo.GetPnics();
+  bool const named = input.HasParameter(option);
+  if (!SelectPnics(networkInfo, named ? &input.GetParameter(option) : nullptr, output, words,
+                   pnics)) {
+    return nullptr;
   }
   for (auto const& pnic : pnics) {
     auto row = newRow();

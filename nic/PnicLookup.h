@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace HostCtl::Network {
 class NetworkInfo;
@@ -37,6 +38,13 @@ std::string MissingPnicMessage(MissingPnicWords words, std::string const& name);
 std::unique_ptr<HostCtl::Network::Pnic> FindNamedPnic(
     HostCtl::Network::NetworkInfo& networkInfo, std::string const& name,
     Toolbase::CallSpec::Output& output, MissingPnicWords words = MissingPnicWords::NotFound);
+
+// The uplinks a command runs over: the one `name` names, or all of them when
+// `name` is null. False after adding the message of `words` for a name the
+// host does not have.
+bool SelectPnics(HostCtl::Network::NetworkInfo& networkInfo, std::string const* name,
+                 Toolbase::CallSpec::Output& output, MissingPnicWords words,
+                 std::vector<std::unique_ptr<HostCtl::Network::Pnic>>& pnics);
 
 // The list read pattern of the NIC commands. The work list is the uplink
 // that `option` names, or all uplinks when it is absent; an unknown name adds
