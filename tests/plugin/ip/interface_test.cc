@@ -9,6 +9,7 @@
 #include "host_store.h"
 #include "hostctl/orvk_nic.h"
 #include "support/harness.h"
+#include "support/host_probe.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -75,9 +76,7 @@ class InterfaceTest : public HostTest {
     ASSERT_NE(root, nullptr);
     EXPECT_TRUE(root->GetValue());
   }
-  std::vector<int> Tags(std::string const& name) {
-    return OrvkCtl::Sim::FindInterface(OrvkCtl::Sim::ReadHost().ip, name)->tags;
-  }
+  std::vector<int> Tags(std::string const& name) { return TestSupport::Probe::InterfaceTags(name); }
   void AddNetstack(std::string const& key) {
     ExpectTrue({"network", "ip", "netstack", "add", "--netstack", key});
   }
