@@ -1,7 +1,6 @@
-#include "firewall/FirewallGet.h"
-
 #include <string>
 
+#include "firewall/FirewallCommands.h"
 #include "firewall/firewall_module.h"
 #include "hostctl/system.h"
 #include "toolbase/call_spec.h"
@@ -18,16 +17,12 @@ const std::string kEnabled = "Enabled";
 const std::string kDefaultAction = "DefaultAction";
 }  // namespace
 
-std::shared_ptr<FirewallGet> FirewallGet::New() {
-  return std::shared_ptr<FirewallGet>(new FirewallGet());
-}
+NETWORK_COMMAND_NEW(FirewallGet)
 
 FirewallGet::FirewallGet() {
   SetDescription("Get the firewall status.");
   SetDefaultOutputFormatter("simple");
 }
-
-FirewallGet::~FirewallGet() = default;
 
 std::shared_ptr<MetaStruct> FirewallGet::GetOutputStructure() {
   auto result = MetaStruct::New("Firewall");
@@ -40,9 +35,7 @@ std::shared_ptr<MetaStruct> FirewallGet::GetOutputStructure() {
 std::shared_ptr<InputSpec> FirewallGet::GetInputSpecInternal() { return InputSpec::New(); }
 
 std::shared_ptr<OutputSpec> FirewallGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(GetOutputStructure());
-  return spec;
+  return RootSpec(GetOutputStructure());
 }
 
 void FirewallGet::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,

@@ -1,5 +1,4 @@
-#include "firewall/FirewallLoad.h"
-
+#include "firewall/FirewallCommands.h"
 #include "firewall/firewall_module.h"
 #include "hostctl/system.h"
 #include "toolbase/call_spec.h"
@@ -10,20 +9,14 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-std::shared_ptr<FirewallLoad> FirewallLoad::New() {
-  return std::shared_ptr<FirewallLoad>(new FirewallLoad());
-}
+NETWORK_COMMAND_NEW(FirewallLoad)
 
 FirewallLoad::FirewallLoad() { SetDescription("Load firewall module and rulesets configuration."); }
-
-FirewallLoad::~FirewallLoad() = default;
 
 std::shared_ptr<InputSpec> FirewallLoad::GetInputSpecInternal() { return InputSpec::New(); }
 
 std::shared_ptr<OutputSpec> FirewallLoad::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void FirewallLoad::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,

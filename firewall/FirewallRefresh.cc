@@ -1,5 +1,4 @@
-#include "firewall/FirewallRefresh.h"
-
+#include "firewall/FirewallCommands.h"
 #include "hostctl/system.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -9,20 +8,14 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-std::shared_ptr<FirewallRefresh> FirewallRefresh::New() {
-  return std::shared_ptr<FirewallRefresh>(new FirewallRefresh());
-}
+NETWORK_COMMAND_NEW(FirewallRefresh)
 
 FirewallRefresh::FirewallRefresh() { SetDescription("Load ruleset configuration for firewall."); }
-
-FirewallRefresh::~FirewallRefresh() = default;
 
 std::shared_ptr<InputSpec> FirewallRefresh::GetInputSpecInternal() { return InputSpec::New(); }
 
 std::shared_ptr<OutputSpec> FirewallRefresh::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void FirewallRefresh::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,

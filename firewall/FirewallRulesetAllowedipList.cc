@@ -1,7 +1,6 @@
-#include "firewall/FirewallRulesetAllowedipList.h"
-
 #include <string>
 
+#include "firewall/FirewallCommands.h"
 #include "firewall/RulesetKit.h"
 #include "hostctl/system.h"
 #include "toolbase/call_spec.h"
@@ -17,17 +16,13 @@ const std::string kRuleset = "Ruleset";
 const std::string kAllowedIpAddresses = "Allowed IP Addresses";
 }  // namespace
 
-std::shared_ptr<FirewallRulesetAllowedipList> FirewallRulesetAllowedipList::New() {
-  return std::shared_ptr<FirewallRulesetAllowedipList>(new FirewallRulesetAllowedipList());
-}
+NETWORK_COMMAND_NEW(FirewallRulesetAllowedipList)
 
 FirewallRulesetAllowedipList::FirewallRulesetAllowedipList() {
   SetDescription("list allowed ip addresses for rulesets.");
   SetDefaultOutputFormatter("table");
   SetDefaultOutputParameter("fields:FirewallRulesetAllowedip", "Ruleset,Allowed IP Addresses");
 }
-
-FirewallRulesetAllowedipList::~FirewallRulesetAllowedipList() = default;
 
 std::shared_ptr<MetaStruct> FirewallRulesetAllowedipList::GetOutputStructure() {
   auto result = MetaStruct::New("FirewallRulesetAllowedip");
@@ -43,9 +38,7 @@ std::shared_ptr<InputSpec> FirewallRulesetAllowedipList::GetInputSpecInternal() 
 }
 
 std::shared_ptr<OutputSpec> FirewallRulesetAllowedipList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void FirewallRulesetAllowedipList::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -64,8 +57,10 @@ void FirewallRulesetAllowedipList::ExecuteInternal(std::shared_ptr<Input> const&
         addresses->Add("All");
       } else {
         auto const& allowed = ruleset->GetAllowedIps();
-        for (auto const& address : allowed.ipv4Addresses) addresses->Add(address.GetStringAddress());
-        for (auto const& address : allowed.ipv6Addresses) addresses->Add(address.GetStringAddress());
+        for (auto const& address : allowed.ipv4Addresses)
+          addresses->Add(address.GetStringAddress());
+        for (auto const& address : allowed.ipv6Addresses)
+          addresses->Add(address.GetStringAddress());
         for (auto const& network : allowed.ipv4Networks) addresses->Add(network.GetStringAddress());
         for (auto const& network : allowed.ipv6Networks) addresses->Add(network.GetStringAddress());
       }

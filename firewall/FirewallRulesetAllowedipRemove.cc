@@ -1,5 +1,4 @@
-#include "firewall/FirewallRulesetAllowedipRemove.h"
-
+#include "firewall/FirewallCommands.h"
 #include "firewall/RulesetKit.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -9,15 +8,11 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-std::shared_ptr<FirewallRulesetAllowedipRemove> FirewallRulesetAllowedipRemove::New() {
-  return std::shared_ptr<FirewallRulesetAllowedipRemove>(new FirewallRulesetAllowedipRemove());
-}
+NETWORK_COMMAND_NEW(FirewallRulesetAllowedipRemove)
 
 FirewallRulesetAllowedipRemove::FirewallRulesetAllowedipRemove() {
   SetDescription("Remove allowed ip address/range from the ruleset.");
 }
-
-FirewallRulesetAllowedipRemove::~FirewallRulesetAllowedipRemove() = default;
 
 std::shared_ptr<InputSpec> FirewallRulesetAllowedipRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
@@ -26,13 +21,11 @@ std::shared_ptr<InputSpec> FirewallRulesetAllowedipRemove::GetInputSpecInternal(
 }
 
 std::shared_ptr<OutputSpec> FirewallRulesetAllowedipRemove::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void FirewallRulesetAllowedipRemove::ExecuteInternal(std::shared_ptr<Input> const& input,
-                                                 std::shared_ptr<Output> const& output) {
+                                                     std::shared_ptr<Output> const& output) {
   ChangeAllowedIp(*input, *output, AllowedIpChange::Remove);
 }
 

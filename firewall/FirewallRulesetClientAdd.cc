@@ -1,7 +1,6 @@
-#include "firewall/FirewallRulesetClientAdd.h"
-
 #include <string>
 
+#include "firewall/FirewallCommands.h"
 #include "firewall/RulesetKit.h"
 #include "hostctl/system.h"
 #include "toolbase/call_spec.h"
@@ -12,16 +11,13 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-std::shared_ptr<FirewallRulesetClientAdd> FirewallRulesetClientAdd::New() {
-  return std::make_shared<FirewallRulesetClientAdd>();
-}
+NETWORK_COMMAND_NEW(FirewallRulesetClientAdd)
 
 FirewallRulesetClientAdd::FirewallRulesetClientAdd() {
   SetDescription(
-      "Add a new client to a firewall ruleset. This enables the firewall ruleset and increments the number of clients using the ruleset.");
+      "Add a new client to a firewall ruleset. This enables the firewall ruleset and increments "
+      "the number of clients using the ruleset.");
 }
-
-FirewallRulesetClientAdd::~FirewallRulesetClientAdd() = default;
 
 std::shared_ptr<InputSpec> FirewallRulesetClientAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
@@ -30,13 +26,11 @@ std::shared_ptr<InputSpec> FirewallRulesetClientAdd::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> FirewallRulesetClientAdd::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void FirewallRulesetClientAdd::ExecuteInternal(std::shared_ptr<Input> const& input,
-                                            std::shared_ptr<Output> const& output) {
+                                               std::shared_ptr<Output> const& output) {
   std::string id = input->GetParameter(kRulesetIdOption);
   try {
     auto ruleset = FindClientRuleset(id, *output);

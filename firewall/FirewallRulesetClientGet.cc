@@ -1,7 +1,6 @@
-#include "firewall/FirewallRulesetClientGet.h"
-
 #include <string>
 
+#include "firewall/FirewallCommands.h"
 #include "firewall/RulesetKit.h"
 #include "hostctl/system.h"
 #include "toolbase/call_spec.h"
@@ -16,17 +15,13 @@ namespace {
 const std::string kClientCount = "Ruleset Client Count";
 }  // namespace
 
-std::shared_ptr<FirewallRulesetClientGet> FirewallRulesetClientGet::New() {
-  return std::make_shared<FirewallRulesetClientGet>();
-}
+NETWORK_COMMAND_NEW(FirewallRulesetClientGet)
 
 FirewallRulesetClientGet::FirewallRulesetClientGet() {
   SetDescription("Show the number of clients using a firewall ruleset.");
   SetDefaultOutputFormatter("simple");
   SetDefaultOutputParameter("fields:FirewallRulesetClientGet", "Ruleset Client Count");
 }
-
-FirewallRulesetClientGet::~FirewallRulesetClientGet() = default;
 
 std::shared_ptr<MetaStruct> FirewallRulesetClientGet::GetOutputStructure() {
   auto result = MetaStruct::New("FirewallRulesetClientGet");
@@ -41,9 +36,7 @@ std::shared_ptr<InputSpec> FirewallRulesetClientGet::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> FirewallRulesetClientGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(GetOutputStructure());
-  return spec;
+  return RootSpec(GetOutputStructure());
 }
 
 void FirewallRulesetClientGet::ExecuteInternal(std::shared_ptr<Input> const& input,

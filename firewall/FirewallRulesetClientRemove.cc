@@ -1,7 +1,6 @@
-#include "firewall/FirewallRulesetClientRemove.h"
-
 #include <string>
 
+#include "firewall/FirewallCommands.h"
 #include "firewall/RulesetKit.h"
 #include "hostctl/system.h"
 #include "toolbase/call_spec.h"
@@ -12,16 +11,13 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-std::shared_ptr<FirewallRulesetClientRemove> FirewallRulesetClientRemove::New() {
-  return std::make_shared<FirewallRulesetClientRemove>();
-}
+NETWORK_COMMAND_NEW(FirewallRulesetClientRemove)
 
 FirewallRulesetClientRemove::FirewallRulesetClientRemove() {
   SetDescription(
-      "Remove a client from a firewall ruleset. This decrements the number of clients using the ruleset and if the number reaches zero the ruleset is disabled.");
+      "Remove a client from a firewall ruleset. This decrements the number of clients using the "
+      "ruleset and if the number reaches zero the ruleset is disabled.");
 }
-
-FirewallRulesetClientRemove::~FirewallRulesetClientRemove() = default;
 
 std::shared_ptr<InputSpec> FirewallRulesetClientRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
@@ -30,13 +26,11 @@ std::shared_ptr<InputSpec> FirewallRulesetClientRemove::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> FirewallRulesetClientRemove::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void FirewallRulesetClientRemove::ExecuteInternal(std::shared_ptr<Input> const& input,
-                                               std::shared_ptr<Output> const& output) {
+                                                  std::shared_ptr<Output> const& output) {
   std::string id = input->GetParameter(kRulesetIdOption);
   try {
     auto ruleset = FindClientRuleset(id, *output);

@@ -1,7 +1,6 @@
-#include "firewall/FirewallRulesetList.h"
-
 #include <string>
 
+#include "firewall/FirewallCommands.h"
 #include "firewall/RulesetKit.h"
 #include "hostctl/system.h"
 #include "toolbase/call_spec.h"
@@ -17,17 +16,13 @@ const std::string kName = "Name";
 const std::string kEnabled = "Enabled";
 }  // namespace
 
-std::shared_ptr<FirewallRulesetList> FirewallRulesetList::New() {
-  return std::shared_ptr<FirewallRulesetList>(new FirewallRulesetList());
-}
+NETWORK_COMMAND_NEW(FirewallRulesetList)
 
 FirewallRulesetList::FirewallRulesetList() {
   SetDescription("List the rulesets in firewall.");
   SetDefaultOutputFormatter("table");
   SetDefaultOutputParameter("fields:Ruleset", "Name,Enabled");
 }
-
-FirewallRulesetList::~FirewallRulesetList() = default;
 
 std::shared_ptr<InputSpec> FirewallRulesetList::GetInputSpecInternal() {
   auto spec = InputSpec::New();
@@ -36,9 +31,7 @@ std::shared_ptr<InputSpec> FirewallRulesetList::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> FirewallRulesetList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 std::shared_ptr<MetaStruct> FirewallRulesetList::GetOutputStructure() {

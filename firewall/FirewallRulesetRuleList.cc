@@ -1,7 +1,6 @@
-#include "firewall/FirewallRulesetRuleList.h"
-
 #include <string>
 
+#include "firewall/FirewallCommands.h"
 #include "firewall/RulesetKit.h"
 #include "hostctl/system.h"
 #include "toolbase/call_spec.h"
@@ -21,9 +20,7 @@ const std::string kDirection = "Direction";
 const std::string kProtocol = "Protocol";
 }  // namespace
 
-std::shared_ptr<FirewallRulesetRuleList> FirewallRulesetRuleList::New() {
-  return std::shared_ptr<FirewallRulesetRuleList>(new FirewallRulesetRuleList());
-}
+NETWORK_COMMAND_NEW(FirewallRulesetRuleList)
 
 FirewallRulesetRuleList::FirewallRulesetRuleList() {
   SetDescription("List the rules of each ruleset in firewall.");
@@ -33,8 +30,6 @@ FirewallRulesetRuleList::FirewallRulesetRuleList() {
   SetDefaultOutputParameter("fields:FirewallPortRule",
                             "Ruleset,Direction,Protocol,Port Type,Port Begin,Port End");
 }
-
-FirewallRulesetRuleList::~FirewallRulesetRuleList() = default;
 
 std::shared_ptr<MetaStruct> FirewallRulesetRuleList::GetOutputStructure() {
   auto result = MetaStruct::New("FirewallPortRule");
@@ -54,9 +49,7 @@ std::shared_ptr<InputSpec> FirewallRulesetRuleList::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> FirewallRulesetRuleList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void FirewallRulesetRuleList::ExecuteInternal(std::shared_ptr<Input> const& input,

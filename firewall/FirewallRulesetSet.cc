@@ -1,7 +1,6 @@
-#include "firewall/FirewallRulesetSet.h"
-
 #include <string>
 
+#include "firewall/FirewallCommands.h"
 #include "firewall/RulesetKit.h"
 #include "hostctl/system.h"
 #include "toolbase/call_spec.h"
@@ -17,36 +16,25 @@ const std::string kAllowedAll = "allowed-all";
 const std::string kEnabled = "enabled";
 }  // namespace
 
-std::shared_ptr<FirewallRulesetSet> FirewallRulesetSet::New() {
-  return std::shared_ptr<FirewallRulesetSet>(new FirewallRulesetSet());
-}
+NETWORK_COMMAND_NEW(FirewallRulesetSet)
 
 FirewallRulesetSet::FirewallRulesetSet() {
   SetDescription("Set firewall ruleset status (allowedAll flag and enabled status).");
 }
 
-FirewallRulesetSet::~FirewallRulesetSet() = default;
-
 std::shared_ptr<InputSpec> FirewallRulesetSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(NewRulesetIdParameter(true, kRulesetLabelDescription));
-  auto allowedAll = ParameterSpec::New(kAllowedAll, ParameterType::Bool);
-  allowedAll->SetRequired(false);
-  allowedAll->SetShortName("a");
-  allowedAll->SetDescription("Set to true to allowed all ip, set to false to use allowed ip list.");
-  spec->AddParameter(allowedAll);
-  auto enabled = ParameterSpec::New(kEnabled, ParameterType::Bool);
-  enabled->SetRequired(false);
-  enabled->SetShortName("e");
-  enabled->SetDescription("Set to true to enable ruleset, set to false to disable it.");
-  spec->AddParameter(enabled);
+  spec->AddParameter(
+      Optional(kAllowedAll, ParameterType::Bool, "a",
+               "Set to true to allowed all ip, set to false to use allowed ip list."));
+  spec->AddParameter(Optional(kEnabled, ParameterType::Bool, "e",
+                              "Set to true to enable ruleset, set to false to disable it."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> FirewallRulesetSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void FirewallRulesetSet::ExecuteInternal(std::shared_ptr<Input> const& input,

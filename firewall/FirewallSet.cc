@@ -1,7 +1,6 @@
-#include "firewall/FirewallSet.h"
-
 #include <string>
 
+#include "firewall/FirewallCommands.h"
 #include "firewall/firewall_module.h"
 #include "hostctl/system.h"
 #include "toolbase/call_spec.h"
@@ -17,34 +16,22 @@ const std::string kEnabled = "enabled";
 const std::string kDefaultAction = "default-action";
 }  // namespace
 
-std::shared_ptr<FirewallSet> FirewallSet::New() {
-  return std::shared_ptr<FirewallSet>(new FirewallSet());
-}
+NETWORK_COMMAND_NEW(FirewallSet)
 
 FirewallSet::FirewallSet() { SetDescription("Set firewall enabled status and default action."); }
 
-FirewallSet::~FirewallSet() = default;
-
 std::shared_ptr<InputSpec> FirewallSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto enabled = ParameterSpec::New(kEnabled, Bool);
-  enabled->SetRequired(false);
-  enabled->SetShortName("e");
-  enabled->SetDescription(
-      "Set to true to enable the firewall, set to false to disable the firewall.");
-  spec->AddParameter(enabled);
-  auto defaultAction = ParameterSpec::New(kDefaultAction, Bool);
-  defaultAction->SetRequired(false);
-  defaultAction->SetShortName("d");
-  defaultAction->SetDescription("Set to true to set defaultaction PASS, set to false to DROP.");
-  spec->AddParameter(defaultAction);
+  spec->AddParameter(
+      Optional(kEnabled, Bool, "e",
+               "Set to true to enable the firewall, set to false to disable the firewall."));
+  spec->AddParameter(Optional(kDefaultAction, Bool, "d",
+                              "Set to true to set defaultaction PASS, set to false to DROP."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> FirewallSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void FirewallSet::ExecuteInternal(std::shared_ptr<Input> const& input,

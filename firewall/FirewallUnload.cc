@@ -1,5 +1,4 @@
-#include "firewall/FirewallUnload.h"
-
+#include "firewall/FirewallCommands.h"
 #include "firewall/firewall_module.h"
 #include "hostctl/system.h"
 #include "toolbase/call_spec.h"
@@ -10,20 +9,14 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-std::shared_ptr<FirewallUnload> FirewallUnload::New() {
-  return std::shared_ptr<FirewallUnload>(new FirewallUnload());
-}
+NETWORK_COMMAND_NEW(FirewallUnload)
 
 FirewallUnload::FirewallUnload() { SetDescription("Allow unload firewall module."); }
-
-FirewallUnload::~FirewallUnload() = default;
 
 std::shared_ptr<InputSpec> FirewallUnload::GetInputSpecInternal() { return InputSpec::New(); }
 
 std::shared_ptr<OutputSpec> FirewallUnload::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void FirewallUnload::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,

@@ -1,5 +1,6 @@
 #include "firewall/RulesetKit.h"
 
+#include "frame/CommandKit.h"
 #include "hostctl/host.h"
 #include "hostctl/system.h"
 #include "toolbase/call_spec.h"
@@ -20,11 +21,8 @@ const std::string kIpAddressOption = "ip-address";
 }  // namespace
 
 std::shared_ptr<ParameterSpec> NewRulesetIdParameter(bool required, char const* description) {
-  auto rulesetId = ParameterSpec::New(kRulesetIdOption, ParameterType::String);
-  rulesetId->SetRequired(required);
-  rulesetId->SetShortName("r");
-  rulesetId->SetDescription(description);
-  return rulesetId;
+  return required ? Required(kRulesetIdOption, ParameterType::String, "r", description)
+                  : Optional(kRulesetIdOption, ParameterType::String, "r", description);
 }
 
 bool CollectRulesets(OrvkCtl::System::SystemInfoImpl& systemInfo, Input const& input, bool hasId,
@@ -62,10 +60,8 @@ std::unique_ptr<FirewallRuleset> FindClientRuleset(std::string const& id, Output
 
 void AddAllowedIpParameters(InputSpec& spec) {
   spec.AddParameter(NewRulesetIdParameter(true, kRulesetLabelDescription));
-  auto ipAddress = ParameterSpec::New(kIpAddressOption, ParameterType::String);
-  ipAddress->SetRequired(true);
-  ipAddress->SetShortName("i");
-  ipAddress->SetDescription("Allowed ip address/range for the ruleset.");
+  auto ipAddress = Required(kIpAddressOption, ParameterType::String, "i",
+                            "Allowed ip address/range for the ruleset.");
   spec.AddParameter(ipAddress);
 }
 

@@ -1,5 +1,6 @@
 #include "ip/DnsKit.h"
 
+#include "frame/CommandKit.h"
 #include "hostctl/dns.h"
 #include "hostctl/network_types.h"
 #include "ip/NetstackOption.h"
@@ -28,10 +29,7 @@ std::unique_ptr<IpAddress> MakeServerAddress(std::string const& text, Output& ou
 }
 
 void AddSearchDomainParameters(InputSpec& spec, char const* description) {
-  auto domain = ParameterSpec::New(kDomainOption, ParameterType::String);
-  domain->SetRequired(true);
-  domain->SetShortName("d");
-  domain->SetDescription(description);
+  auto domain = Required(kDomainOption, ParameterType::String, "d", description);
   spec.AddParameter(domain);
   spec.AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
 }

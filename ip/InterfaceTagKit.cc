@@ -1,5 +1,6 @@
 #include "ip/InterfaceTagKit.h"
 
+#include "frame/CommandKit.h"
 #include "hostctl/orvk_nic.h"
 #include "toolbase/call_spec.h"
 
@@ -27,18 +28,12 @@ void ReportBadTagName(Output& output, std::string const& name) {
 }
 
 std::shared_ptr<ParameterSpec> NewTagInterfaceParameter(char const* description) {
-  auto name = ParameterSpec::New(kTagInterfaceName, ParameterType::String);
-  name->SetRequired(true);
-  name->SetShortName("i");
-  name->SetDescription(description);
+  auto name = Required(kTagInterfaceName, ParameterType::String, "i", description);
   return name;
 }
 
 std::shared_ptr<ParameterSpec> NewTagNameParameter() {
-  auto tag = ParameterSpec::New(kTagName, ParameterType::String);
-  tag->SetRequired(true);
-  tag->SetShortName("t");
-  tag->SetDescription("Tag name to assign to the interface");
+  auto tag = Required(kTagName, ParameterType::String, "t", "Tag name to assign to the interface");
   return tag;
 }
 

@@ -1,10 +1,9 @@
-#include "ip/IpConnectionList.h"
-
 #include <string>
 #include <vector>
 
 #include "hostctl/network_info.h"
 #include "hostctl/resource.h"
+#include "ip/IpCommands.h"
 #include "ip/NetstackOption.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -31,9 +30,9 @@ const std::string kCcAlgo = "CC Algo";
 const std::string kWorldName = "World Name";
 
 // The TCP state words by state number; numbers past the table have none.
-char const* const kStateWords[] = {"CLOSED",     "LISTEN",  "SYN_SENT", "RCVD",
+char const* const kStateWords[] = {"CLOSED",      "LISTEN",     "SYN_SENT",   "RCVD",
                                    "ESTABLISHED", "CLOSE_WAIT", "FIN_WAIT_1", "CLOSING",
-                                   "LAST_ACK",   "FIN_WAIT_2", "TIME_WAIT"};
+                                   "LAST_ACK",    "FIN_WAIT_2", "TIME_WAIT"};
 
 std::string StateWord(uint32_t state) {
   return state < std::size(kStateWords) ? kStateWords[state] : "";
@@ -47,9 +46,7 @@ std::string Endpoint(std::string const& address, uint16_t port) {
 }
 }  // namespace
 
-std::shared_ptr<IpConnectionList> IpConnectionList::New() {
-  return std::shared_ptr<IpConnectionList>(new IpConnectionList());
-}
+NETWORK_COMMAND_NEW(IpConnectionList)
 
 IpConnectionList::IpConnectionList() {
   SetDescription("List active TCP/IP connections");
@@ -58,8 +55,6 @@ IpConnectionList::IpConnectionList() {
       "fields:IpConnection",
       "Proto,Recv Q,Send Q,Local Address,Foreign Address,State,World ID,CC Algo,World Name");
 }
-
-IpConnectionList::~IpConnectionList() = default;
 
 std::shared_ptr<MetaStruct> IpConnectionList::GetOutputStructure() {
   auto result = MetaStruct::New("IpConnection");
@@ -78,10 +73,7 @@ std::shared_ptr<MetaStruct> IpConnectionList::GetOutputStructure() {
 std::shared_ptr<InputSpec> IpConnectionList::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
-  auto type = ParameterSpec::New(kType, ParameterType::String);
-  type->SetRequired(false);
-  type->SetShortName("t");
-  type->SetDescription("Connection type : %ENUM%");
+  auto type = Optional(kType, ParameterType::String, "t", "Connection type : %ENUM%");
   auto types = ParameterConstraint::New(ParameterConstraintType::StringEnum);
   types->AddStringEnum("ip");
   types->AddStringEnum("tcp");
@@ -93,9 +85,7 @@ std::shared_ptr<InputSpec> IpConnectionList::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> IpConnectionList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpConnectionList::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -124,8 +114,7 @@ void IpConnectionList::ExecuteInternal(std::shared_ptr<Input> const& input,
         row->SetField(kRecvQ, connection.recvQ);
         row->SetField(kSendQ, connection.sendQ);
         row->SetField(kLocalAddress, Endpoint(connection.localAddress, connection.localPort));
-        row->SetField(kForeignAddress,
-                      Endpoint(connection.foreignAddress, connection.foreignPort));
+        row->SetField(kForeignAddress, Endpoint(connection.foreignAddress, connection.foreignPort));
         row->SetField(kState, StateWord(connection.state));
         row->SetField(kCcAlgo, connection.ccAlgo);
         row->SetField(kWorldId, connection.worldId);

@@ -1,6 +1,5 @@
-#include "ip/IpDNSSearchAdd.h"
-
 #include "ip/DnsKit.h"
+#include "ip/IpCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -9,9 +8,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-std::shared_ptr<IpDNSSearchAdd> IpDNSSearchAdd::New() {
-  return std::shared_ptr<IpDNSSearchAdd>(new IpDNSSearchAdd());
-}
+NETWORK_COMMAND_NEW(IpDNSSearchAdd)
 
 IpDNSSearchAdd::IpDNSSearchAdd() {
   SetDescription(
@@ -19,22 +16,19 @@ IpDNSSearchAdd::IpDNSSearchAdd() {
       "name on the Haldeni host.");
 }
 
-IpDNSSearchAdd::~IpDNSSearchAdd() = default;
-
 std::shared_ptr<InputSpec> IpDNSSearchAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  AddSearchDomainParameters(*spec, "The string name of a domain to add to the list of search domains.");
+  AddSearchDomainParameters(*spec,
+                            "The string name of a domain to add to the list of search domains.");
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpDNSSearchAdd::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpDNSSearchAdd::ExecuteInternal(std::shared_ptr<Input> const& input,
-                                    std::shared_ptr<Output> const& output) {
+                                     std::shared_ptr<Output> const& output) {
   ChangeSearchDomain(*input, *output, SearchDomainChange::Add);
 }
 

@@ -1,10 +1,9 @@
-#include "ip/IpDNSSearchList.h"
-
 #include <string>
 #include <vector>
 
 #include "hostctl/dns.h"
 #include "hostctl/misc.h"
+#include "ip/IpCommands.h"
 #include "ip/NetstackOption.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -18,9 +17,7 @@ namespace {
 const std::string kSearchDomains = "DNS Search Domains";
 }  // namespace
 
-std::shared_ptr<IpDNSSearchList> IpDNSSearchList::New() {
-  return std::shared_ptr<IpDNSSearchList>(new IpDNSSearchList());
-}
+NETWORK_COMMAND_NEW(IpDNSSearchList)
 
 IpDNSSearchList::IpDNSSearchList() {
   SetDescription(
@@ -28,8 +25,6 @@ IpDNSSearchList::IpDNSSearchList() {
       "they will be used when searching.");
   SetDefaultOutputFormatter("simple");
 }
-
-IpDNSSearchList::~IpDNSSearchList() = default;
 
 std::shared_ptr<MetaStruct> IpDNSSearchList::GetOutputStructure() {
   auto result = MetaStruct::New("DNSSearchList");
@@ -44,9 +39,7 @@ std::shared_ptr<InputSpec> IpDNSSearchList::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> IpDNSSearchList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(GetOutputStructure());
-  return spec;
+  return RootSpec(GetOutputStructure());
 }
 
 void IpDNSSearchList::ExecuteInternal(std::shared_ptr<Input> const& input,

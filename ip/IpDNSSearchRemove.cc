@@ -1,6 +1,5 @@
-#include "ip/IpDNSSearchRemove.h"
-
 #include "ip/DnsKit.h"
+#include "ip/IpCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -9,9 +8,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-std::shared_ptr<IpDNSSearchRemove> IpDNSSearchRemove::New() {
-  return std::shared_ptr<IpDNSSearchRemove>(new IpDNSSearchRemove());
-}
+NETWORK_COMMAND_NEW(IpDNSSearchRemove)
 
 IpDNSSearchRemove::IpDNSSearchRemove() {
   SetDescription(
@@ -19,22 +16,19 @@ IpDNSSearchRemove::IpDNSSearchRemove() {
       "host name on the Haldeni host.");
 }
 
-IpDNSSearchRemove::~IpDNSSearchRemove() = default;
-
 std::shared_ptr<InputSpec> IpDNSSearchRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  AddSearchDomainParameters(*spec, "The string name of a domain to remove from the list of search domains.");
+  AddSearchDomainParameters(
+      *spec, "The string name of a domain to remove from the list of search domains.");
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpDNSSearchRemove::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpDNSSearchRemove::ExecuteInternal(std::shared_ptr<Input> const& input,
-                                    std::shared_ptr<Output> const& output) {
+                                        std::shared_ptr<Output> const& output) {
   ChangeSearchDomain(*input, *output, SearchDomainChange::Remove);
 }
 

@@ -1,10 +1,9 @@
-#include "ip/IpDNSServerAdd.h"
-
 #include <string>
 
 #include "hostctl/dns.h"
 #include "hostctl/network_types.h"
 #include "ip/DnsKit.h"
+#include "ip/IpCommands.h"
 #include "ip/NetstackOption.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -14,33 +13,24 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-std::shared_ptr<IpDNSServerAdd> IpDNSServerAdd::New() {
-  return std::shared_ptr<IpDNSServerAdd>(new IpDNSServerAdd());
-}
+NETWORK_COMMAND_NEW(IpDNSServerAdd)
 
 IpDNSServerAdd::IpDNSServerAdd() {
   SetDescription(
       "Add a new DNS server to the end of the list of DNS servers to use for this Haldeni host.");
 }
 
-IpDNSServerAdd::~IpDNSServerAdd() = default;
-
 std::shared_ptr<InputSpec> IpDNSServerAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto server = ParameterSpec::New(kDnsServerOption, ParameterType::String);
-  server->SetRequired(true);
-  server->SetShortName("s");
-  server->SetDescription(
-      "The IP address (v4 or v6) of the DNS server to add to the DNS server list.");
-  spec->AddParameter(server);
+  spec->AddParameter(
+      Required(kDnsServerOption, ParameterType::String, "s",
+               "The IP address (v4 or v6) of the DNS server to add to the DNS server list."));
   spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpDNSServerAdd::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpDNSServerAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

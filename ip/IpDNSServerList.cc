@@ -1,8 +1,7 @@
-#include "ip/IpDNSServerList.h"
-
 #include <string>
 
 #include "hostctl/dns.h"
+#include "ip/IpCommands.h"
 #include "ip/NetstackOption.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -16,9 +15,7 @@ namespace {
 const std::string kDnsServers = "DNS Servers";
 }  // namespace
 
-std::shared_ptr<IpDNSServerList> IpDNSServerList::New() {
-  return std::shared_ptr<IpDNSServerList>(new IpDNSServerList());
-}
+NETWORK_COMMAND_NEW(IpDNSServerList)
 
 IpDNSServerList::IpDNSServerList() {
   SetDescription(
@@ -26,8 +23,6 @@ IpDNSServerList::IpDNSServerList() {
       "they will be used.");
   SetDefaultOutputFormatter("simple");
 }
-
-IpDNSServerList::~IpDNSServerList() = default;
 
 std::shared_ptr<MetaStruct> IpDNSServerList::GetOutputStructure() {
   auto result = MetaStruct::New("NameServerList");
@@ -42,9 +37,7 @@ std::shared_ptr<InputSpec> IpDNSServerList::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> IpDNSServerList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(GetOutputStructure());
-  return spec;
+  return RootSpec(GetOutputStructure());
 }
 
 void IpDNSServerList::ExecuteInternal(std::shared_ptr<Input> const& input,

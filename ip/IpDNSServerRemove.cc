@@ -1,10 +1,9 @@
-#include "ip/IpDNSServerRemove.h"
-
 #include <string>
 
 #include "hostctl/dns.h"
 #include "hostctl/network_types.h"
 #include "ip/DnsKit.h"
+#include "ip/IpCommands.h"
 #include "ip/NetstackOption.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -20,37 +19,22 @@ const std::string kAll = "all";
 const char kUndocumented[] = " ";
 }  // namespace
 
-std::shared_ptr<IpDNSServerRemove> IpDNSServerRemove::New() {
-  return std::shared_ptr<IpDNSServerRemove>(new IpDNSServerRemove());
-}
+NETWORK_COMMAND_NEW(IpDNSServerRemove)
 
 IpDNSServerRemove::IpDNSServerRemove() {
-  SetDescription(
-      "Remove a DNS server from the list of DNS servers to use for this Haldeni host.");
+  SetDescription("Remove a DNS server from the list of DNS servers to use for this Haldeni host.");
 }
-
-IpDNSServerRemove::~IpDNSServerRemove() = default;
 
 std::shared_ptr<InputSpec> IpDNSServerRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto all = ParameterSpec::New(kAll, ParameterType::Flag);
-  all->SetRequired(false);
-  all->SetShortName("a");
-  all->SetDescription(kUndocumented);
-  spec->AddParameter(all);
-  auto server = ParameterSpec::New(kDnsServerOption, ParameterType::String);
-  server->SetRequired(false);
-  server->SetShortName("s");
-  server->SetDescription(kUndocumented);
-  spec->AddParameter(server);
+  spec->AddParameter(Optional(kAll, ParameterType::Flag, "a", kUndocumented));
+  spec->AddParameter(Optional(kDnsServerOption, ParameterType::String, "s", kUndocumented));
   spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpDNSServerRemove::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpDNSServerRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

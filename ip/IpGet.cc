@@ -1,8 +1,7 @@
-#include "ip/IpGet.h"
-
 #include <string>
 
 #include "hostctl/network_info.h"
+#include "ip/IpCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -15,14 +14,12 @@ namespace {
 const std::string kIpv6Enabled = "IPv6 Enabled";
 }  // namespace
 
-std::shared_ptr<IpGet> IpGet::New() { return std::shared_ptr<IpGet>(new IpGet()); }
+NETWORK_COMMAND_NEW(IpGet)
 
 IpGet::IpGet() {
   SetDescription("Get global IP settings");
   SetDefaultOutputFormatter("simple");
 }
-
-IpGet::~IpGet() = default;
 
 std::shared_ptr<MetaStruct> IpGet::GetOutputStructure() {
   auto result = MetaStruct::New("IPInfo");
@@ -33,9 +30,7 @@ std::shared_ptr<MetaStruct> IpGet::GetOutputStructure() {
 std::shared_ptr<InputSpec> IpGet::GetInputSpecInternal() { return InputSpec::New(); }
 
 std::shared_ptr<OutputSpec> IpGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(GetOutputStructure());
-  return spec;
+  return RootSpec(GetOutputStructure());
 }
 
 void IpGet::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,

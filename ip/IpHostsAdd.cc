@@ -1,9 +1,8 @@
-#include "ip/IpHostsAdd.h"
-
 #include <string>
 #include <vector>
 
 #include "hostctl/dns.h"
+#include "ip/IpCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -19,41 +18,23 @@ const std::string kAlias = "alias";
 const std::string kComment = "comment";
 }  // namespace
 
-std::shared_ptr<IpHostsAdd> IpHostsAdd::New() { return std::make_shared<IpHostsAdd>(); }
+NETWORK_COMMAND_NEW(IpHostsAdd)
 
 IpHostsAdd::IpHostsAdd() { SetDescription("Add association of IP addresses with host names."); }
 
-IpHostsAdd::~IpHostsAdd() = default;
-
 std::shared_ptr<InputSpec> IpHostsAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ip = ParameterSpec::New(kIp, ParameterType::String);
-  ip->SetRequired(true);
-  ip->SetShortName("I");
-  ip->SetDescription("The IP address (v4 or v6) of the host.");
-  spec->AddParameter(ip);
-  auto hostname = ParameterSpec::New(kHostname, ParameterType::String);
-  hostname->SetRequired(true);
-  hostname->SetShortName("H");
-  hostname->SetDescription("The name of the host.");
-  spec->AddParameter(hostname);
-  auto alias = ParameterSpec::New(kAlias, ParameterType::StringList);
-  alias->SetRequired(false);
-  alias->SetShortName("A");
-  alias->SetDescription("The list of aliases of the host.");
-  spec->AddParameter(alias);
-  auto comment = ParameterSpec::New(kComment, ParameterType::String);
-  comment->SetRequired(false);
-  comment->SetShortName("C");
-  comment->SetDescription("Comment line of this item");
-  spec->AddParameter(comment);
+  spec->AddParameter(
+      Required(kIp, ParameterType::String, "I", "The IP address (v4 or v6) of the host."));
+  spec->AddParameter(Required(kHostname, ParameterType::String, "H", "The name of the host."));
+  spec->AddParameter(
+      Optional(kAlias, ParameterType::StringList, "A", "The list of aliases of the host."));
+  spec->AddParameter(Optional(kComment, ParameterType::String, "C", "Comment line of this item"));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpHostsAdd::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpHostsAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

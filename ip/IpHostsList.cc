@@ -1,8 +1,7 @@
-#include "ip/IpHostsList.h"
-
 #include <string>
 
 #include "hostctl/dns.h"
+#include "ip/IpCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -18,15 +17,13 @@ const std::string kAliases = "Aliases";
 const std::string kComment = "Comment";
 }  // namespace
 
-std::shared_ptr<IpHostsList> IpHostsList::New() { return std::make_shared<IpHostsList>(); }
+NETWORK_COMMAND_NEW(IpHostsList)
 
 IpHostsList::IpHostsList() {
   SetDescription("List the user specified associations of IP addresses with host names.");
   SetDefaultOutputFormatter("simple");
   SetDefaultOutputParameter("fields:IpHostList", "IP address,HostName,Aliases,Comment");
 }
-
-IpHostsList::~IpHostsList() = default;
 
 std::shared_ptr<MetaStruct> IpHostsList::GetOutputStructure() {
   auto result = MetaStruct::New("IpHostList");
@@ -40,9 +37,7 @@ std::shared_ptr<MetaStruct> IpHostsList::GetOutputStructure() {
 std::shared_ptr<InputSpec> IpHostsList::GetInputSpecInternal() { return InputSpec::New(); }
 
 std::shared_ptr<OutputSpec> IpHostsList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpHostsList::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,

@@ -1,8 +1,7 @@
-#include "ip/IpHostsRemove.h"
-
 #include <string>
 
 #include "hostctl/dns.h"
+#include "ip/IpCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -16,33 +15,22 @@ const std::string kIp = "ip";
 const std::string kHostname = "hostname";
 }  // namespace
 
-std::shared_ptr<IpHostsRemove> IpHostsRemove::New() { return std::make_shared<IpHostsRemove>(); }
+NETWORK_COMMAND_NEW(IpHostsRemove)
 
 IpHostsRemove::IpHostsRemove() {
   SetDescription("Remove association of IP addresses with host names.");
 }
 
-IpHostsRemove::~IpHostsRemove() = default;
-
 std::shared_ptr<InputSpec> IpHostsRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ip = ParameterSpec::New(kIp, ParameterType::String);
-  ip->SetRequired(true);
-  ip->SetShortName("I");
-  ip->SetDescription("The IP address (v4 or v6) of the host.");
-  spec->AddParameter(ip);
-  auto hostname = ParameterSpec::New(kHostname, ParameterType::String);
-  hostname->SetRequired(true);
-  hostname->SetShortName("H");
-  hostname->SetDescription("The name of the host.");
-  spec->AddParameter(hostname);
+  spec->AddParameter(
+      Required(kIp, ParameterType::String, "I", "The IP address (v4 or v6) of the host."));
+  spec->AddParameter(Required(kHostname, ParameterType::String, "H", "The name of the host."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpHostsRemove::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpHostsRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

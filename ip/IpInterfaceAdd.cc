@@ -1,5 +1,3 @@
-#include "ip/IpInterfaceAdd.h"
-
 #include <cstdint>
 #include <string>
 
@@ -8,6 +6,7 @@
 #include "hostctl/network_types.h"
 #include "hostctl/orvk_nic.h"
 #include "hostctl/util.h"
+#include "ip/IpCommands.h"
 #include "ip/IpInterfaceCommon.h"
 #include "ip/NetstackOption.h"
 #include "toolbase/call_spec.h"
@@ -42,63 +41,42 @@ const DedicatedNetstack kDedicatedNetstacks[] = {
 };
 }  // namespace
 
-std::shared_ptr<IpInterfaceAdd> IpInterfaceAdd::New() {
-  return std::shared_ptr<IpInterfaceAdd>(new IpInterfaceAdd());
-}
+NETWORK_COMMAND_NEW(IpInterfaceAdd)
 
 IpInterfaceAdd::IpInterfaceAdd() { SetDescription("Add a new Orvik network interface."); }
-
-IpInterfaceAdd::~IpInterfaceAdd() = default;
 
 std::shared_ptr<InputSpec> IpInterfaceAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
-  auto portgroup = ParameterSpec::New(kPortgroupName, ParameterType::String);
-  portgroup->SetRequired(false);
-  portgroup->SetShortName("p");
-  portgroup->SetDescription(
-      "The name of the vswitch port group to add this Orvik network interface to.");
-  spec->AddParameter(portgroup);
-  auto dvsName = ParameterSpec::New(kDvsName, ParameterType::String);
-  dvsName->SetRequired(false);
-  dvsName->SetShortName("s");
-  dvsName->SetDescription(
+  spec->AddParameter(
+      Optional(kPortgroupName, ParameterType::String, "p",
+               "The name of the vswitch port group to add this Orvik network interface to."));
+  spec->AddParameter(Optional(
+      kDvsName, ParameterType::String, "s",
       "DVSwitch name of the connection point. This requires --dvport-id to be given in the same "
-      "command");
-  spec->AddParameter(dvsName);
-  auto dvportId = ParameterSpec::New(kDvportId, ParameterType::String);
-  dvportId->SetRequired(false);
-  dvportId->SetShortName("P");
-  dvportId->SetDescription(
+      "command"));
+  spec->AddParameter(Optional(
+      kDvportId, ParameterType::String, "P",
       "DVPort ID of the connection point. This requires --dvs-name to be given in the same "
-      "command");
-  spec->AddParameter(dvportId);
-  auto mtu = ParameterSpec::New(kMtu, ParameterType::Int);
-  mtu->SetRequired(false);
-  mtu->SetShortName("m");
-  mtu->SetDescription("Set the MTU setting for a given Orvik network interface on creation");
+      "command"));
+  auto mtu = Optional(kMtu, ParameterType::Int, "m",
+                      "Set the MTU setting for a given Orvik network interface on creation");
   auto mtuRange = ParameterConstraint::New(ParameterConstraintType::IntRange);
   mtuRange->SetIntRange(HostCtl::Network::OrvkNic::MIN_MTU, HostCtl::Network::OrvkNic::MAX_MTU);
   mtu->SetConstraint(mtuRange);
   spec->AddParameter(mtu);
-  auto rxqueue = ParameterSpec::New(kNumRxqueue, ParameterType::Int);
-  rxqueue->SetRequired(false);
-  rxqueue->SetShortName("R");
-  rxqueue->SetDescription(
+  auto rxqueue = Optional(
+      kNumRxqueue, ParameterType::Int, "R",
       "Set the number of RX dispatch queues for a given Orvik network interface on creation");
   auto rxqueueRange = ParameterConstraint::New(ParameterConstraintType::IntRange);
   rxqueueRange->SetIntRange(1, 1000);
   rxqueue->SetConstraint(rxqueueRange);
   spec->AddParameter(rxqueue);
-  auto mac = ParameterSpec::New(kMacAddress, ParameterType::String);
-  mac->SetRequired(false);
-  mac->SetShortName("M");
-  mac->SetDescription("Set the MAC address for the newly created Orvik network interface.");
-  spec->AddParameter(mac);
-  auto name = ParameterSpec::New(kInterfaceName, ParameterType::String);
-  name->SetRequired(false);
-  name->SetShortName("i");
-  name->SetDescription(
+  spec->AddParameter(
+      Optional(kMacAddress, ParameterType::String, "M",
+               "Set the MAC address for the newly created Orvik network interface."));
+  auto name = Optional(
+      kInterfaceName, ParameterType::String, "i",
       "The name of the Orvik network interface to create. This name must be in the form orvkX, "
       "where X is a number 0-255");
   auto nameRegex = ParameterConstraint::New(ParameterConstraintType::StringRegex);
@@ -109,9 +87,7 @@ std::shared_ptr<InputSpec> IpInterfaceAdd::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceAdd::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpInterfaceAdd::MoveTag(HostCtl::Network::OrvkNic& nic, int tag) {

@@ -6,8 +6,11 @@
 
 #include "hostctl/dvswitch.h"
 #include "hostctl/network_info.h"
+#include "hostctl/network_types.h"
+#include "hostctl/orvk_nic.h"
 #include "hostctl/port_group_impl.h"
 #include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -85,6 +88,31 @@ std::unique_ptr<HostCtl::Network::ConnectionPoint> BuildConnectionPoint(
     return nullptr;
   }
   return point;
+}
+
+void ChangeIpv6Address(Toolbase::CallSpec::Output& output, std::string const& name,
+                       std::string const& ipv6, Ipv6AddressChange change) {
+  using HostCtl::Network::Ipv6Network;
+  if (!Ipv6Network::IsValidAddressAndNetmask(ipv6)) {
+    output.AddErrorMessage(
+        "Invalid format for IPv6 address. Address must be in the format "
+        "<ipv6-address>/<prefix-length>   Example: 1:2:3:4::/64");
+    return;
+  }
+  OrvkCtl::Network::OrvikNicInfoImpl nicInfo;
+  auto nic = nicInfo.GetOrvikNicByInterface(name, false);
+  if (!nic) {
+    output.AddErrorMessage("Unable to find a Orvik interface with the name " + name);
+    return;
+  }
+  HostCtl::Network::IpConfig cfg = nic->GetIpConfig();
+  if (change == Ipv6AddressChange::Add) {
+    cfg.AddIpv6Network(Ipv6Network(ipv6));
+  } else {
+    cfg.RemoveIpv6Network(Ipv6Network(ipv6));
+  }
+  nic->SetIpConfig(cfg);
+  output.SetRootObject(Toolbase::MetaObj::MetaBool::New(true));
 }
 
 }  // namespace CorvaneCli::NetworkNamespace

@@ -36,4 +36,14 @@ bool CheckConnectionParameters(Toolbase::CallSpec::Input const& input,
 std::unique_ptr<HostCtl::Network::ConnectionPoint> BuildConnectionPoint(
     Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output);
 
+enum class Ipv6AddressChange { Add, Remove };
+
+// The body of `interface ipv6 address add` and `remove`: checks the text
+// `ipv6` as address and prefix length, finds the interface `name` and adds
+// the network to its IP configuration or removes it; root `true`. A bad text
+// or an unknown interface adds its message and sets no root; the host's
+// refusals pass on as HostCtlException.
+void ChangeIpv6Address(Toolbase::CallSpec::Output& output, std::string const& name,
+                       std::string const& ipv6, Ipv6AddressChange change);
+
 }  // namespace CorvaneCli::NetworkNamespace

@@ -1,10 +1,9 @@
-#include "ip/IpInterfaceIpv4Get.h"
-
 #include <string>
 
 #include "hostctl/network_types.h"
 #include "hostctl/orvk_nic.h"
 #include "hostctl/routing.h"
+#include "ip/IpCommands.h"
 #include "ip/IpInterfaceCommon.h"
 #include "ip/NetstackOption.h"
 #include "toolbase/call_spec.h"
@@ -26,9 +25,7 @@ const std::string kGateway = "Gateway";
 const std::string kDhcpDns = "DHCP DNS";
 }  // namespace
 
-std::shared_ptr<IpInterfaceIpv4Get> IpInterfaceIpv4Get::New() {
-  return std::shared_ptr<IpInterfaceIpv4Get>(new IpInterfaceIpv4Get());
-}
+NETWORK_COMMAND_NEW(IpInterfaceIpv4Get)
 
 IpInterfaceIpv4Get::IpInterfaceIpv4Get() {
   SetDescription("List the IPv4 addresses assigned to Orvik network interfaces.");
@@ -37,8 +34,6 @@ IpInterfaceIpv4Get::IpInterfaceIpv4Get() {
       "fields:IPv4Interface",
       "Name,IPv4 Address,IPv4 Netmask,IPv4 Broadcast,Address Type,Gateway,DHCP DNS");
 }
-
-IpInterfaceIpv4Get::~IpInterfaceIpv4Get() = default;
 
 std::shared_ptr<MetaStruct> IpInterfaceIpv4Get::GetOutputStructure() {
   auto result = MetaStruct::New("IPv4Interface");
@@ -55,19 +50,14 @@ std::shared_ptr<MetaStruct> IpInterfaceIpv4Get::GetOutputStructure() {
 std::shared_ptr<InputSpec> IpInterfaceIpv4Get::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(NewNetstackParameter(NetstackScope::ConsiderAll));
-  auto name = ParameterSpec::New(kInterfaceName, ParameterType::String);
-  name->SetRequired(false);
-  name->SetShortName("i");
-  name->SetDescription(
-      "The name of the Orvik network interface to limit the output of this command to.");
-  spec->AddParameter(name);
+  spec->AddParameter(
+      Optional(kInterfaceName, ParameterType::String, "i",
+               "The name of the Orvik network interface to limit the output of this command to."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceIpv4Get::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpInterfaceIpv4Get::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,9 +1,8 @@
-#include "ip/IpInterfaceIpv4Set.h"
-
 #include <string>
 
 #include "hostctl/network_types.h"
 #include "hostctl/orvk_nic.h"
+#include "ip/IpCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -24,29 +23,19 @@ const std::string kDhcp = "dhcp";
 const std::string kNone = "none";
 }  // namespace
 
-std::shared_ptr<IpInterfaceIpv4Set> IpInterfaceIpv4Set::New() {
-  return std::shared_ptr<IpInterfaceIpv4Set>(new IpInterfaceIpv4Set());
-}
+NETWORK_COMMAND_NEW(IpInterfaceIpv4Set)
 
 IpInterfaceIpv4Set::IpInterfaceIpv4Set() {
   SetDescription("Configure IPv4 setting for a given Orvik network interface.");
 }
 
-IpInterfaceIpv4Set::~IpInterfaceIpv4Set() = default;
-
 std::shared_ptr<InputSpec> IpInterfaceIpv4Set::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kInterfaceName, ParameterType::String);
-  name->SetRequired(true);
-  name->SetShortName("i");
-  name->SetDescription(
+  spec->AddParameter(Required(
+      kInterfaceName, ParameterType::String, "i",
       "The name of the Orvik network interface to set IPv4 settings for. This name must be an "
-      "interface listed in the interface list command.");
-  spec->AddParameter(name);
-  auto type = ParameterSpec::New(kType, ParameterType::String);
-  type->SetRequired(false);
-  type->SetShortName("t");
-  type->SetDescription("IPv4 Address type : %FULLENUM%");
+      "interface listed in the interface list command."));
+  auto type = Optional(kType, ParameterType::String, "t", "IPv4 Address type : %FULLENUM%");
   auto types = ParameterConstraint::New(ParameterConstraintType::StringEnum);
   types->AddStringEnum(kStatic,
                        "Set Static IPv4 information for this interface. Requires --ipv4 and "
@@ -55,37 +44,23 @@ std::shared_ptr<InputSpec> IpInterfaceIpv4Set::GetInputSpecInternal() {
   types->AddStringEnum(kNone, "Remove IPv4 settings form this interface.");
   type->SetConstraint(types);
   spec->AddParameter(type);
-  auto ipv4 = ParameterSpec::New(kIpv4, ParameterType::String);
-  ipv4->SetRequired(false);
-  ipv4->SetShortName("I");
-  ipv4->SetDescription("The static IPv4 address for this interface.");
-  spec->AddParameter(ipv4);
-  auto netmask = ParameterSpec::New(kNetmask, ParameterType::String);
-  netmask->SetRequired(false);
-  netmask->SetShortName("N");
-  netmask->SetDescription("The static IPv4 netmask for this interface.");
-  spec->AddParameter(netmask);
-  auto gateway = ParameterSpec::New(kGateway, ParameterType::String);
-  gateway->SetRequired(false);
-  gateway->SetShortName("g");
-  gateway->SetDescription(
+  spec->AddParameter(
+      Optional(kIpv4, ParameterType::String, "I", "The static IPv4 address for this interface."));
+  spec->AddParameter(Optional(kNetmask, ParameterType::String, "N",
+                              "The static IPv4 netmask for this interface."));
+  spec->AddParameter(Optional(
+      kGateway, ParameterType::String, "g",
       "The default gateway for this interface. The value must be a valid IPv4 address. Gateway "
-      "would be reset if not provided");
-  spec->AddParameter(gateway);
-  auto peerDns = ParameterSpec::New(kPeerDns, ParameterType::Bool);
-  peerDns->SetRequired(false);
-  peerDns->SetShortName("P");
-  peerDns->SetDescription(
+      "would be reset if not provided"));
+  spec->AddParameter(Optional(
+      kPeerDns, ParameterType::Bool, "P",
       "A boolean value to indicate if the system should use the DNS settings published via "
-      "DHCPv4 for this interface.");
-  spec->AddParameter(peerDns);
+      "DHCPv4 for this interface."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceIpv4Set::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpInterfaceIpv4Set::ExecuteInternal(std::shared_ptr<Input> const& input,

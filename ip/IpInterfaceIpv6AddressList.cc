@@ -1,9 +1,8 @@
-#include "ip/IpInterfaceIpv6AddressList.h"
-
 #include <string>
 
 #include "hostctl/network_types.h"
 #include "hostctl/orvk_nic.h"
+#include "ip/IpCommands.h"
 #include "ip/IpInterfaceCommon.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -49,9 +48,7 @@ std::string StatusWord(Ipv6Network::Ipv6AddressStatus status) {
 }
 }  // namespace
 
-std::shared_ptr<IpInterfaceIpv6AddressList> IpInterfaceIpv6AddressList::New() {
-  return std::shared_ptr<IpInterfaceIpv6AddressList>(new IpInterfaceIpv6AddressList());
-}
+NETWORK_COMMAND_NEW(IpInterfaceIpv6AddressList)
 
 IpInterfaceIpv6AddressList::IpInterfaceIpv6AddressList() {
   SetDescription(
@@ -59,8 +56,6 @@ IpInterfaceIpv6AddressList::IpInterfaceIpv6AddressList() {
   SetDefaultOutputFormatter("table");
   SetDefaultOutputParameter("fields:IPv6Interface", "Interface,Address,Netmask,Type,Status");
 }
-
-IpInterfaceIpv6AddressList::~IpInterfaceIpv6AddressList() = default;
 
 std::shared_ptr<MetaStruct> IpInterfaceIpv6AddressList::GetOutputStructure() {
   auto result = MetaStruct::New("IPv6Interface");
@@ -74,19 +69,14 @@ std::shared_ptr<MetaStruct> IpInterfaceIpv6AddressList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> IpInterfaceIpv6AddressList::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kInterfaceName, ParameterType::String);
-  name->SetRequired(false);
-  name->SetShortName("i");
-  name->SetDescription(
-      "The name of the Orvik network interface to limit the output of this command to.");
-  spec->AddParameter(name);
+  spec->AddParameter(
+      Optional(kInterfaceName, ParameterType::String, "i",
+               "The name of the Orvik network interface to limit the output of this command to."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceIpv6AddressList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpInterfaceIpv6AddressList::ExecuteInternal(std::shared_ptr<Input> const& input,

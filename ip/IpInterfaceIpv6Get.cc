@@ -1,9 +1,8 @@
-#include "ip/IpInterfaceIpv6Get.h"
-
 #include <string>
 
 #include "hostctl/network_types.h"
 #include "hostctl/orvk_nic.h"
+#include "ip/IpCommands.h"
 #include "ip/IpInterfaceCommon.h"
 #include "ip/NetstackOption.h"
 #include "toolbase/call_spec.h"
@@ -24,9 +23,7 @@ const std::string kDhcpDns = "DHCP DNS";
 const std::string kGateway = "Gateway";
 }  // namespace
 
-std::shared_ptr<IpInterfaceIpv6Get> IpInterfaceIpv6Get::New() {
-  return std::shared_ptr<IpInterfaceIpv6Get>(new IpInterfaceIpv6Get());
-}
+NETWORK_COMMAND_NEW(IpInterfaceIpv6Get)
 
 IpInterfaceIpv6Get::IpInterfaceIpv6Get() {
   SetDescription(
@@ -36,8 +33,6 @@ IpInterfaceIpv6Get::IpInterfaceIpv6Get() {
   SetDefaultOutputParameter("fields:IPv6Interface",
                             "Name,IPv6 Enabled,DHCPv6 Enabled,Router Adv Enabled,DHCP DNS,Gateway");
 }
-
-IpInterfaceIpv6Get::~IpInterfaceIpv6Get() = default;
 
 std::shared_ptr<MetaStruct> IpInterfaceIpv6Get::GetOutputStructure() {
   auto result = MetaStruct::New("IPv6Interface");
@@ -52,20 +47,15 @@ std::shared_ptr<MetaStruct> IpInterfaceIpv6Get::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> IpInterfaceIpv6Get::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kInterfaceName, ParameterType::String);
-  name->SetRequired(false);
-  name->SetShortName("n");
-  name->SetDescription(
-      "The name of the Orvik network interface to limit the output of this command to.");
-  spec->AddParameter(name);
+  spec->AddParameter(
+      Optional(kInterfaceName, ParameterType::String, "n",
+               "The name of the Orvik network interface to limit the output of this command to."));
   spec->AddParameter(NewNetstackParameter(NetstackScope::ConsiderAll));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceIpv6Get::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpInterfaceIpv6Get::ExecuteInternal(std::shared_ptr<Input> const& input,

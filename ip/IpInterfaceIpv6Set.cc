@@ -1,9 +1,8 @@
-#include "ip/IpInterfaceIpv6Set.h"
-
 #include <string>
 
 #include "hostctl/network_types.h"
 #include "hostctl/orvk_nic.h"
+#include "ip/IpCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -21,66 +20,42 @@ const std::string kPeerDns = "peer-dns";
 const std::string kGateway = "gateway";
 }  // namespace
 
-std::shared_ptr<IpInterfaceIpv6Set> IpInterfaceIpv6Set::New() {
-  return std::shared_ptr<IpInterfaceIpv6Set>(new IpInterfaceIpv6Set());
-}
+NETWORK_COMMAND_NEW(IpInterfaceIpv6Set)
 
 IpInterfaceIpv6Set::IpInterfaceIpv6Set() {
   SetDescription("Configure IPv6 settings for a given Orvik network interface.");
 }
 
-IpInterfaceIpv6Set::~IpInterfaceIpv6Set() = default;
-
 std::shared_ptr<InputSpec> IpInterfaceIpv6Set::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kInterfaceName, ParameterType::String);
-  name->SetRequired(true);
-  name->SetShortName("i");
-  name->SetDescription(
+  spec->AddParameter(Required(
+      kInterfaceName, ParameterType::String, "i",
       "The name of the Orvik network interface to set IPv6 settings for. This name must be an "
-      "interface listed in the interface list command.");
-  spec->AddParameter(name);
-  auto ipv6 = ParameterSpec::New(kEnableIpv6, ParameterType::Bool);
-  ipv6->SetRequired(false);
-  ipv6->SetShortName("e");
-  ipv6->SetDescription(
-      "Setting this value to true enables IPv6 on thisinterface while setting it to false "
-      "disables IPv6 on this interface.");
-  spec->AddParameter(ipv6);
-  auto dhcpv6 = ParameterSpec::New(kEnableDhcpv6, ParameterType::Bool);
-  dhcpv6->SetRequired(false);
-  dhcpv6->SetShortName("d");
-  dhcpv6->SetDescription(
+      "interface listed in the interface list command."));
+  spec->AddParameter(
+      Optional(kEnableIpv6, ParameterType::Bool, "e",
+               "Setting this value to true enables IPv6 on thisinterface while setting it to false "
+               "disables IPv6 on this interface."));
+  spec->AddParameter(Optional(
+      kEnableDhcpv6, ParameterType::Bool, "d",
       "Setting this value to true will enable DHCPv6 on this interface and attempt to aquire an "
-      "IPv6 address from the network ");
-  spec->AddParameter(dhcpv6);
-  auto routerAdv = ParameterSpec::New(kEnableRouterAdv, ParameterType::Bool);
-  routerAdv->SetRequired(false);
-  routerAdv->SetShortName("r");
-  routerAdv->SetDescription(
+      "IPv6 address from the network "));
+  spec->AddParameter(Optional(
+      kEnableRouterAdv, ParameterType::Bool, "r",
       "Setting this value to true will enable IPv6 Router Advertised IPv6 addresses to be added "
-      "to this interface from any routers broadcasting on the local network.");
-  spec->AddParameter(routerAdv);
-  auto peerDns = ParameterSpec::New(kPeerDns, ParameterType::Bool);
-  peerDns->SetRequired(false);
-  peerDns->SetShortName("P");
-  peerDns->SetDescription(
+      "to this interface from any routers broadcasting on the local network."));
+  spec->AddParameter(Optional(
+      kPeerDns, ParameterType::Bool, "P",
       "A boolean value to indicate if the system should use the DNS settings published via "
-      "DHCPv6 for this interface.");
-  spec->AddParameter(peerDns);
-  auto gateway = ParameterSpec::New(kGateway, ParameterType::String);
-  gateway->SetRequired(false);
-  gateway->SetShortName("g");
-  gateway->SetDescription(
-      "A default gateway for this interface. The value must be a valid IPv6 address.");
-  spec->AddParameter(gateway);
+      "DHCPv6 for this interface."));
+  spec->AddParameter(
+      Optional(kGateway, ParameterType::String, "g",
+               "A default gateway for this interface. The value must be a valid IPv6 address."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceIpv6Set::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpInterfaceIpv6Set::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,11 +1,10 @@
-#include "ip/IpInterfaceList.h"
-
 #include <string>
 
 #include "hostctl/dvswitch.h"
 #include "hostctl/network_types.h"
 #include "hostctl/orvk_nic.h"
 #include "hostctl/virtual_switch.h"
+#include "ip/IpCommands.h"
 #include "ip/IpInterfaceCommon.h"
 #include "ip/NetstackOption.h"
 #include "toolbase/call_spec.h"
@@ -38,9 +37,7 @@ const std::string kPortId = "Port ID";
 const std::string kNotAvailable = "N/A";
 }  // namespace
 
-std::shared_ptr<IpInterfaceList> IpInterfaceList::New() {
-  return std::shared_ptr<IpInterfaceList>(new IpInterfaceList());
-}
+NETWORK_COMMAND_NEW(IpInterfaceList)
 
 IpInterfaceList::IpInterfaceList() {
   SetDescription(
@@ -53,8 +50,6 @@ IpInterfaceList::IpInterfaceList() {
       "KDS Connection,Opaque Network ID,Opaque Network Type,External ID,MTU,TSO MSS,"
       "RXDispQueue Size,Port ID");
 }
-
-IpInterfaceList::~IpInterfaceList() = default;
 
 std::shared_ptr<MetaStruct> IpInterfaceList::GetOutputStructure() {
   auto result = MetaStruct::New("NetworkInterface");
@@ -85,9 +80,7 @@ std::shared_ptr<InputSpec> IpInterfaceList::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpInterfaceList::ExecuteInternal(std::shared_ptr<Input> const& input,

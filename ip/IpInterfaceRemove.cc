@@ -1,9 +1,8 @@
-#include "ip/IpInterfaceRemove.h"
-
 #include <string>
 
 #include "hostctl/network_types.h"
 #include "hostctl/orvk_nic.h"
+#include "ip/IpCommands.h"
 #include "ip/IpInterfaceCommon.h"
 #include "ip/NetstackOption.h"
 #include "toolbase/call_spec.h"
@@ -27,9 +26,7 @@ const std::string kNotUnique =
 const std::string kRemoveFailed = "Unable to remove Orvik network interface. Error was : ";
 }  // namespace
 
-std::shared_ptr<IpInterfaceRemove> IpInterfaceRemove::New() {
-  return std::shared_ptr<IpInterfaceRemove>(new IpInterfaceRemove());
-}
+NETWORK_COMMAND_NEW(IpInterfaceRemove)
 
 IpInterfaceRemove::IpInterfaceRemove() {
   SetDescription(
@@ -39,35 +36,22 @@ IpInterfaceRemove::IpInterfaceRemove() {
       "network interface.");
 }
 
-IpInterfaceRemove::~IpInterfaceRemove() = default;
-
 std::shared_ptr<InputSpec> IpInterfaceRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
-  auto portgroup = ParameterSpec::New(kPortgroupName, ParameterType::String);
-  portgroup->SetRequired(false);
-  portgroup->SetShortName("p");
-  portgroup->SetDescription(
-      "The name of the vswitch port group to delete this Orvik network interface from.");
-  spec->AddParameter(portgroup);
-  auto dvsName = ParameterSpec::New(kDvsName, ParameterType::String);
-  dvsName->SetRequired(false);
-  dvsName->SetShortName("s");
-  dvsName->SetDescription(
+  spec->AddParameter(
+      Optional(kPortgroupName, ParameterType::String, "p",
+               "The name of the vswitch port group to delete this Orvik network interface from."));
+  spec->AddParameter(Optional(
+      kDvsName, ParameterType::String, "s",
       "DVSwitch name of the connection point. This requires --dvport-id to be given in the same "
-      "command");
-  spec->AddParameter(dvsName);
-  auto dvportId = ParameterSpec::New(kDvportId, ParameterType::String);
-  dvportId->SetRequired(false);
-  dvportId->SetShortName("P");
-  dvportId->SetDescription(
+      "command"));
+  spec->AddParameter(Optional(
+      kDvportId, ParameterType::String, "P",
       "DVPort ID of the connection point. This requires --dvs-name to be given in the same "
-      "command");
-  spec->AddParameter(dvportId);
-  auto name = ParameterSpec::New(kInterfaceName, ParameterType::String);
-  name->SetRequired(false);
-  name->SetShortName("i");
-  name->SetDescription(
+      "command"));
+  auto name = Optional(
+      kInterfaceName, ParameterType::String, "i",
       "The name of the Orvik network interface to remove. This name must be in the form orvkX, "
       "where X is a number 0-255");
   auto nameRegex = ParameterConstraint::New(ParameterConstraintType::StringRegex);
@@ -78,9 +62,7 @@ std::shared_ptr<InputSpec> IpInterfaceRemove::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceRemove::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpInterfaceRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

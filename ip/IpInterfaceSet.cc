@@ -1,9 +1,7 @@
-#include "ip/IpInterfaceSet.h"
-
 #include <string>
 
-#include "frame/ParamRange.h"
 #include "hostctl/orvk_nic.h"
+#include "ip/IpCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -18,40 +16,24 @@ const std::string kEnabled = "enabled";
 const std::string kMtu = "mtu";
 }  // namespace
 
-std::shared_ptr<IpInterfaceSet> IpInterfaceSet::New() {
-  return std::shared_ptr<IpInterfaceSet>(new IpInterfaceSet());
-}
+NETWORK_COMMAND_NEW(IpInterfaceSet)
 
 IpInterfaceSet::IpInterfaceSet() {
   SetDescription("This command sets the enabled status and MTU size of a given IP interface ");
 }
 
-IpInterfaceSet::~IpInterfaceSet() = default;
-
 std::shared_ptr<InputSpec> IpInterfaceSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kInterfaceName, ParameterType::String);
-  name->SetRequired(true);
-  name->SetShortName("i");
-  name->SetDescription("The name of the interface to apply the configurations.");
-  spec->AddParameter(name);
-  auto enabled = ParameterSpec::New(kEnabled, ParameterType::Bool);
-  enabled->SetRequired(false);
-  enabled->SetShortName("e");
-  enabled->SetDescription("Set to true to enable the interface, set to false to disable it.");
-  spec->AddParameter(enabled);
-  auto mtu = ParameterSpec::New(kMtu, ParameterType::Int);
-  mtu->SetRequired(false);
-  mtu->SetShortName("m");
-  mtu->SetDescription("The MTU size of the IP interface. ");
-  spec->AddParameter(mtu);
+  spec->AddParameter(Required(kInterfaceName, ParameterType::String, "i",
+                              "The name of the interface to apply the configurations."));
+  spec->AddParameter(Optional(kEnabled, ParameterType::Bool, "e",
+                              "Set to true to enable the interface, set to false to disable it."));
+  spec->AddParameter(Optional(kMtu, ParameterType::Int, "m", "The MTU size of the IP interface. "));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpInterfaceSet::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -84,7 +66,6 @@ void IpInterfaceSet::ExecuteInternal(std::shared_ptr<Input> const& input,
         output->AddErrorMessage("MTU size should be a positive value");
         return;
       }
-      if (!CheckParamUint32(*output, kMtu, mtu)) return;
       target->SetMtu(static_cast<uint32_t>(mtu));
     }
     output->SetRootObject(MetaBool::New(true));

@@ -1,5 +1,3 @@
-#include "ip/IpInterfaceTagAdd.h"
-
 #include <string>
 #include <vector>
 
@@ -7,6 +5,7 @@
 #include "hostctl/network_info.h"
 #include "hostctl/orvk_nic.h"
 #include "ip/InterfaceTagKit.h"
+#include "ip/IpCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -31,16 +30,12 @@ const DedicatedStack kDedicatedStacks[] = {
 };
 }  // namespace
 
-std::shared_ptr<IpInterfaceTagAdd> IpInterfaceTagAdd::New() {
-  return std::shared_ptr<IpInterfaceTagAdd>(new IpInterfaceTagAdd());
-}
+NETWORK_COMMAND_NEW(IpInterfaceTagAdd)
 
 IpInterfaceTagAdd::IpInterfaceTagAdd() {
   SetDescription("Adds a tag on a given Orvik network interface. Supported tags are: " +
                  SupportedTagList());
 }
-
-IpInterfaceTagAdd::~IpInterfaceTagAdd() = default;
 
 std::shared_ptr<InputSpec> IpInterfaceTagAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
@@ -52,9 +47,7 @@ std::shared_ptr<InputSpec> IpInterfaceTagAdd::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceTagAdd::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpInterfaceTagAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,9 +1,8 @@
-#include "ip/IpInterfaceTagGet.h"
-
 #include <string>
 #include <vector>
 
 #include "hostctl/orvk_nic.h"
+#include "ip/IpCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -17,9 +16,7 @@ const std::string kInterfaceName = "interface-name";
 const std::string kTags = "Tags";
 }  // namespace
 
-std::shared_ptr<IpInterfaceTagGet> IpInterfaceTagGet::New() {
-  return std::shared_ptr<IpInterfaceTagGet>(new IpInterfaceTagGet());
-}
+NETWORK_COMMAND_NEW(IpInterfaceTagGet)
 
 IpInterfaceTagGet::IpInterfaceTagGet() {
   SetDescription("Gets the tags set on the given Orvik network interface.");
@@ -30,8 +27,6 @@ IpInterfaceTagGet::IpInterfaceTagGet() {
   SetDefaultOutputParameter("header:InterfaceTag", "<NONE>");
 }
 
-IpInterfaceTagGet::~IpInterfaceTagGet() = default;
-
 std::shared_ptr<MetaStruct> IpInterfaceTagGet::GetOutputStructure() {
   auto result = MetaStruct::New("InterfaceTag");
   result->SetField(kTags, MetaList::New(MetaType::String));
@@ -40,18 +35,13 @@ std::shared_ptr<MetaStruct> IpInterfaceTagGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> IpInterfaceTagGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kInterfaceName, ParameterType::String);
-  name->SetRequired(true);
-  name->SetShortName("i");
-  name->SetDescription("Name of orvknic whose tags are to be read");
-  spec->AddParameter(name);
+  spec->AddParameter(Required(kInterfaceName, ParameterType::String, "i",
+                              "Name of orvknic whose tags are to be read"));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceTagGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(GetOutputStructure());
-  return spec;
+  return RootSpec(GetOutputStructure());
 }
 
 void IpInterfaceTagGet::ExecuteInternal(std::shared_ptr<Input> const& input,

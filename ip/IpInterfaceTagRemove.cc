@@ -1,9 +1,8 @@
-#include "ip/IpInterfaceTagRemove.h"
-
 #include <string>
 
 #include "hostctl/orvk_nic.h"
 #include "ip/InterfaceTagKit.h"
+#include "ip/IpCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -12,15 +11,11 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-std::shared_ptr<IpInterfaceTagRemove> IpInterfaceTagRemove::New() {
-  return std::shared_ptr<IpInterfaceTagRemove>(new IpInterfaceTagRemove());
-}
+NETWORK_COMMAND_NEW(IpInterfaceTagRemove)
 
 IpInterfaceTagRemove::IpInterfaceTagRemove() {
   SetDescription("Removes a tag on a given Orvik network interface.");
 }
-
-IpInterfaceTagRemove::~IpInterfaceTagRemove() = default;
 
 std::shared_ptr<InputSpec> IpInterfaceTagRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
@@ -32,9 +27,7 @@ std::shared_ptr<InputSpec> IpInterfaceTagRemove::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceTagRemove::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpInterfaceTagRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,10 +1,9 @@
-#include "ip/IpIpsecSAAdd.h"
-
 #include <cstdint>
 #include <string>
 
 #include "hostctl/ipsec.h"
 #include "hostctl/network_types.h"
+#include "ip/IpCommands.h"
 #include "ip/IpsecKit.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -29,13 +28,9 @@ const std::string kAnyAddress = "::";
 const std::string kNullAlgorithm = "null";
 }  // namespace
 
-std::shared_ptr<IpIpsecSAAdd> IpIpsecSAAdd::New() {
-  return std::shared_ptr<IpIpsecSAAdd>(new IpIpsecSAAdd());
-}
+NETWORK_COMMAND_NEW(IpIpsecSAAdd)
 
 IpIpsecSAAdd::IpIpsecSAAdd() { SetDescription("Add a Security Association."); }
-
-IpIpsecSAAdd::~IpIpsecSAAdd() = default;
 
 std::shared_ptr<InputSpec> IpIpsecSAAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
@@ -73,9 +68,7 @@ std::shared_ptr<InputSpec> IpIpsecSAAdd::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> IpIpsecSAAdd::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpIpsecSAAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

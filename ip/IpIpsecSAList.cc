@@ -1,10 +1,9 @@
-#include "ip/IpIpsecSAList.h"
-
 #include <cstdio>
 #include <list>
 #include <string>
 
 #include "hostctl/ipsec.h"
+#include "ip/IpCommands.h"
 #include "ip/IpsecKit.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -26,9 +25,7 @@ const std::string kIntegrityAlgorithm = "Integrity Algorithm";
 const std::string kLifetime = "Lifetime";
 }  // namespace
 
-std::shared_ptr<IpIpsecSAList> IpIpsecSAList::New() {
-  return std::shared_ptr<IpIpsecSAList>(new IpIpsecSAList());
-}
+NETWORK_COMMAND_NEW(IpIpsecSAList)
 
 IpIpsecSAList::IpIpsecSAList() {
   SetDescription("List configured Security Associations");
@@ -37,8 +34,6 @@ IpIpsecSAList::IpIpsecSAList() {
                             "Name,Source Address,Destination Address,State,SPI,Mode,Encryption "
                             "Algorithm,Integrity Algorithm,Lifetime");
 }
-
-IpIpsecSAList::~IpIpsecSAList() = default;
 
 std::shared_ptr<MetaStruct> IpIpsecSAList::GetOutputStructure() {
   auto result = MetaStruct::New("SecurityAssociation");
@@ -52,9 +47,7 @@ std::shared_ptr<MetaStruct> IpIpsecSAList::GetOutputStructure() {
 std::shared_ptr<InputSpec> IpIpsecSAList::GetInputSpecInternal() { return InputSpec::New(); }
 
 std::shared_ptr<OutputSpec> IpIpsecSAList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpIpsecSAList::ExecuteInternal(std::shared_ptr<Input> const&,

@@ -1,9 +1,8 @@
-#include "ip/IpIpsecSARemove.h"
-
 #include <string>
 
 #include "hostctl/ipsec.h"
 #include "hostctl/network_types.h"
+#include "ip/IpCommands.h"
 #include "ip/IpsecKit.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -22,15 +21,11 @@ const std::string kSaSpi = "sa-spi";
 const std::string kAutoName = "auto";
 }  // namespace
 
-std::shared_ptr<IpIpsecSARemove> IpIpsecSARemove::New() {
-  return std::shared_ptr<IpIpsecSARemove>(new IpIpsecSARemove());
-}
+NETWORK_COMMAND_NEW(IpIpsecSARemove)
 
 IpIpsecSARemove::IpIpsecSARemove() {
   SetDescription("Operation to remove Security Association(s)");
 }
-
-IpIpsecSARemove::~IpIpsecSARemove() = default;
 
 std::shared_ptr<InputSpec> IpIpsecSARemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
@@ -55,9 +50,7 @@ std::shared_ptr<InputSpec> IpIpsecSARemove::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> IpIpsecSARemove::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpIpsecSARemove::ExecuteInternal(std::shared_ptr<Input> const& input,

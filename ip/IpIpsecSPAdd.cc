@@ -1,10 +1,8 @@
-#include "ip/IpIpsecSPAdd.h"
-
 #include <string>
 
-#include "frame/ParamRange.h"
 #include "hostctl/ipsec.h"
 #include "hostctl/network_types.h"
+#include "ip/IpCommands.h"
 #include "ip/IpsecKit.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -38,13 +36,9 @@ HostCtl::Network::Ipv6Network NetworkOf(std::string const& text) {
 }
 }  // namespace
 
-std::shared_ptr<IpIpsecSPAdd> IpIpsecSPAdd::New() {
-  return std::shared_ptr<IpIpsecSPAdd>(new IpIpsecSPAdd());
-}
+NETWORK_COMMAND_NEW(IpIpsecSPAdd)
 
 IpIpsecSPAdd::IpIpsecSPAdd() { SetDescription("Add a Security Policy."); }
-
-IpIpsecSPAdd::~IpIpsecSPAdd() = default;
 
 std::shared_ptr<InputSpec> IpIpsecSPAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
@@ -85,9 +79,7 @@ std::shared_ptr<InputSpec> IpIpsecSPAdd::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> IpIpsecSPAdd::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpIpsecSPAdd::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -120,10 +112,6 @@ void IpIpsecSPAdd::ExecuteInternal(std::shared_ptr<Input> const& input,
       record.saName = saName;
     }
     record.name = input->GetParameter(kSpName);
-    if (!CheckParamUint32(*output, kSourcePort, sourcePort) ||
-        !CheckParamUint32(*output, kDestinationPort, destinationPort)) {
-      return;
-    }
     config.AddSPDConfig(record);
     output->SetRootObject(MetaBool::New(true));
   } catch (HostCtl::Lib::HostCtlException const& e) {

@@ -1,9 +1,8 @@
-#include "ip/IpIpsecSPList.h"
-
 #include <list>
 #include <string>
 
 #include "hostctl/ipsec.h"
+#include "ip/IpCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -27,9 +26,7 @@ const std::string kSaName = "SA Name";
 const std::string kDeletedSa = "UNKNOWN";
 }  // namespace
 
-std::shared_ptr<IpIpsecSPList> IpIpsecSPList::New() {
-  return std::shared_ptr<IpIpsecSPList>(new IpIpsecSPList());
-}
+NETWORK_COMMAND_NEW(IpIpsecSPList)
 
 IpIpsecSPList::IpIpsecSPList() {
   SetDescription("List configured Security Policys");
@@ -38,8 +35,6 @@ IpIpsecSPList::IpIpsecSPList() {
                             "Name,Source Address,Source Port,Destination Address,Destination "
                             "Port,Protocol,Flow,Action,Mode,SA Name");
 }
-
-IpIpsecSPList::~IpIpsecSPList() = default;
 
 std::shared_ptr<MetaStruct> IpIpsecSPList::GetOutputStructure() {
   auto result = MetaStruct::New("SecurityPolicy");
@@ -57,9 +52,7 @@ std::shared_ptr<MetaStruct> IpIpsecSPList::GetOutputStructure() {
 std::shared_ptr<InputSpec> IpIpsecSPList::GetInputSpecInternal() { return InputSpec::New(); }
 
 std::shared_ptr<OutputSpec> IpIpsecSPList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpIpsecSPList::ExecuteInternal(std::shared_ptr<Input> const&,

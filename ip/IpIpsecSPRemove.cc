@@ -1,8 +1,7 @@
-#include "ip/IpIpsecSPRemove.h"
-
 #include <string>
 
 #include "hostctl/ipsec.h"
+#include "ip/IpCommands.h"
 #include "ip/IpsecKit.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -17,13 +16,9 @@ const std::string kSpName = "sp-name";
 const std::string kRemoveAll = "remove-all";
 }  // namespace
 
-std::shared_ptr<IpIpsecSPRemove> IpIpsecSPRemove::New() {
-  return std::shared_ptr<IpIpsecSPRemove>(new IpIpsecSPRemove());
-}
+NETWORK_COMMAND_NEW(IpIpsecSPRemove)
 
 IpIpsecSPRemove::IpIpsecSPRemove() { SetDescription("Operation to remove Security Policy"); }
-
-IpIpsecSPRemove::~IpIpsecSPRemove() = default;
 
 std::shared_ptr<InputSpec> IpIpsecSPRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
@@ -35,9 +30,7 @@ std::shared_ptr<InputSpec> IpIpsecSPRemove::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> IpIpsecSPRemove::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpIpsecSPRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

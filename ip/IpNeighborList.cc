@@ -1,11 +1,10 @@
-#include "ip/IpNeighborList.h"
-
 #include <string>
 #include <vector>
 
 #include "hostctl/network_info.h"
 #include "hostctl/orvk_nic.h"
 #include "hostctl/routing.h"
+#include "ip/IpCommands.h"
 #include "ip/NetstackOption.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -27,18 +26,15 @@ const std::string kState = "State";
 const std::string kType = "Type";
 }  // namespace
 
-std::shared_ptr<IpNeighborList> IpNeighborList::New() {
-  return std::shared_ptr<IpNeighborList>(new IpNeighborList());
-}
+NETWORK_COMMAND_NEW(IpNeighborList)
 
 IpNeighborList::IpNeighborList() {
   SetDescription("List ARP table entries");
   SetDefaultOutputFormatter("table");
-  SetDefaultOutputParameter("fields:NetworkNeighbor", "Neighbor,Mac Address,Orvknic,Expiry,State,Type");
+  SetDefaultOutputParameter("fields:NetworkNeighbor",
+                            "Neighbor,Mac Address,Orvknic,Expiry,State,Type");
   SetDefaultOutputParameter("units:NetworkNeighbor.Expiry", "sec");
 }
-
-IpNeighborList::~IpNeighborList() = default;
 
 std::shared_ptr<MetaStruct> IpNeighborList::GetOutputStructure() {
   auto result = MetaStruct::New("NetworkNeighbor");
@@ -53,10 +49,7 @@ std::shared_ptr<MetaStruct> IpNeighborList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> IpNeighborList::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto version = ParameterSpec::New(kVersion, ParameterType::String);
-  version->SetRequired(false);
-  version->SetShortName("v");
-  version->SetDescription("IP version : %ENUM%");
+  auto version = Optional(kVersion, ParameterType::String, "v", "IP version : %ENUM%");
   auto versions = ParameterConstraint::New(ParameterConstraintType::StringEnum);
   versions->AddStringEnum("4");
   versions->AddStringEnum("6");
@@ -64,20 +57,15 @@ std::shared_ptr<InputSpec> IpNeighborList::GetInputSpecInternal() {
   version->SetConstraint(versions);
   spec->AddParameter(version);
   spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
-  auto interfaceName = ParameterSpec::New(kInterfaceName, ParameterType::String);
-  interfaceName->SetRequired(false);
-  interfaceName->SetShortName("i");
-  interfaceName->SetDescription(
-      "The name of the Orvik network interface to limit the output of this command to; if "
-      "unspecified, list neighbors on all interfaces.");
-  spec->AddParameter(interfaceName);
+  spec->AddParameter(
+      Optional(kInterfaceName, ParameterType::String, "i",
+               "The name of the Orvik network interface to limit the output of this command to; if "
+               "unspecified, list neighbors on all interfaces."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpNeighborList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 // Deliberately without a handler: what the host throws here leaves the

@@ -1,10 +1,9 @@
-#include "ip/IpNeighborRemove.h"
-
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/orvk_nic.h"
 #include "hostctl/routing.h"
+#include "ip/IpCommands.h"
 #include "ip/NetstackOption.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -20,45 +19,30 @@ const std::string kInterfaceName = "interface-name";
 const std::string kNeighborAddr = "neighbor-addr";
 }  // namespace
 
-std::shared_ptr<IpNeighborRemove> IpNeighborRemove::New() {
-  return std::shared_ptr<IpNeighborRemove>(new IpNeighborRemove());
-}
+NETWORK_COMMAND_NEW(IpNeighborRemove)
 
 IpNeighborRemove::IpNeighborRemove() { SetDescription("Remove ARP table entries"); }
 
-IpNeighborRemove::~IpNeighborRemove() = default;
-
 std::shared_ptr<InputSpec> IpNeighborRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto version = ParameterSpec::New(kVersion, ParameterType::String);
-  version->SetRequired(true);
-  version->SetShortName("v");
-  version->SetDescription("IP version : %ENUM%");
+  auto version = Required(kVersion, ParameterType::String, "v", "IP version : %ENUM%");
   auto versions = ParameterConstraint::New(ParameterConstraintType::StringEnum);
   versions->AddStringEnum("4");
   versions->AddStringEnum("6");
   version->SetConstraint(versions);
   spec->AddParameter(version);
   spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
-  auto interfaceName = ParameterSpec::New(kInterfaceName, ParameterType::String);
-  interfaceName->SetRequired(false);
-  interfaceName->SetShortName("i");
-  interfaceName->SetDescription(
-      "The name of the Orvik network interface to remove the neighbor entry from. If not "
-      "specified, neighbor will be removed from all interfaces");
-  spec->AddParameter(interfaceName);
-  auto neighborAddr = ParameterSpec::New(kNeighborAddr, ParameterType::String);
-  neighborAddr->SetRequired(true);
-  neighborAddr->SetShortName("a");
-  neighborAddr->SetDescription("The IPv4/IPv6 address of the neighbor.");
-  spec->AddParameter(neighborAddr);
+  spec->AddParameter(
+      Optional(kInterfaceName, ParameterType::String, "i",
+               "The name of the Orvik network interface to remove the neighbor entry from. If not "
+               "specified, neighbor will be removed from all interfaces"));
+  spec->AddParameter(Required(kNeighborAddr, ParameterType::String, "a",
+                              "The IPv4/IPv6 address of the neighbor."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpNeighborRemove::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpNeighborRemove::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -76,8 +60,7 @@ void IpNeighborRemove::ExecuteInternal(std::shared_ptr<Input> const& input,
     } else {
       auto orvkNic = orvikNicInfo.GetOrvikNicByInterface(interfaceName, false);
       if (!orvkNic) {
-        output->AddErrorMessage("Unable to find a Orvik interface with the name " +
-                                interfaceName);
+        output->AddErrorMessage("Unable to find a Orvik interface with the name " + interfaceName);
         return;
       }
       // The interface's own instance; --netstack is not consulted then.

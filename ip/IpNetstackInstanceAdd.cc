@@ -1,9 +1,8 @@
-#include "ip/IpNetstackInstanceAdd.h"
-
 #include <string>
 
 #include "hostctl/netstack.h"
 #include "hostctl/network_info.h"
+#include "ip/IpCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -23,35 +22,22 @@ constexpr uint32_t kNewFlags = 2;
 const std::string kNewEcnStatus = "enabled";
 }  // namespace
 
-std::shared_ptr<IpNetstackInstanceAdd> IpNetstackInstanceAdd::New() {
-  return std::shared_ptr<IpNetstackInstanceAdd>(new IpNetstackInstanceAdd());
-}
+NETWORK_COMMAND_NEW(IpNetstackInstanceAdd)
 
 IpNetstackInstanceAdd::IpNetstackInstanceAdd() { SetDescription("Add a new Netstack Instance."); }
 
-IpNetstackInstanceAdd::~IpNetstackInstanceAdd() = default;
-
 std::shared_ptr<InputSpec> IpNetstackInstanceAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto netstack = ParameterSpec::New(kNetstack, ParameterType::String);
-  netstack->SetRequired(true);
-  netstack->SetShortName("N");
-  netstack->SetDescription("The network stack instance");
-  spec->AddParameter(netstack);
-  auto disabled = ParameterSpec::New(kDisabled, ParameterType::Flag);
-  disabled->SetRequired(false);
-  disabled->SetShortName("d");
-  disabled->SetDescription(
+  spec->AddParameter(Required(kNetstack, ParameterType::String, "N", "The network stack instance"));
+  spec->AddParameter(Optional(
+      kDisabled, ParameterType::Flag, "d",
       "Create the netstack instance only in config i.e. in disabled state. Does not create in "
-      "kernel.");
-  spec->AddParameter(disabled);
+      "kernel."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpNetstackInstanceAdd::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpNetstackInstanceAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,9 +1,8 @@
-#include "ip/IpNetstackInstanceGet.h"
-
 #include <string>
 
 #include "hostctl/netstack.h"
 #include "hostctl/network_info.h"
+#include "ip/IpCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -28,9 +27,7 @@ const std::string kState = "State";
 constexpr uint32_t kStateUp = 0x1234;
 }  // namespace
 
-std::shared_ptr<IpNetstackInstanceGet> IpNetstackInstanceGet::New() {
-  return std::shared_ptr<IpNetstackInstanceGet>(new IpNetstackInstanceGet());
-}
+NETWORK_COMMAND_NEW(IpNetstackInstanceGet)
 
 IpNetstackInstanceGet::IpNetstackInstanceGet() {
   SetDescription("Get runtime/configuration settings for a given Netstack Instance.");
@@ -40,8 +37,6 @@ IpNetstackInstanceGet::IpNetstackInstanceGet() {
                             "Key,Name,Enabled,Max Connections,Current Max Connections,Congestion "
                             "Control Algorithm,IPv6 Enabled,Current IPv6 Enabled,ECN Status,State");
 }
-
-IpNetstackInstanceGet::~IpNetstackInstanceGet() = default;
 
 std::shared_ptr<MetaStruct> IpNetstackInstanceGet::GetOutputStructure() {
   auto result = MetaStruct::New("NetstackInstance");
@@ -60,18 +55,12 @@ std::shared_ptr<MetaStruct> IpNetstackInstanceGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> IpNetstackInstanceGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto netstack = ParameterSpec::New(kNetstack, ParameterType::String);
-  netstack->SetRequired(true);
-  netstack->SetShortName("N");
-  netstack->SetDescription("The network stack instance");
-  spec->AddParameter(netstack);
+  spec->AddParameter(Required(kNetstack, ParameterType::String, "N", "The network stack instance"));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpNetstackInstanceGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpNetstackInstanceGet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,9 +1,8 @@
-#include "ip/IpNetstackInstanceList.h"
-
 #include <string>
 
 #include "hostctl/netstack.h"
 #include "hostctl/network_info.h"
+#include "ip/IpCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -18,9 +17,7 @@ const std::string kName = "Name";
 const std::string kState = "State";
 }  // namespace
 
-std::shared_ptr<IpNetstackInstanceList> IpNetstackInstanceList::New() {
-  return std::shared_ptr<IpNetstackInstanceList>(new IpNetstackInstanceList());
-}
+NETWORK_COMMAND_NEW(IpNetstackInstanceList)
 
 IpNetstackInstanceList::IpNetstackInstanceList() {
   SetDescription(
@@ -29,8 +26,6 @@ IpNetstackInstanceList::IpNetstackInstanceList() {
   SetDefaultOutputParameter("header:NetstackInstance", "%Key%");
   SetDefaultOutputParameter("fields:NetstackInstance", "Key,Name,State");
 }
-
-IpNetstackInstanceList::~IpNetstackInstanceList() = default;
 
 std::shared_ptr<MetaStruct> IpNetstackInstanceList::GetOutputStructure() {
   auto result = MetaStruct::New("NetstackInstance");
@@ -45,9 +40,7 @@ std::shared_ptr<InputSpec> IpNetstackInstanceList::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> IpNetstackInstanceList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpNetstackInstanceList::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,

@@ -1,8 +1,7 @@
-#include "ip/IpNetstackInstanceRemove.h"
-
 #include <string>
 
 #include "hostctl/network_info.h"
+#include "ip/IpCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -15,30 +14,20 @@ namespace {
 const std::string kNetstack = "netstack";
 }  // namespace
 
-std::shared_ptr<IpNetstackInstanceRemove> IpNetstackInstanceRemove::New() {
-  return std::shared_ptr<IpNetstackInstanceRemove>(new IpNetstackInstanceRemove());
-}
+NETWORK_COMMAND_NEW(IpNetstackInstanceRemove)
 
 IpNetstackInstanceRemove::IpNetstackInstanceRemove() {
   SetDescription("Remove a new Netstack Instance.");
 }
 
-IpNetstackInstanceRemove::~IpNetstackInstanceRemove() = default;
-
 std::shared_ptr<InputSpec> IpNetstackInstanceRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto netstack = ParameterSpec::New(kNetstack, ParameterType::String);
-  netstack->SetRequired(true);
-  netstack->SetShortName("N");
-  netstack->SetDescription("The network stack instance");
-  spec->AddParameter(netstack);
+  spec->AddParameter(Required(kNetstack, ParameterType::String, "N", "The network stack instance"));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpNetstackInstanceRemove::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpNetstackInstanceRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

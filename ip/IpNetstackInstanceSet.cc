@@ -1,10 +1,8 @@
-#include "ip/IpNetstackInstanceSet.h"
-
 #include <string>
 
-#include "frame/ParamRange.h"
 #include "hostctl/netstack.h"
 #include "hostctl/network_info.h"
+#include "ip/IpCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -23,50 +21,32 @@ const std::string kIpv6enabled = "ipv6enabled";
 const std::string kEcn = "ecn";
 }  // namespace
 
-std::shared_ptr<IpNetstackInstanceSet> IpNetstackInstanceSet::New() {
-  return std::shared_ptr<IpNetstackInstanceSet>(new IpNetstackInstanceSet());
-}
+NETWORK_COMMAND_NEW(IpNetstackInstanceSet)
 
 IpNetstackInstanceSet::IpNetstackInstanceSet() {
   SetDescription("Configure settings for a given Netstack Instance.");
 }
 
-IpNetstackInstanceSet::~IpNetstackInstanceSet() = default;
-
 std::shared_ptr<InputSpec> IpNetstackInstanceSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto netstack = ParameterSpec::New(kNetstack, ParameterType::String);
-  netstack->SetRequired(true);
-  netstack->SetShortName("N");
-  netstack->SetDescription(
+  spec->AddParameter(Required(
+      kNetstack, ParameterType::String, "N",
       "The network stack instance. This name must be an interface listed in the netstack list "
-      "command.");
-  spec->AddParameter(netstack);
+      "command."));
 
-  auto enable = ParameterSpec::New(kEnable, ParameterType::Bool);
-  enable->SetRequired(false);
-  enable->SetShortName("e");
-  enable->SetDescription("Enable the netstack instance (create in kernel)");
-  spec->AddParameter(enable);
+  spec->AddParameter(Optional(kEnable, ParameterType::Bool, "e",
+                              "Enable the netstack instance (create in kernel)"));
 
-  auto name = ParameterSpec::New(kName, ParameterType::String);
-  name->SetRequired(false);
-  name->SetShortName("n");
-  name->SetDescription("The name for this netstack instance.");
-  spec->AddParameter(name);
+  spec->AddParameter(
+      Optional(kName, ParameterType::String, "n", "The name for this netstack instance."));
 
-  auto maxconn = ParameterSpec::New(kMaxconn, ParameterType::Int);
-  maxconn->SetRequired(false);
-  maxconn->SetShortName("m");
-  maxconn->SetDescription(
-      "The maximum number of connections for this netstack instance (applied only during "
-      "netstack creation).");
-  spec->AddParameter(maxconn);
+  spec->AddParameter(
+      Optional(kMaxconn, ParameterType::Int, "m",
+               "The maximum number of connections for this netstack instance (applied only during "
+               "netstack creation)."));
 
-  auto ccalgo = ParameterSpec::New(kCcalgo, ParameterType::String);
-  ccalgo->SetRequired(false);
-  ccalgo->SetShortName("c");
-  ccalgo->SetDescription(
+  auto ccalgo = Optional(
+      kCcalgo, ParameterType::String, "c",
       "The TCP Congestion Contol Algorithm for this netstack instance (not applied to existing "
       "connections).: %FULLENUM%");
   auto algorithms = ParameterConstraint::New(ParameterConstraintType::StringEnum);
@@ -77,16 +57,12 @@ std::shared_ptr<InputSpec> IpNetstackInstanceSet::GetInputSpecInternal() {
   ccalgo->SetConstraint(algorithms);
   spec->AddParameter(ccalgo);
 
-  auto ipv6enabled = ParameterSpec::New(kIpv6enabled, ParameterType::Bool);
-  ipv6enabled->SetRequired(false);
-  ipv6enabled->SetShortName("i");
-  ipv6enabled->SetDescription(
-      "To enable IPv6 for this netstack instance (aplied only during netstack creation).");
-  spec->AddParameter(ipv6enabled);
+  spec->AddParameter(Optional(
+      kIpv6enabled, ParameterType::Bool, "i",
+      "To enable IPv6 for this netstack instance (aplied only during netstack creation)."));
 
-  auto ecn = ParameterSpec::New(kEcn, ParameterType::String);
-  ecn->SetRequired(false);
-  ecn->SetDescription("The status of ECN (Explicit Congestion Notification). %FULLENUM%");
+  auto ecn = Optional(kEcn, ParameterType::String, nullptr,
+                      "The status of ECN (Explicit Congestion Notification). %FULLENUM%");
   auto ecnWords = ParameterConstraint::New(ParameterConstraintType::StringEnum);
   ecnWords->AddStringEnum("disabled", "Completely disable ECN functionality");
   ecnWords->AddStringEnum("enabled", "Fully enable ECN functionality");
@@ -97,9 +73,7 @@ std::shared_ptr<InputSpec> IpNetstackInstanceSet::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> IpNetstackInstanceSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpNetstackInstanceSet::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -110,10 +84,6 @@ void IpNetstackInstanceSet::ExecuteInternal(std::shared_ptr<Input> const& input,
     auto instance = networkInfo.LookupNetstackInstanceByKey(key);
     if (!instance) {
       output->AddErrorMessage("Unable to find a Netstack instance " + key);
-      return;
-    }
-    if (input->HasParameter(kMaxconn) &&
-        !CheckParamUint32(*output, kMaxconn, input->GetParameterInt(kMaxconn))) {
       return;
     }
     if (input->HasParameter(kName) && !input->GetParameter(kName).empty()) {

@@ -1,9 +1,9 @@
-#include "ip/IpRouteIpv4Add.h"
-
 #include <string>
 
-#include "hostctl/routing.h"
+#include "hostctl/lib.h"
+#include "ip/IpCommands.h"
 #include "ip/NetstackOption.h"
+#include "ip/RouteKit.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -12,58 +12,31 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kNetwork = "network";
-const std::string kGateway = "gateway";
-}  // namespace
-
-std::shared_ptr<IpRouteIpv4Add> IpRouteIpv4Add::New() {
-  return std::shared_ptr<IpRouteIpv4Add>(new IpRouteIpv4Add());
-}
+NETWORK_COMMAND_NEW(IpRouteIpv4Add)
 
 IpRouteIpv4Add::IpRouteIpv4Add() { SetDescription("Add IPv4 route to the Orvik."); }
 
-IpRouteIpv4Add::~IpRouteIpv4Add() = default;
-
 std::shared_ptr<InputSpec> IpRouteIpv4Add::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto network = ParameterSpec::New(kNetwork, ParameterType::String);
-  network->SetRequired(true);
-  network->SetShortName("n");
-  network->SetDescription(
+  spec->AddParameter(Required(
+      kRouteNetwork, ParameterType::String, "n",
       "The Ipv4 address and prefix length of the network to add the route to. Specify 'default' "
-      "to indicate the default network.");
-  spec->AddParameter(network);
-  auto gateway = ParameterSpec::New(kGateway, ParameterType::String);
-  gateway->SetRequired(true);
-  gateway->SetShortName("g");
-  gateway->SetDescription("The Ipv4 address of the gateway through which a route to be added.");
-  spec->AddParameter(gateway);
+      "to indicate the default network."));
+  spec->AddParameter(
+      Required(kRouteGateway, ParameterType::String, "g",
+               "The Ipv4 address of the gateway through which a route to be added."));
   spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpRouteIpv4Add::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpRouteIpv4Add::ExecuteInternal(std::shared_ptr<Input> const& input,
                                      std::shared_ptr<Output> const& output) {
   try {
-    OrvkCtl::Network::RoutingInfoImpl routingInfo(kDefaultNetstackKey);
-    if (IsNetstackGiven(*input)) {
-      routingInfo.SetNetstackInstanceKey(NetstackOrDefault(*input));
-    }
-    HostCtl::Network::Ipv4Address gateway(input->GetParameter(kGateway));
-    std::string const& network = input->GetParameter(kNetwork);
-    if (network == "default") {
-      routingInfo.AddOrvikRoute(OrvkCtl::Network::RoutingInfoImpl::DEFAULT_IPV4_ROUTE, gateway);
-    } else {
-      routingInfo.AddOrvikRoute(HostCtl::Network::Ipv4Network(network), gateway);
-    }
-    output->SetRootObject(MetaBool::New(true));
+    AddRoute(*input, *output, RouteFamily::Ipv4);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

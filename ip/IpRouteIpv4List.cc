@@ -1,8 +1,7 @@
-#include "ip/IpRouteIpv4List.h"
-
 #include <string>
 
 #include "hostctl/routing.h"
+#include "ip/IpCommands.h"
 #include "ip/NetstackOption.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -20,17 +19,13 @@ const std::string kInterface = "Interface";
 const std::string kSource = "Source";
 }  // namespace
 
-std::shared_ptr<IpRouteIpv4List> IpRouteIpv4List::New() {
-  return std::shared_ptr<IpRouteIpv4List>(new IpRouteIpv4List());
-}
+NETWORK_COMMAND_NEW(IpRouteIpv4List)
 
 IpRouteIpv4List::IpRouteIpv4List() {
   SetDescription("List configured IPv4 routes");
   SetDefaultOutputFormatter("table");
   SetDefaultOutputParameter("fields:Ipv4Route", "Network,Netmask,Gateway,Interface,Source");
 }
-
-IpRouteIpv4List::~IpRouteIpv4List() = default;
 
 std::shared_ptr<MetaStruct> IpRouteIpv4List::GetOutputStructure() {
   auto result = MetaStruct::New("Ipv4Route");
@@ -49,9 +44,7 @@ std::shared_ptr<InputSpec> IpRouteIpv4List::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> IpRouteIpv4List::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpRouteIpv4List::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,8 +1,7 @@
-#include "ip/IpRouteIpv6List.h"
-
 #include <string>
 
 #include "hostctl/routing.h"
+#include "ip/IpCommands.h"
 #include "ip/NetstackOption.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -19,17 +18,13 @@ const std::string kGateway = "Gateway";
 const std::string kInterface = "Interface";
 }  // namespace
 
-std::shared_ptr<IpRouteIpv6List> IpRouteIpv6List::New() {
-  return std::shared_ptr<IpRouteIpv6List>(new IpRouteIpv6List());
-}
+NETWORK_COMMAND_NEW(IpRouteIpv6List)
 
 IpRouteIpv6List::IpRouteIpv6List() {
   SetDescription("List configured IPv6 routes");
   SetDefaultOutputFormatter("table");
   SetDefaultOutputParameter("fields:Ipv6Route", "Network,Netmask,Gateway,Interface");
 }
-
-IpRouteIpv6List::~IpRouteIpv6List() = default;
 
 std::shared_ptr<MetaStruct> IpRouteIpv6List::GetOutputStructure() {
   auto result = MetaStruct::New("Ipv6Route");
@@ -47,9 +42,7 @@ std::shared_ptr<InputSpec> IpRouteIpv6List::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> IpRouteIpv6List::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpRouteIpv6List::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,9 +1,9 @@
-#include "ip/IpRouteIpv6Remove.h"
-
 #include <string>
 
-#include "hostctl/routing.h"
+#include "hostctl/lib.h"
+#include "ip/IpCommands.h"
 #include "ip/NetstackOption.h"
+#include "ip/RouteKit.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -12,66 +12,31 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kNetwork = "network";
-const std::string kGateway = "gateway";
-}  // namespace
-
-std::shared_ptr<IpRouteIpv6Remove> IpRouteIpv6Remove::New() {
-  return std::shared_ptr<IpRouteIpv6Remove>(new IpRouteIpv6Remove());
-}
+NETWORK_COMMAND_NEW(IpRouteIpv6Remove)
 
 IpRouteIpv6Remove::IpRouteIpv6Remove() { SetDescription("Remove IPv6 route from the Orvik"); }
 
-IpRouteIpv6Remove::~IpRouteIpv6Remove() = default;
-
 std::shared_ptr<InputSpec> IpRouteIpv6Remove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto network = ParameterSpec::New(kNetwork, ParameterType::String);
-  network->SetRequired(true);
-  network->SetShortName("n");
-  network->SetDescription(
+  spec->AddParameter(Required(
+      kRouteNetwork, ParameterType::String, "n",
       "The Ipv6 address and prefix length of the network to remove the route from. Specify "
-      "'default' to indicate the default network.");
-  spec->AddParameter(network);
-  auto gateway = ParameterSpec::New(kGateway, ParameterType::String);
-  gateway->SetRequired(true);
-  gateway->SetShortName("g");
-  gateway->SetDescription("The Ipv6 address of the gateway through which a route to be removed");
-  spec->AddParameter(gateway);
+      "'default' to indicate the default network."));
+  spec->AddParameter(
+      Required(kRouteGateway, ParameterType::String, "g",
+               "The Ipv6 address of the gateway through which a route to be removed"));
   spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> IpRouteIpv6Remove::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void IpRouteIpv6Remove::ExecuteInternal(std::shared_ptr<Input> const& input,
                                         std::shared_ptr<Output> const& output) {
-  using OrvkCtl::Network::RoutingInfoImpl;
   try {
-    RoutingInfoImpl routingInfo(kDefaultNetstackKey);
-    // Both addresses are read before the instance is chosen.
-    HostCtl::Network::Ipv6Address gateway(input->GetParameter(kGateway));
-    std::string const& text = input->GetParameter(kNetwork);
-    HostCtl::Network::Ipv6Network network = text == "default" ? RoutingInfoImpl::DEFAULT_IPV6_ROUTE
-                                                              : HostCtl::Network::Ipv6Network(text);
-    if (IsNetstackGiven(*input)) {
-      routingInfo.SetNetstackInstanceKey(NetstackOrDefault(*input));
-    }
-    if (!(network == RoutingInfoImpl::DEFAULT_IPV6_ROUTE)) {
-      routingInfo.RemoveIpv6OrvikRoute(network, gateway);
-    } else if (gateway == routingInfo.GetIpv6OrvikDefaultGateway() ||
-               gateway == routingInfo.GetIpv6OrvikConfigDefaultGateway()) {
-      // The default route goes with the default gateway.
-      routingInfo.SetIpv6OrvikDefaultGateway(HostCtl::Network::Ipv6Address());
-    } else {
-      output->AddErrorMessage(gateway.GetStringAddress() + " is not a default route.");
-    }
-    output->SetRootObject(MetaBool::New(true));
+    RemoveRoute(*input, *output, RouteFamily::Ipv6);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

@@ -1,8 +1,7 @@
-#include "ip/IpSet.h"
-
 #include <string>
 
 #include "hostctl/network_info.h"
+#include "ip/IpCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -15,27 +14,18 @@ namespace {
 const std::string kIpv6Enabled = "ipv6-enabled";
 }  // namespace
 
-std::shared_ptr<IpSet> IpSet::New() { return std::shared_ptr<IpSet>(new IpSet()); }
+NETWORK_COMMAND_NEW(IpSet)
 
 IpSet::IpSet() { SetDescription("Update global IP settings"); }
 
-IpSet::~IpSet() = default;
-
 std::shared_ptr<InputSpec> IpSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ipv6 = ParameterSpec::New(kIpv6Enabled, ParameterType::Bool);
-  ipv6->SetRequired(false);
-  ipv6->SetShortName("e");
-  ipv6->SetDescription("Enable or disable IPv6 (Reboot Required)");
-  spec->AddParameter(ipv6);
+  spec->AddParameter(
+      Optional(kIpv6Enabled, ParameterType::Bool, "e", "Enable or disable IPv6 (Reboot Required)"));
   return spec;
 }
 
-std::shared_ptr<OutputSpec> IpSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
-}
+std::shared_ptr<OutputSpec> IpSet::GetOutputSpecInternal() { return RootSpec(MetaBool::New()); }
 
 void IpSet::ExecuteInternal(std::shared_ptr<Input> const& input,
                             std::shared_ptr<Output> const& output) {

@@ -2,6 +2,8 @@
 
 #include <sstream>
 
+#include "frame/CommandKit.h"
+
 namespace CorvaneCli::NetworkNamespace {
 
 bool ParseSpi(std::string const& text, bool strict, uint32_t& spi) {
@@ -17,10 +19,8 @@ std::shared_ptr<Toolbase::CallSpec::ParameterSpec> NewIpsecParameter(
     std::string const& name, char const* shortName, Toolbase::CallSpec::ParameterType type,
     bool required, char const* description, std::initializer_list<char const*> words) {
   using namespace Toolbase::CallSpec;
-  auto parameter = ParameterSpec::New(name, type);
-  parameter->SetRequired(required);
-  parameter->SetShortName(shortName);
-  parameter->SetDescription(description);
+  auto parameter = required ? Required(name, type, shortName, description)
+                            : Optional(name, type, shortName, description);
   if (words.size() != 0) {
     auto constraint = ParameterConstraint::New(ParameterConstraintType::StringEnum);
     for (char const* word : words) constraint->AddStringEnum(word);

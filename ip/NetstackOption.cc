@@ -1,5 +1,6 @@
 #include "ip/NetstackOption.h"
 
+#include "frame/CommandKit.h"
 #include "toolbase/call_spec.h"
 
 namespace CorvaneCli::NetworkNamespace {
@@ -17,11 +18,9 @@ const std::string kConsiderAllDescription =
 }  // namespace
 
 std::shared_ptr<ParameterSpec> NewNetstackParameter(NetstackScope scope) {
-  auto netstack = ParameterSpec::New(kNetstackOption, ParameterType::String);
-  netstack->SetRequired(false);
-  netstack->SetShortName("N");
-  netstack->SetDescription(scope == NetstackScope::UseDefault ? kUseDefaultDescription
-                                                              : kConsiderAllDescription);
+  auto netstack = Optional(
+      kNetstackOption, ParameterType::String, "N",
+      scope == NetstackScope::UseDefault ? kUseDefaultDescription : kConsiderAllDescription);
   return netstack;
 }
 

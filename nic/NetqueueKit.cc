@@ -26,31 +26,14 @@ const LbSetting kLbSettings[11] = {
      "Configure Receive Side Scaling with Large Receive Offload at netqueue load balancer.", true},
 };
 
-std::string MissingPnicMessage(MissingPnicWords words, std::string const& name) {
-  if (words == MissingPnicWords::InvalidName) return "Invalid PNIC name " + name;
-  return "Pnic with name " + name + " not found";
-}
-
-std::unique_ptr<HostCtl::Network::Pnic> FindNamedPnic(HostCtl::Network::NetworkInfo& networkInfo,
-                                                      std::string const& name,
-                                                      Toolbase::CallSpec::Output& output,
-                                                      MissingPnicWords words) {
-  auto pnic = networkInfo.GetPnicByName(name);
-  if (!pnic) output.AddErrorMessage(MissingPnicMessage(words, name));
-  return pnic;
-}
-
 bool WalkNetqueue(HostCtl::Network::NetworkInfo& networkInfo,
                   Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output,
                   bool byName, MissingPnicWords words, NetqueueRows const& rows) {
   bool const named = byName && input.HasParameter(kOrnicParameter);
   HostCtl::Network::PnicList pnics;
-  if (named) {
-    auto pnic = FindNamedPnic(networkInfo, input.GetParameter(kOrnicParameter), output, words);
-    if (!pnic) return false;
-    pnics.push_back(std::move(pnic));
-  } else {
-    pnics = networkInfo.GetPnics();
+  if (!SelectPnics(networkInfo, named ? &input.GetParameter(kOrnicParameter) : nullptr, output,
+                   words, pnics)) {
+    return false;
   }
   for (auto const& pnic : pnics) {
     HostCtl::Network::PnicNetqueueInfo info;

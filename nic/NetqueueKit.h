@@ -8,6 +8,8 @@
 #include <memory>
 #include <string>
 
+#include "nic/PnicLookup.h"
+
 namespace HostCtl::Network {
 class NetworkInfo;
 class Pnic;
@@ -33,21 +35,6 @@ struct LbSetting {
 // The eleven settings, in the order of the record, the columns and the
 // parameters; setting i is bit 1 << i of the settings mask.
 extern const LbSetting kLbSettings[11];
-
-// The two wordings for an uplink that the host does not have.
-enum class MissingPnicWords {
-  InvalidName,  // "Invalid PNIC name <name>"
-  NotFound,     // "Pnic with name <name> not found"
-};
-
-// The message for the missing uplink `name`.
-std::string MissingPnicMessage(MissingPnicWords words, std::string const& name);
-
-// The uplink `name`; null after adding the message of `words` to `output`.
-std::unique_ptr<HostCtl::Network::Pnic> FindNamedPnic(HostCtl::Network::NetworkInfo& networkInfo,
-                                                      std::string const& name,
-                                                      Toolbase::CallSpec::Output& output,
-                                                      MissingPnicWords words);
 
 // Makes the rows of one uplink from its netqueue record.
 using NetqueueRows =

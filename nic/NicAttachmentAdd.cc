@@ -1,11 +1,10 @@
-#include "nic/NicAttachmentAdd.h"
-
 #include <cstdint>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "hostctl/port_group.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -20,33 +19,21 @@ const std::string kBranch = "branch";
 const std::string kVlanId = "vlan-id";
 }  // namespace
 
-std::shared_ptr<NicAttachmentAdd> NicAttachmentAdd::New() {
-  return std::shared_ptr<NicAttachmentAdd>(new NicAttachmentAdd());
-}
+NETWORK_COMMAND_NEW(NicAttachmentAdd)
 
 NicAttachmentAdd::NicAttachmentAdd() {
   SetDescription("Attach one uplink as a branch to a trunk uplink with specified VLAN ID.");
 }
 
-NicAttachmentAdd::~NicAttachmentAdd() = default;
-
 std::shared_ptr<InputSpec> NicAttachmentAdd::GetInputSpecInternal() {
   using HostCtl::Network::PortGroup;
   auto spec = InputSpec::New();
-  auto trunk = ParameterSpec::New(kTrunk, ParameterType::String);
-  trunk->SetRequired(true);
-  trunk->SetShortName("t");
-  trunk->SetDescription("The name of the NIC to be configured as trunk uplink.");
-  spec->AddParameter(trunk);
-  auto branch = ParameterSpec::New(kBranch, ParameterType::String);
-  branch->SetRequired(true);
-  branch->SetShortName("b");
-  branch->SetDescription("The name of the NIC to be attached as branch uplink.");
-  spec->AddParameter(branch);
-  auto vlanId = ParameterSpec::New(kVlanId, ParameterType::Int);
-  vlanId->SetRequired(true);
-  vlanId->SetShortName("v");
-  vlanId->SetDescription("The vlan ID for the branch uplink. Valid values: %ENUM%");
+  spec->AddParameter(Required(kTrunk, ParameterType::String, "t",
+                              "The name of the NIC to be configured as trunk uplink."));
+  spec->AddParameter(Required(kBranch, ParameterType::String, "b",
+                              "The name of the NIC to be attached as branch uplink."));
+  auto vlanId = Required(kVlanId, ParameterType::Int, "v",
+                         "The vlan ID for the branch uplink. Valid values: %ENUM%");
   // One below a port group's upper bound, deliberately.
   auto range = ParameterConstraint::New(IntRange);
   range->SetIntRange(PortGroup::MIN_VLAN_ID, PortGroup::MAX_VLAN_ID - 1);
@@ -56,9 +43,7 @@ std::shared_ptr<InputSpec> NicAttachmentAdd::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> NicAttachmentAdd::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void NicAttachmentAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,9 +1,8 @@
-#include "nic/NicAttachmentList.h"
-
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -21,17 +20,13 @@ const std::string kBranchMacField = "Branch MAC";
 const std::string kVlanIdField = "VLAN ID";
 }  // namespace
 
-std::shared_ptr<NicAttachmentList> NicAttachmentList::New() {
-  return std::shared_ptr<NicAttachmentList>(new NicAttachmentList());
-}
+NETWORK_COMMAND_NEW(NicAttachmentList)
 
 NicAttachmentList::NicAttachmentList() {
   SetDescription("Show uplink attachment information.");
   SetDefaultOutputFormatter("table");
   SetDefaultOutputParameter("fields:" + kStructure, "Trunk,Branch,Branch MAC,VLAN ID");
 }
-
-NicAttachmentList::~NicAttachmentList() = default;
 
 std::shared_ptr<MetaStruct> NicAttachmentList::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -44,18 +39,13 @@ std::shared_ptr<MetaStruct> NicAttachmentList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicAttachmentList::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto trunk = ParameterSpec::New(kTrunk, ParameterType::String);
-  trunk->SetRequired(false);
-  trunk->SetShortName("t");
-  trunk->SetDescription("Show information only for the specified NIC.");
-  spec->AddParameter(trunk);
+  spec->AddParameter(
+      Optional(kTrunk, ParameterType::String, "t", "Show information only for the specified NIC."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicAttachmentList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicAttachmentList::ExecuteInternal(std::shared_ptr<Input> const& input,

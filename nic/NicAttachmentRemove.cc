@@ -1,9 +1,8 @@
-#include "nic/NicAttachmentRemove.h"
-
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -17,35 +16,22 @@ const std::string kTrunk = "trunk";
 const std::string kBranch = "branch";
 }  // namespace
 
-std::shared_ptr<NicAttachmentRemove> NicAttachmentRemove::New() {
-  return std::shared_ptr<NicAttachmentRemove>(new NicAttachmentRemove());
-}
+NETWORK_COMMAND_NEW(NicAttachmentRemove)
 
 NicAttachmentRemove::NicAttachmentRemove() {
   SetDescription("Detach a branch uplink from its trunk.");
 }
 
-NicAttachmentRemove::~NicAttachmentRemove() = default;
-
 std::shared_ptr<InputSpec> NicAttachmentRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto trunk = ParameterSpec::New(kTrunk, ParameterType::String);
-  trunk->SetRequired(true);
-  trunk->SetShortName("t");
-  trunk->SetDescription("The name of the trunk uplink.");
-  spec->AddParameter(trunk);
-  auto branch = ParameterSpec::New(kBranch, ParameterType::String);
-  branch->SetRequired(true);
-  branch->SetShortName("b");
-  branch->SetDescription("The name of the branch uplink.");
-  spec->AddParameter(branch);
+  spec->AddParameter(Required(kTrunk, ParameterType::String, "t", "The name of the trunk uplink."));
+  spec->AddParameter(
+      Required(kBranch, ParameterType::String, "b", "The name of the branch uplink."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicAttachmentRemove::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 // The branch's name goes to the library unchecked; the library judges it.

@@ -1,10 +1,10 @@
-#include "nic/NicCoalesceGet.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
+#include "nic/PnicLookup.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -34,9 +34,7 @@ const std::string* const kValueFields[] = {&kRxMicroseconds,  &kRxMaximumFrames,
                                            &kSampleInterval};
 }  // namespace
 
-std::shared_ptr<NicCoalesceGet> NicCoalesceGet::New() {
-  return std::shared_ptr<NicCoalesceGet>(new NicCoalesceGet());
-}
+NETWORK_COMMAND_NEW(NicCoalesceGet)
 
 NicCoalesceGet::NicCoalesceGet() {
   SetDescription("Get coalesce parameters");
@@ -47,8 +45,6 @@ NicCoalesceGet::NicCoalesceGet() {
                                                         "," + kAdaptiveTx + "," + kSampleInterval);
 }
 
-NicCoalesceGet::~NicCoalesceGet() = default;
-
 std::shared_ptr<MetaStruct> NicCoalesceGet::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
   result->SetField(kNic, MetaString::New());
@@ -58,56 +54,37 @@ std::shared_ptr<MetaStruct> NicCoalesceGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicCoalesceGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ornic = ParameterSpec::New(kOrnic, ParameterType::String);
-  ornic->SetRequired(false);
-  ornic->SetShortName("n");
-  ornic->SetDescription("The name of pnic to get coalesce parameters");
-  spec->AddParameter(ornic);
+  spec->AddParameter(
+      Optional(kOrnic, ParameterType::String, "n", "The name of pnic to get coalesce parameters"));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicCoalesceGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicCoalesceGet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                      std::shared_ptr<Output> const& output) {
   try {
     OrvkCtl::Network::NetworkInfoImpl networkInfo;
-    auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
-    HostCtl::Network::PnicList pnics;
-    if (input->HasParameter(kOrnic)) {
-      std::string const& name = input->GetParameter(kOrnic);
-      auto pnic = networkInfo.GetPnicByName(name);
-      if (!pnic) {
-        output->AddErrorMessage("Pnic with name " + name + " not found");
-        return;
-      }
-      pnics.push_back(std::move(pnic));
-    } else {
-      pnics = networkInfo.GetPnics();
-    }
-    for (auto const& pnic : pnics) {
-      auto nic = GetOutputStructure();
-      nic->SetField(kNic, pnic->GetName());
-      try {
-        HostCtl::Network::PnicCoalesceParams params;
-        pnic->GetCoalesceParams(params);
-        nic->SetField(kRxMicroseconds, std::to_string(params.rxMicroseconds));
-        nic->SetField(kRxMaximumFrames, std::to_string(params.rxMaxFrames));
-        nic->SetField(kTxMicroseconds, std::to_string(params.txMicroseconds));
-        nic->SetField(kTxMaximumFrames, std::to_string(params.txMaxFrames));
-        nic->SetField(kAdaptiveRx, params.adaptiveRx ? kOn : kOff);
-        nic->SetField(kAdaptiveTx, params.adaptiveTx ? kOn : kOff);
-        nic->SetField(kSampleInterval, std::to_string(params.sampleInterval));
-      } catch (HostCtl::Lib::HostCtlException const&) {
-        for (auto const* field : kValueFields) nic->SetField(*field, kNotAvailable);
-      }
-      list->Add(nic);
-    }
-    output->SetRootObject(list);
+    auto list = PnicRows(
+        networkInfo, *input, kOrnic, *output, MissingPnicWords::NotFound,
+        [this] { return GetOutputStructure(); },
+        [](HostCtl::Network::Pnic& pnic, MetaStruct& row) {
+          HostCtl::Network::PnicCoalesceParams params;
+          pnic.GetCoalesceParams(params);
+          row.SetField(kRxMicroseconds, std::to_string(params.rxMicroseconds));
+          row.SetField(kRxMaximumFrames, std::to_string(params.rxMaxFrames));
+          row.SetField(kTxMicroseconds, std::to_string(params.txMicroseconds));
+          row.SetField(kTxMaximumFrames, std::to_string(params.txMaxFrames));
+          row.SetField(kAdaptiveRx, params.adaptiveRx ? kOn : kOff);
+          row.SetField(kAdaptiveTx, params.adaptiveTx ? kOn : kOff);
+          row.SetField(kSampleInterval, std::to_string(params.sampleInterval));
+        },
+        [](MetaStruct& row) {
+          for (auto const* field : kValueFields) row.SetField(*field, kNotAvailable);
+        });
+    if (list) output->SetRootObject(list);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

@@ -1,12 +1,7 @@
-#include "nic/NicCoalesceLowSet.h"
-
-#include <cstdint>
 #include <memory>
-#include <string>
 
-#include "frame/ParamRange.h"
-#include "hostctl/network_info.h"
-#include "hostctl/pnic.h"
+#include "nic/CoalesceKit.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -15,27 +10,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kOrnic = "ornic";
-const std::string kPktRate = "pkt-rate";
-const std::string kRxUsecs = "rx-usecs";
-const std::string kRxMaxFrames = "rx-max-frames";
-const std::string kTxUsecs = "tx-usecs";
-const std::string kTxMaxFrames = "tx-max-frames";
-
-std::shared_ptr<ParameterSpec> Optional(std::string const& name, char const* shortName,
-                                        char const* description) {
-  auto parameter = ParameterSpec::New(name, ParameterType::Int);
-  parameter->SetRequired(false);
-  parameter->SetShortName(shortName);
-  parameter->SetDescription(description);
-  return parameter;
-}
-}  // namespace
-
-std::shared_ptr<NicCoalesceLowSet> NicCoalesceLowSet::New() {
-  return std::shared_ptr<NicCoalesceLowSet>(new NicCoalesceLowSet());
-}
+NETWORK_COMMAND_NEW(NicCoalesceLowSet)
 
 NicCoalesceLowSet::NicCoalesceLowSet() {
   SetDescription(
@@ -43,65 +18,20 @@ NicCoalesceLowSet::NicCoalesceLowSet() {
       "low packet rate.");
 }
 
-NicCoalesceLowSet::~NicCoalesceLowSet() = default;
-
 std::shared_ptr<InputSpec> NicCoalesceLowSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ornic = ParameterSpec::New(kOrnic, ParameterType::String);
-  ornic->SetRequired(true);
-  ornic->SetShortName("n");
-  ornic->SetDescription("Name of the ornic for which parameters should be set.");
-  spec->AddParameter(ornic);
-  spec->AddParameter(
-      Optional(kPktRate, "p",
-               "The low packet rate measured in number of packets per second. When packet rate is "
-               "below this parameter, the RX/TX coalescing parameters configured by this command "
-               "are used."));
-  spec->AddParameter(Optional(kRxUsecs, "r",
-                              "The number of microseconds to delay an RX interrupt after a packet "
-                              "arrives under low packet rate conditions."));
-  spec->AddParameter(Optional(kRxMaxFrames, "R",
-                              "The maximum number of RX packets to delay an RX interrupt after "
-                              "they arrive under low packet rate conditions."));
-  spec->AddParameter(Optional(kTxUsecs, "t",
-                              "The number of microseconds to delay a TX interrupt after a packet "
-                              "is sent under low packet rate conditions."));
-  spec->AddParameter(Optional(kTxMaxFrames, "T",
-                              "The maximum number of TX packets to delay an TX interrupt after "
-                              "they are sent under low packet rate conditions."));
+  AddBandParameters(*spec, kLowBand);
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicCoalesceLowSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void NicCoalesceLowSet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                         std::shared_ptr<Output> const& output) {
   try {
-    std::string const& name = input->GetParameter(kOrnic);
-    auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
-    auto pnic = networkInfo->GetPnicByName(name);
-    if (!pnic) {
-      output->AddErrorMessage("Pnic with name " + name + " not found");
-      return;
-    }
-    HostCtl::Network::PnicCoalesceParams params;
-    pnic->GetCoalesceParams(params);
-    bool fits = true;
-    auto number = [&](std::string const& parameter, uint32_t& field) {
-      fits = TakeParamUint32(*input, *output, parameter, field) && fits;
-    };
-    number(kPktRate, params.lowPacketRate);
-    number(kRxUsecs, params.rxMicrosecondsLow);
-    number(kRxMaxFrames, params.rxMaxFramesLow);
-    number(kTxUsecs, params.txMicrosecondsLow);
-    number(kTxMaxFrames, params.txMaxFramesLow);
-    if (!fits) return;
-    pnic->SetCoalesceParams(params);
-    output->SetRootObject(MetaBool::New(true));
+    WriteBand(*input, *output, kLowBand);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

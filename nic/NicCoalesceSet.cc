@@ -1,12 +1,11 @@
-#include "nic/NicCoalesceSet.h"
-
 #include <cstdint>
 #include <memory>
 #include <string>
 
-#include "frame/ParamRange.h"
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
+#include "nic/PnicLookup.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -24,32 +23,16 @@ const std::string kTxMaxFrames = "tx-max-frames";
 const std::string kAdaptiveRx = "adaptive-rx";
 const std::string kAdaptiveTx = "adaptive-tx";
 const std::string kSampleInterval = "sample-interval";
-
-std::shared_ptr<ParameterSpec> Optional(std::string const& name, ParameterType type,
-                                        char const* shortName, char const* description) {
-  auto parameter = ParameterSpec::New(name, type);
-  parameter->SetRequired(false);
-  parameter->SetShortName(shortName);
-  parameter->SetDescription(description);
-  return parameter;
-}
 }  // namespace
 
-std::shared_ptr<NicCoalesceSet> NicCoalesceSet::New() {
-  return std::shared_ptr<NicCoalesceSet>(new NicCoalesceSet());
-}
+NETWORK_COMMAND_NEW(NicCoalesceSet)
 
 NicCoalesceSet::NicCoalesceSet() { SetDescription("Set coalesce parameters on a nic"); }
 
-NicCoalesceSet::~NicCoalesceSet() = default;
-
 std::shared_ptr<InputSpec> NicCoalesceSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ornic = ParameterSpec::New(kOrnic, ParameterType::String);
-  ornic->SetRequired(true);
-  ornic->SetShortName("n");
-  ornic->SetDescription("Name of ornic to set coalesce parameters.");
-  spec->AddParameter(ornic);
+  spec->AddParameter(
+      Required(kOrnic, ParameterType::String, "n", "Name of ornic to set coalesce parameters."));
   spec->AddParameter(Optional(kRxUsecs, ParameterType::Int, "r",
                               "Number of microseconds driver to wait for RX before interrupting."));
   spec->AddParameter(
@@ -76,9 +59,7 @@ std::shared_ptr<InputSpec> NicCoalesceSet::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> NicCoalesceSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void NicCoalesceSet::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -86,16 +67,12 @@ void NicCoalesceSet::ExecuteInternal(std::shared_ptr<Input> const& input,
   try {
     std::string const& name = input->GetParameter(kOrnic);
     OrvkCtl::Network::NetworkInfoImpl networkInfo;
-    auto pnic = networkInfo.GetPnicByName(name);
-    if (!pnic) {
-      output->AddErrorMessage("Pnic with name " + name + " not found");
-      return;
-    }
+    auto pnic = FindNamedPnic(networkInfo, name, *output);
+    if (!pnic) return;
     HostCtl::Network::PnicCoalesceParams params;
     pnic->GetCoalesceParams(params);
-    bool fits = true;
     auto number = [&](std::string const& parameter, uint32_t& field) {
-      fits = TakeParamUint32(*input, *output, parameter, field) && fits;
+      TakeUint32(*input, parameter, field);
     };
     auto truth = [&](std::string const& parameter, bool& field) {
       if (input->HasParameter(parameter)) field = input->GetParameterBool(parameter);
@@ -107,7 +84,6 @@ void NicCoalesceSet::ExecuteInternal(std::shared_ptr<Input> const& input,
     truth(kAdaptiveRx, params.adaptiveRx);
     truth(kAdaptiveTx, params.adaptiveTx);
     number(kSampleInterval, params.sampleInterval);
-    if (!fits) return;
     pnic->SetCoalesceParams(params);
     output->SetRootObject(MetaBool::New(true));
   } catch (HostCtl::Lib::HostCtlException const& e) {

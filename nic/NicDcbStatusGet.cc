@@ -1,11 +1,10 @@
-#include "nic/NicDcbStatusGet.h"
-
 #include <iterator>
 #include <memory>
 #include <string>
 
 #include "hostctl/dcb.h"
 #include "hostctl/misc.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -81,9 +80,7 @@ std::string DcbArrayToString(unsigned char* array) {
                    array[5], array[6], array[7]);
 }
 
-std::shared_ptr<NicDcbStatusGet> NicDcbStatusGet::New() {
-  return std::make_shared<NicDcbStatusGet>();
-}
+NETWORK_COMMAND_NEW(NicDcbStatusGet)
 
 NicDcbStatusGet::NicDcbStatusGet() {
   SetDescription("Get the DCB information for a NIC.");
@@ -106,8 +103,6 @@ NicDcbStatusGet::NicDcbStatusGet() {
                             "Priority Group,Priority Flow Control,PG Traffic Classes,PFC Traffic "
                             "Classes");
 }
-
-NicDcbStatusGet::~NicDcbStatusGet() = default;
 
 std::shared_ptr<MetaStruct> NicDcbStatusGet::GetOutputStructure() {
   auto result = MetaStruct::New(kStatus);
@@ -170,19 +165,14 @@ std::shared_ptr<MetaStruct> NicDcbStatusGet::GetDcbAppsStructure() {
 
 std::shared_ptr<InputSpec> NicDcbStatusGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto nicName = ParameterSpec::New(kNicName, ParameterType::String);
-  nicName->SetRequired(true);
-  nicName->SetShortName("n");
-  nicName->SetDescription(
-      "The name of the NIC for which you need the info. See \"nic list\" command.");
-  spec->AddParameter(nicName);
+  spec->AddParameter(
+      Required(kNicName, ParameterType::String, "n",
+               "The name of the NIC for which you need the info. See \"nic list\" command."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicDcbStatusGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(GetOutputStructure());
-  return spec;
+  return RootSpec(GetOutputStructure());
 }
 
 void NicDcbStatusGet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,9 +1,9 @@
-#include "nic/NicDown.h"
-
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
+#include "nic/PnicLookup.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -16,40 +16,28 @@ namespace {
 const std::string kNicName = "nic-name";
 }  // namespace
 
-std::shared_ptr<NicDown> NicDown::New() { return std::shared_ptr<NicDown>(new NicDown()); }
+NETWORK_COMMAND_NEW(NicDown)
 
 NicDown::NicDown() { SetDescription("Bring down the specified network device."); }
 
-NicDown::~NicDown() = default;
-
 std::shared_ptr<InputSpec> NicDown::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto nicName = ParameterSpec::New(kNicName, ParameterType::String);
-  nicName->SetRequired(true);
-  nicName->SetShortName("n");
-  nicName->SetDescription(
+  spec->AddParameter(Required(
+      kNicName, ParameterType::String, "n",
       "The name of the NIC to configured. This must be one of the cards listed in the nic list "
-      "command.");
-  spec->AddParameter(nicName);
+      "command."));
   return spec;
 }
 
-std::shared_ptr<OutputSpec> NicDown::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
-}
+std::shared_ptr<OutputSpec> NicDown::GetOutputSpecInternal() { return RootSpec(MetaBool::New()); }
 
 void NicDown::ExecuteInternal(std::shared_ptr<Input> const& input,
                               std::shared_ptr<Output> const& output) {
   OrvkCtl::Network::NetworkInfoImpl networkInfo;
   try {
     std::string const& name = input->GetParameter(kNicName);
-    auto pnic = networkInfo.GetPnicByName(name);
-    if (!pnic) {
-      output->AddErrorMessage("There is no pnic with name " + name);
-      return;
-    }
+    auto pnic = FindNamedPnic(networkInfo, name, *output, MissingPnicWords::NoPnic);
+    if (!pnic) return;
     pnic->SetAdminUp(false);
     output->SetRootObject(MetaBool::New(true));
   } catch (HostCtl::Lib::HostCtlException const& e) {

@@ -1,12 +1,11 @@
-#include "nic/NicEepromDump.h"
-
 #include <cstdio>
 #include <string>
 #include <vector>
 
-#include "frame/ParamRange.h"
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
+#include "nic/PnicLookup.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -37,17 +36,13 @@ std::string HexAddress(unsigned int address) {
 }
 }  // namespace
 
-std::shared_ptr<NicEepromDump> NicEepromDump::New() {
-  return std::shared_ptr<NicEepromDump>(new NicEepromDump());
-}
+NETWORK_COMMAND_NEW(NicEepromDump)
 
 NicEepromDump::NicEepromDump() {
   SetDescription("Dump device EEPROM");
   SetDefaultOutputFormatter("table");
   SetDefaultOutputParameter("fields:" + kStructure, "Offset,Value");
 }
-
-NicEepromDump::~NicEepromDump() = default;
 
 std::shared_ptr<MetaStruct> NicEepromDump::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -86,28 +81,16 @@ std::shared_ptr<MetaList> NicEepromDump::DumpBinary(unsigned int offset,
 
 std::shared_ptr<InputSpec> NicEepromDump::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ornic = ParameterSpec::New(kOrnic, ParameterType::String);
-  ornic->SetRequired(true);
-  ornic->SetShortName("n");
-  ornic->SetDescription("The name of pnic to dump EEPROM");
-  spec->AddParameter(ornic);
-  auto offset = ParameterSpec::New(kOffset, ParameterType::Int);
-  offset->SetRequired(false);
-  offset->SetShortName("o");
-  offset->SetDescription("Offset of EEPROM starting to dump");
-  spec->AddParameter(offset);
-  auto length = ParameterSpec::New(kLength, ParameterType::Int);
-  length->SetRequired(false);
-  length->SetShortName("l");
-  length->SetDescription("Bytes of EEPROM to dump");
-  spec->AddParameter(length);
+  spec->AddParameter(
+      Required(kOrnic, ParameterType::String, "n", "The name of pnic to dump EEPROM"));
+  spec->AddParameter(
+      Optional(kOffset, ParameterType::Int, "o", "Offset of EEPROM starting to dump"));
+  spec->AddParameter(Optional(kLength, ParameterType::Int, "l", "Bytes of EEPROM to dump"));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicEepromDump::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicEepromDump::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -115,17 +98,10 @@ void NicEepromDump::ExecuteInternal(std::shared_ptr<Input> const& input,
   try {
     std::string const& name = input->GetParameter(kOrnic);
     OrvkCtl::Network::NetworkInfoImpl networkInfo;
-    auto pnic = networkInfo.GetPnicByName(name);
-    if (!pnic) {
-      output->AddErrorMessage("Pnic with name " + name + " not found");
-      return;
-    }
+    auto pnic = FindNamedPnic(networkInfo, name, *output);
+    if (!pnic) return;
     long offset = input->HasParameter(kOffset) ? input->GetParameterInt(kOffset) : 0;
     long length = input->HasParameter(kLength) ? input->GetParameterInt(kLength) : 0;
-    if (!CheckParamUint32(*output, kOffset, offset) ||
-        !CheckParamUint32(*output, kLength, length)) {
-      return;
-    }
     std::vector<unsigned char> bytes;
     pnic->GetEepromDump(bytes, static_cast<uint32_t>(length), static_cast<uint32_t>(offset));
     output->SetRootObject(DumpBinary(static_cast<unsigned int>(offset), bytes));

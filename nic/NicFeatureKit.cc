@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "frame/CommandKit.h"
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "toolbase/call_spec.h"
@@ -58,10 +59,8 @@ const SoftwareSimulationSetting kSoftwareSimulationSettings[14] = {
 
 std::shared_ptr<Toolbase::CallSpec::ParameterSpec> NewOrnicListParameter() {
   using namespace Toolbase::CallSpec;
-  auto ornic = ParameterSpec::New(kOrnic, ParameterType::StringList);
-  ornic->SetRequired(false);
-  ornic->SetShortName("n");
-  ornic->SetDescription("Limit the output to only the physical NICS with the specified names.");
+  auto ornic = Optional(kOrnic, ParameterType::StringList, "n",
+                        "Limit the output to only the physical NICS with the specified names.");
   return ornic;
 }
 
@@ -107,6 +106,39 @@ std::string HwCapText(uint64_t bits) {
     }
   }
   return text;
+}
+
+const HwCapColumn kHwCapSupported{"Device Hardware Cap Supported",
+                                  &HostCtl::Network::PnicHwCapabilities::supported};
+const HwCapColumn kHwCapActivated{"Device Hardware Cap Activated",
+                                  &HostCtl::Network::PnicHwCapabilities::activated};
+
+std::shared_ptr<Toolbase::MetaObj::MetaStruct> HwCapStructure(HwCapColumn const& kind) {
+  auto result = Toolbase::MetaObj::MetaStruct::New("Settings");
+  result->SetField(kNic, Toolbase::MetaObj::MetaString::New());
+  result->SetField(kind.column, Toolbase::MetaObj::MetaString::New());
+  return result;
+}
+
+std::shared_ptr<Toolbase::MetaObj::MetaList> ListHwCaps(HostCtl::Network::NetworkInfo& networkInfo,
+                                                        Toolbase::CallSpec::Input const& input,
+                                                        Toolbase::CallSpec::Output& output,
+                                                        HwCapColumn const& kind) {
+  using Toolbase::MetaObj::MetaStruct;
+  auto list =
+      Toolbase::MetaObj::MetaList::New(Toolbase::MetaObj::MetaType::Struct, HwCapStructure(kind));
+  PnicRowFiller filler;
+  filler.fill = [&](HostCtl::Network::Pnic& pnic, MetaStruct& row) {
+    HostCtl::Network::PnicHwCapabilities caps;
+    pnic.GetHwCapabilities(caps);
+    row.SetField(kind.column, HwCapText(caps.*kind.bits));
+  };
+  filler.fillNotAvailable = [&](MetaStruct& row) { row.SetField(kind.column, kNotAvailable); };
+  if (!ListPnicRows(
+          networkInfo, input, output, *list, [&] { return HwCapStructure(kind); }, filler)) {
+    return nullptr;
+  }
+  return list;
 }
 
 }  // namespace CorvaneCli::NetworkNamespace

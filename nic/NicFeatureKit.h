@@ -11,6 +11,7 @@
 namespace HostCtl::Network {
 class NetworkInfo;
 class Pnic;
+struct PnicHwCapabilities;
 struct PnicSoftwareSimulation;
 }  // namespace HostCtl::Network
 namespace Toolbase::CallSpec {
@@ -65,5 +66,23 @@ bool ListPnicRows(HostCtl::Network::NetworkInfo& networkInfo,
 
 // The names of the set bits 0 to 30 of `bits`, each followed by three blanks.
 std::string HwCapText(uint64_t bits);
+
+// One of the two hwCap lists: its column and the bits of the record it shows.
+struct HwCapColumn {
+  char const* column;
+  uint64_t HostCtl::Network::PnicHwCapabilities::*bits;
+};
+extern const HwCapColumn kHwCapSupported;
+extern const HwCapColumn kHwCapActivated;
+
+// The empty `Settings` row of a hwCap list: NIC and the column.
+std::shared_ptr<Toolbase::MetaObj::MetaStruct> HwCapStructure(HwCapColumn const& kind);
+
+// The rows of a hwCap list, as ListPnicRows makes them; null after its
+// message for an unknown name.
+std::shared_ptr<Toolbase::MetaObj::MetaList> ListHwCaps(HostCtl::Network::NetworkInfo& networkInfo,
+                                                        Toolbase::CallSpec::Input const& input,
+                                                        Toolbase::CallSpec::Output& output,
+                                                        HwCapColumn const& kind);
 
 }  // namespace CorvaneCli::NetworkNamespace

@@ -1,11 +1,11 @@
-#include "nic/NicGet.h"
-
 #include <iterator>
 #include <string>
 #include <vector>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
+#include "nic/PnicLookup.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -105,14 +105,12 @@ std::string LinkModeText(HostCtl::Network::PnicLinkMode const& mode) {
 }
 }  // namespace
 
-std::shared_ptr<NicGet> NicGet::New() { return std::shared_ptr<NicGet>(new NicGet()); }
+NETWORK_COMMAND_NEW(NicGet)
 
 NicGet::NicGet() {
   SetDescription("Get the generic configuration of a network device");
   SetDefaultOutputFormatter("simple");
 }
-
-NicGet::~NicGet() = default;
 
 std::shared_ptr<MetaStruct> NicGet::GetOutputStructure() {
   auto result = MetaStruct::New("NICInfo");
@@ -146,20 +144,15 @@ std::shared_ptr<MetaStruct> NicGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto nicName = ParameterSpec::New(kNicName, ParameterType::String);
-  nicName->SetRequired(true);
-  nicName->SetShortName("n");
-  nicName->SetDescription(
+  spec->AddParameter(Required(
+      kNicName, ParameterType::String, "n",
       "The name of the NIC to configured. This must be one of the cards listed in the nic list "
-      "command.");
-  spec->AddParameter(nicName);
+      "command."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(GetOutputStructure());
-  return spec;
+  return RootSpec(GetOutputStructure());
 }
 
 void NicGet::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -168,11 +161,8 @@ void NicGet::ExecuteInternal(std::shared_ptr<Input> const& input,
     auto result = GetOutputStructure();
     std::string const& name = input->GetParameter(kNicName);
     OrvkCtl::Network::NetworkInfoImpl networkInfo;
-    auto pnic = networkInfo.GetPnicByName(name);
-    if (!pnic) {
-      output->AddErrorMessage("There is no pnic with name " + name);
-      return;
-    }
+    auto pnic = FindNamedPnic(networkInfo, name, *output, MissingPnicWords::NoPnic);
+    if (!pnic) return;
     HostCtl::Network::PnicInfo info;
     HostCtl::Network::PnicPauseParams pause;
     HostCtl::Network::PnicDriverInfo driver;

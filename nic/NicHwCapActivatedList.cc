@@ -1,10 +1,7 @@
-#include "nic/NicHwCapActivatedList.h"
-
 #include <memory>
-#include <string>
 
 #include "hostctl/network_info.h"
-#include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
 #include "nic/NicFeatureKit.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -14,15 +11,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kStructure = "Settings";
-const std::string kNic = "NIC";
-const std::string kCapabilities = "Device Hardware Cap Activated";
-}  // namespace
-
-std::shared_ptr<NicHwCapActivatedList> NicHwCapActivatedList::New() {
-  return std::shared_ptr<NicHwCapActivatedList>(new NicHwCapActivatedList());
-}
+NETWORK_COMMAND_NEW(NicHwCapActivatedList)
 
 NicHwCapActivatedList::NicHwCapActivatedList() {
   SetDescription("List activated hardware capabilities of physical NICs.");
@@ -30,13 +19,8 @@ NicHwCapActivatedList::NicHwCapActivatedList() {
   SetDefaultOutputParameter("fields:Settings", "NIC,Device Hardware Cap Activated");
 }
 
-NicHwCapActivatedList::~NicHwCapActivatedList() = default;
-
 std::shared_ptr<MetaStruct> NicHwCapActivatedList::GetOutputStructure() {
-  auto result = MetaStruct::New(kStructure);
-  result->SetField(kNic, MetaString::New());
-  result->SetField(kCapabilities, MetaString::New());
-  return result;
+  return HwCapStructure(kHwCapActivated);
 }
 
 std::shared_ptr<InputSpec> NicHwCapActivatedList::GetInputSpecInternal() {
@@ -46,29 +30,15 @@ std::shared_ptr<InputSpec> NicHwCapActivatedList::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> NicHwCapActivatedList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicHwCapActivatedList::ExecuteInternal(std::shared_ptr<Input> const& input,
                                             std::shared_ptr<Output> const& output) {
   try {
     auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
-    auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
-    PnicRowFiller filler;
-    filler.fill = [](HostCtl::Network::Pnic& pnic, MetaStruct& row) {
-      HostCtl::Network::PnicHwCapabilities caps;
-      pnic.GetHwCapabilities(caps);
-      row.SetField(kCapabilities, HwCapText(caps.activated));
-    };
-    filler.fillNotAvailable = [](MetaStruct& row) { row.SetField(kCapabilities, kNotAvailable); };
-    if (!ListPnicRows(
-            *networkInfo, *input, *output, *list, [this] { return GetOutputStructure(); },
-            filler)) {
-      return;
-    }
-    output->SetRootObject(list);
+    auto list = ListHwCaps(*networkInfo, *input, *output, kHwCapActivated);
+    if (list) output->SetRootObject(list);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

@@ -1,10 +1,9 @@
-#include "nic/NicList.h"
-
 #include <string>
 #include <vector>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -55,7 +54,7 @@ void DescribePseudoDevice(std::string const& descriptor, std::string& vendor, st
 }
 }  // namespace
 
-std::shared_ptr<NicList> NicList::New() { return std::shared_ptr<NicList>(new NicList()); }
+NETWORK_COMMAND_NEW(NicList)
 
 NicList::NicList() {
   SetDescription(
@@ -65,8 +64,6 @@ NicList::NicList() {
       "fields:Nic",
       "Name,PCI Device,Driver,Admin Status,Link Status,Speed,Duplex,MAC Address,MTU,Description");
 }
-
-NicList::~NicList() = default;
 
 std::shared_ptr<MetaStruct> NicList::GetOutputStructure() {
   auto result = MetaStruct::New("Nic");
@@ -87,9 +84,7 @@ std::shared_ptr<MetaStruct> NicList::GetOutputStructure() {
 std::shared_ptr<InputSpec> NicList::GetInputSpecInternal() { return InputSpec::New(); }
 
 std::shared_ptr<OutputSpec> NicList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicList::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,

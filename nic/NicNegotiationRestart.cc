@@ -1,9 +1,9 @@
-#include "nic/NicNegotiationRestart.h"
-
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
+#include "nic/PnicLookup.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -16,30 +16,21 @@ namespace {
 const std::string kOrnic = "ornic";
 }  // namespace
 
-std::shared_ptr<NicNegotiationRestart> NicNegotiationRestart::New() {
-  return std::shared_ptr<NicNegotiationRestart>(new NicNegotiationRestart());
-}
+NETWORK_COMMAND_NEW(NicNegotiationRestart)
 
 NicNegotiationRestart::NicNegotiationRestart() {
   SetDescription("Restart N-Way negotiation on a nic");
 }
 
-NicNegotiationRestart::~NicNegotiationRestart() = default;
-
 std::shared_ptr<InputSpec> NicNegotiationRestart::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ornic = ParameterSpec::New(kOrnic, ParameterType::String);
-  ornic->SetRequired(true);
-  ornic->SetShortName("n");
-  ornic->SetDescription("Name of ornic to restart negotiation");
-  spec->AddParameter(ornic);
+  spec->AddParameter(
+      Required(kOrnic, ParameterType::String, "n", "Name of ornic to restart negotiation"));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicNegotiationRestart::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void NicNegotiationRestart::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -47,11 +38,8 @@ void NicNegotiationRestart::ExecuteInternal(std::shared_ptr<Input> const& input,
   try {
     std::string const& name = input->GetParameter(kOrnic);
     OrvkCtl::Network::NetworkInfoImpl networkInfo;
-    auto pnic = networkInfo.GetPnicByName(name);
-    if (!pnic) {
-      output->AddErrorMessage("Pnic with name " + name + " not found");
-      return;
-    }
+    auto pnic = FindNamedPnic(networkInfo, name, *output);
+    if (!pnic) return;
     pnic->RestartNegotiation();
     output->SetRootObject(MetaBool::New(true));
   } catch (HostCtl::Lib::HostCtlException const& e) {

@@ -1,10 +1,10 @@
-#include "nic/NicPauseParamsList.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
+#include "nic/PnicLookup.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -50,11 +50,20 @@ PauseRow RowOf(HostCtl::Network::PnicPauseParams const& params) {
   }
   return row;
 }
+
+// Sets the seven fields of a row, in the order they are set.
+void SetPauseFields(MetaStruct& row, PauseRow const& values) {
+  row.SetField(kSupported, values.supported);
+  row.SetField(kPauseRx, values.rx);
+  row.SetField(kPauseTx, values.tx);
+  row.SetField(kAutoNegotiation, values.autoNegotiation);
+  row.SetField(kResolutionAvail, values.resolutionAvail);
+  row.SetField(kRxResolution, values.rxResolution);
+  row.SetField(kTxResolution, values.txResolution);
+}
 }  // namespace
 
-std::shared_ptr<NicPauseParamsList> NicPauseParamsList::New() {
-  return std::shared_ptr<NicPauseParamsList>(new NicPauseParamsList());
-}
+NETWORK_COMMAND_NEW(NicPauseParamsList)
 
 NicPauseParamsList::NicPauseParamsList() {
   SetDescription("List pause parameters of all NICs");
@@ -64,8 +73,6 @@ NicPauseParamsList::NicPauseParamsList() {
       "NIC,Pause Params Supported,Pause RX,Pause TX,Auto Negotiation,Auto Negotiation Resolution "
       "Avail,RX Auto Negotiation Resolution,TX Auto Negotiation Resolution");
 }
-
-NicPauseParamsList::~NicPauseParamsList() = default;
 
 std::shared_ptr<MetaStruct> NicPauseParamsList::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -82,58 +89,29 @@ std::shared_ptr<MetaStruct> NicPauseParamsList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicPauseParamsList::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto nicName = ParameterSpec::New(kNicName, ParameterType::String);
-  nicName->SetRequired(false);
-  nicName->SetShortName("n");
-  nicName->SetDescription("The name of the NIC whose pause parameters should be retrieved.");
-  spec->AddParameter(nicName);
+  spec->AddParameter(Optional(kNicName, ParameterType::String, "n",
+                              "The name of the NIC whose pause parameters should be retrieved."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicPauseParamsList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicPauseParamsList::ExecuteInternal(std::shared_ptr<Input> const& input,
                                          std::shared_ptr<Output> const& output) {
   try {
     auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
-    auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
-    HostCtl::Network::PnicList pnics;
-    if (input->HasParameter(kNicName)) {
-      std::string const& name = input->GetParameter(kNicName);
-      auto pnic = networkInfo->GetPnicByName(name);
-      if (!pnic) {
-        output->AddErrorMessage("NIC with name " + name + " not found");
-        return;
-      }
-      pnics.push_back(std::move(pnic));
-    } else {
-      pnics = networkInfo->GetPnics();
-    }
-    for (auto const& pnic : pnics) {
-      auto nic = GetOutputStructure();
-      nic->SetField(kNic, pnic->GetName());
-      PauseRow row;
-      try {
-        HostCtl::Network::PnicPauseParams params;
-        pnic->GetPauseParams(params);
-        row = RowOf(params);
-      } catch (HostCtl::Lib::HostCtlException const&) {
-        row = PauseRow();
-      }
-      nic->SetField(kSupported, row.supported);
-      nic->SetField(kPauseRx, row.rx);
-      nic->SetField(kPauseTx, row.tx);
-      nic->SetField(kAutoNegotiation, row.autoNegotiation);
-      nic->SetField(kResolutionAvail, row.resolutionAvail);
-      nic->SetField(kRxResolution, row.rxResolution);
-      nic->SetField(kTxResolution, row.txResolution);
-      list->Add(nic);
-    }
-    output->SetRootObject(list);
+    auto list = PnicRows(
+        *networkInfo, *input, kNicName, *output, MissingPnicWords::NicNotFound,
+        [this] { return GetOutputStructure(); },
+        [](HostCtl::Network::Pnic& pnic, MetaStruct& row) {
+          HostCtl::Network::PnicPauseParams params;
+          pnic.GetPauseParams(params);
+          SetPauseFields(row, RowOf(params));
+        },
+        [](MetaStruct& row) { SetPauseFields(row, PauseRow()); });
+    if (list) output->SetRootObject(list);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

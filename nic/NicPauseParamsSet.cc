@@ -1,10 +1,10 @@
-#include "nic/NicPauseParamsSet.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
+#include "nic/PnicLookup.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -18,42 +18,26 @@ const std::string kNicName = "nic-name";
 const std::string kAuto = "auto";
 const std::string kRx = "rx";
 const std::string kTx = "tx";
-
-std::shared_ptr<ParameterSpec> Optional(std::string const& name, char const* shortName,
-                                        char const* description) {
-  auto parameter = ParameterSpec::New(name, ParameterType::Bool);
-  parameter->SetRequired(false);
-  parameter->SetShortName(shortName);
-  parameter->SetDescription(description);
-  return parameter;
-}
 }  // namespace
 
-std::shared_ptr<NicPauseParamsSet> NicPauseParamsSet::New() {
-  return std::shared_ptr<NicPauseParamsSet>(new NicPauseParamsSet());
-}
+NETWORK_COMMAND_NEW(NicPauseParamsSet)
 
 NicPauseParamsSet::NicPauseParamsSet() { SetDescription("Set pause parameters for a NIC"); }
 
-NicPauseParamsSet::~NicPauseParamsSet() = default;
-
 std::shared_ptr<InputSpec> NicPauseParamsSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto nicName = ParameterSpec::New(kNicName, ParameterType::String);
-  nicName->SetRequired(true);
-  nicName->SetShortName("n");
-  nicName->SetDescription("Name of NIC whose pause parameters should be set.");
-  spec->AddParameter(nicName);
-  spec->AddParameter(Optional(kAuto, "a", "Enable/disable auto negotiation."));
-  spec->AddParameter(Optional(kRx, "r", "Enable/disable pause RX flow control."));
-  spec->AddParameter(Optional(kTx, "t", "Enable/disable pause TX flow control."));
+  spec->AddParameter(Required(kNicName, ParameterType::String, "n",
+                              "Name of NIC whose pause parameters should be set."));
+  spec->AddParameter(Optional(kAuto, ParameterType::Bool, "a", "Enable/disable auto negotiation."));
+  spec->AddParameter(
+      Optional(kRx, ParameterType::Bool, "r", "Enable/disable pause RX flow control."));
+  spec->AddParameter(
+      Optional(kTx, ParameterType::Bool, "t", "Enable/disable pause TX flow control."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicPauseParamsSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void NicPauseParamsSet::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -61,11 +45,8 @@ void NicPauseParamsSet::ExecuteInternal(std::shared_ptr<Input> const& input,
   try {
     std::string const& name = input->GetParameter(kNicName);
     auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
-    auto pnic = networkInfo->GetPnicByName(name);
-    if (!pnic) {
-      output->AddErrorMessage("NIC with name " + name + " not found");
-      return;
-    }
+    auto pnic = FindNamedPnic(*networkInfo, name, *output, MissingPnicWords::NicNotFound);
+    if (!pnic) return;
     HostCtl::Network::PnicPauseParams params;
     pnic->GetPauseParams(params);
     if (input->HasParameter(kAuto)) params.autoNegotiation = input->GetParameterBool(kAuto);

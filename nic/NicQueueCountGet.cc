@@ -1,11 +1,10 @@
-#include "nic/NicQueueCountGet.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "nic/NetqueueKit.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -21,17 +20,13 @@ const std::string kTxCount = "Tx netqueue count";
 const std::string kRxCount = "Rx netqueue count";
 }  // namespace
 
-std::shared_ptr<NicQueueCountGet> NicQueueCountGet::New() {
-  return std::make_shared<NicQueueCountGet>();
-}
+NETWORK_COMMAND_NEW(NicQueueCountGet)
 
 NicQueueCountGet::NicQueueCountGet() {
   SetDescription("Get netqueue count on a nic");
   SetDefaultOutputFormatter("table");
   SetDefaultOutputParameter("fields:NetqueueCount", "NIC,Tx netqueue count,Rx netqueue count");
 }
-
-NicQueueCountGet::~NicQueueCountGet() = default;
 
 std::shared_ptr<MetaStruct> NicQueueCountGet::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -43,18 +38,13 @@ std::shared_ptr<MetaStruct> NicQueueCountGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicQueueCountGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ornic = ParameterSpec::New(kOrnicParameter, ParameterType::String);
-  ornic->SetRequired(false);
-  ornic->SetShortName("n");
-  ornic->SetDescription("The name of pnic to get netqueue count");
-  spec->AddParameter(ornic);
+  spec->AddParameter(Optional(kOrnicParameter, ParameterType::String, "n",
+                              "The name of pnic to get netqueue count"));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicQueueCountGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicQueueCountGet::ExecuteInternal(std::shared_ptr<Input> const& input,

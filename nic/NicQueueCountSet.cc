@@ -1,12 +1,10 @@
-#include "nic/NicQueueCountSet.h"
-
 #include <memory>
 #include <string>
 
-#include "frame/ParamRange.h"
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "nic/NetqueueKit.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -21,43 +19,22 @@ const std::string kRx = "rx";
 const std::string kNum = "num";
 }  // namespace
 
-std::shared_ptr<NicQueueCountSet> NicQueueCountSet::New() {
-  return std::make_shared<NicQueueCountSet>();
-}
+NETWORK_COMMAND_NEW(NicQueueCountSet)
 
 NicQueueCountSet::NicQueueCountSet() { SetDescription("Set number of netqueues on a nic"); }
 
-NicQueueCountSet::~NicQueueCountSet() = default;
-
 std::shared_ptr<InputSpec> NicQueueCountSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ornic = ParameterSpec::New(kOrnicParameter, ParameterType::String);
-  ornic->SetRequired(true);
-  ornic->SetShortName("n");
-  ornic->SetDescription("Name of ornic to set netqueue count.");
-  spec->AddParameter(ornic);
-  auto tx = ParameterSpec::New(kTx, ParameterType::Bool);
-  tx->SetRequired(false);
-  tx->SetShortName("t");
-  tx->SetDescription("Tx netqueue to set count.");
-  spec->AddParameter(tx);
-  auto rx = ParameterSpec::New(kRx, ParameterType::Bool);
-  rx->SetRequired(false);
-  rx->SetShortName("r");
-  rx->SetDescription("Rx netqueue to set count.");
-  spec->AddParameter(rx);
-  auto num = ParameterSpec::New(kNum, ParameterType::Int);
-  num->SetRequired(true);
-  num->SetShortName("q");
-  num->SetDescription("Number of queues to set.");
-  spec->AddParameter(num);
+  spec->AddParameter(Required(kOrnicParameter, ParameterType::String, "n",
+                              "Name of ornic to set netqueue count."));
+  spec->AddParameter(Optional(kTx, ParameterType::Bool, "t", "Tx netqueue to set count."));
+  spec->AddParameter(Optional(kRx, ParameterType::Bool, "r", "Rx netqueue to set count."));
+  spec->AddParameter(Required(kNum, ParameterType::Int, "q", "Number of queues to set."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicQueueCountSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void NicQueueCountSet::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -71,7 +48,6 @@ void NicQueueCountSet::ExecuteInternal(std::shared_ptr<Input> const& input,
     bool const tx = input->HasParameter(kTx);
     bool const rx = input->HasParameter(kRx);
     long const num = input->GetParameterInt(kNum);
-    if ((tx || rx) && !CheckParamUint32(*output, kNum, num)) return;
     HostCtl::Network::PnicNetqueueInfo info;
     if (tx) {
       info.txQueueCount = static_cast<uint32_t>(num);

@@ -1,11 +1,10 @@
-#include "nic/NicQueueFilterClassList.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "nic/NetqueueKit.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -22,9 +21,7 @@ char const* const kClasses[HostCtl::Network::PnicNetqueueInfo::kFilterClassCount
     "MacOnly", "VlanOnly", "VlanMac", "Vxlan", "Geneve", "GenericEncap"};
 }  // namespace
 
-std::shared_ptr<NicQueueFilterClassList> NicQueueFilterClassList::New() {
-  return std::make_shared<NicQueueFilterClassList>();
-}
+NETWORK_COMMAND_NEW(NicQueueFilterClassList)
 
 NicQueueFilterClassList::NicQueueFilterClassList() {
   SetDescription(
@@ -34,8 +31,6 @@ NicQueueFilterClassList::NicQueueFilterClassList() {
   SetDefaultOutputParameter("fields:Settings",
                             "NIC,MacOnly,VlanOnly,VlanMac,Vxlan,Geneve,GenericEncap");
 }
-
-NicQueueFilterClassList::~NicQueueFilterClassList() = default;
 
 std::shared_ptr<MetaStruct> NicQueueFilterClassList::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -49,9 +44,7 @@ std::shared_ptr<InputSpec> NicQueueFilterClassList::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> NicQueueFilterClassList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicQueueFilterClassList::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,5 +1,3 @@
-#include "nic/NicQueueLbPluginList.h"
-
 #include <algorithm>
 #include <memory>
 #include <string>
@@ -7,6 +5,7 @@
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "nic/NetqueueKit.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -24,9 +23,7 @@ const std::string kEnabled = "Enabled";
 const std::string kDescription = "Description";
 }  // namespace
 
-std::shared_ptr<NicQueueLbPluginList> NicQueueLbPluginList::New() {
-  return std::make_shared<NicQueueLbPluginList>();
-}
+NETWORK_COMMAND_NEW(NicQueueLbPluginList)
 
 NicQueueLbPluginList::NicQueueLbPluginList() {
   SetDescription(
@@ -37,8 +34,6 @@ NicQueueLbPluginList::NicQueueLbPluginList() {
                             "NIC,Module Name,Plugin Name,Enabled,Description");
   SetDefaultOutputParameter("wrap-last", "true");
 }
-
-NicQueueLbPluginList::~NicQueueLbPluginList() = default;
 
 std::shared_ptr<MetaStruct> NicQueueLbPluginList::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -52,18 +47,13 @@ std::shared_ptr<MetaStruct> NicQueueLbPluginList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicQueueLbPluginList::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ornic = ParameterSpec::New(kOrnicParameter, ParameterType::String);
-  ornic->SetRequired(false);
-  ornic->SetShortName("n");
-  ornic->SetDescription("The name of pnic to get netqueue plugin details");
-  spec->AddParameter(ornic);
+  spec->AddParameter(Optional(kOrnicParameter, ParameterType::String, "n",
+                              "The name of pnic to get netqueue plugin details"));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicQueueLbPluginList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicQueueLbPluginList::ExecuteInternal(std::shared_ptr<Input> const& input,

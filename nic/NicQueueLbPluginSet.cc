@@ -1,11 +1,10 @@
-#include "nic/NicQueueLbPluginSet.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "nic/NetqueueKit.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -20,45 +19,26 @@ const std::string kModule = "module";
 const std::string kPlugin = "plugin";
 }  // namespace
 
-std::shared_ptr<NicQueueLbPluginSet> NicQueueLbPluginSet::New() {
-  return std::make_shared<NicQueueLbPluginSet>();
-}
+NETWORK_COMMAND_NEW(NicQueueLbPluginSet)
 
 NicQueueLbPluginSet::NicQueueLbPluginSet() {
   SetDescription("Enable/disable netqueue balancer plugin on a NIC");
 }
 
-NicQueueLbPluginSet::~NicQueueLbPluginSet() = default;
-
 std::shared_ptr<InputSpec> NicQueueLbPluginSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ornic = ParameterSpec::New(kOrnicParameter, ParameterType::String);
-  ornic->SetRequired(true);
-  ornic->SetShortName("n");
-  ornic->SetDescription("Name of ornic to change netqueue balancer plugin state");
-  spec->AddParameter(ornic);
-  auto enable = ParameterSpec::New(kEnable, ParameterType::Bool);
-  enable->SetRequired(true);
-  enable->SetShortName("e");
-  enable->SetDescription("Netqueue balancer plugin state");
-  spec->AddParameter(enable);
-  auto module = ParameterSpec::New(kModule, ParameterType::String);
-  module->SetRequired(true);
-  module->SetShortName("m");
-  module->SetDescription("Name of netqueue balancer module");
-  spec->AddParameter(module);
-  auto plugin = ParameterSpec::New(kPlugin, ParameterType::String);
-  plugin->SetRequired(true);
-  plugin->SetShortName("p");
-  plugin->SetDescription("Name of netqueue balancer plugin");
-  spec->AddParameter(plugin);
+  spec->AddParameter(Required(kOrnicParameter, ParameterType::String, "n",
+                              "Name of ornic to change netqueue balancer plugin state"));
+  spec->AddParameter(Required(kEnable, ParameterType::Bool, "e", "Netqueue balancer plugin state"));
+  spec->AddParameter(
+      Required(kModule, ParameterType::String, "m", "Name of netqueue balancer module"));
+  spec->AddParameter(
+      Required(kPlugin, ParameterType::String, "p", "Name of netqueue balancer plugin"));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicQueueLbPluginSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void NicQueueLbPluginSet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,11 +1,10 @@
-#include "nic/NicQueueLbSettingList.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "nic/NetqueueKit.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -19,9 +18,7 @@ const std::string kStructure = "Settings";
 const std::string kNic = "NIC";
 }  // namespace
 
-std::shared_ptr<NicQueueLbSettingList> NicQueueLbSettingList::New() {
-  return std::make_shared<NicQueueLbSettingList>();
-}
+NETWORK_COMMAND_NEW(NicQueueLbSettingList)
 
 NicQueueLbSettingList::NicQueueLbSettingList() {
   SetDescription(
@@ -32,8 +29,6 @@ NicQueueLbSettingList::NicQueueLbSettingList() {
                             "NIC,RxQPair,RxQNoFeature,PreEmptibleQ,RxQLatency,RxDynamicLB,"
                             "DynamicQPool,MacLearnLB,RSS,LRO,GeneveOAM,RSSLRO");
 }
-
-NicQueueLbSettingList::~NicQueueLbSettingList() = default;
 
 std::shared_ptr<MetaStruct> NicQueueLbSettingList::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -47,9 +42,7 @@ std::shared_ptr<InputSpec> NicQueueLbSettingList::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> NicQueueLbSettingList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicQueueLbSettingList::ExecuteInternal(std::shared_ptr<Input> const& input,

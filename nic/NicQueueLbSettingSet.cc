@@ -1,11 +1,10 @@
-#include "nic/NicQueueLbSettingSet.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "nic/NetqueueKit.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -14,36 +13,25 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-std::shared_ptr<NicQueueLbSettingSet> NicQueueLbSettingSet::New() {
-  return std::make_shared<NicQueueLbSettingSet>();
-}
+NETWORK_COMMAND_NEW(NicQueueLbSettingSet)
 
 NicQueueLbSettingSet::NicQueueLbSettingSet() {
   SetDescription("Enable/disable netqueue load balancer setting on a NIC.");
 }
 
-NicQueueLbSettingSet::~NicQueueLbSettingSet() = default;
-
 std::shared_ptr<InputSpec> NicQueueLbSettingSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ornic = ParameterSpec::New(kOrnicParameter, ParameterType::String);
-  ornic->SetRequired(true);
-  ornic->SetShortName("n");
-  ornic->SetDescription("Name of ornic to update netqueue load balancer setting.");
-  spec->AddParameter(ornic);
+  spec->AddParameter(Required(kOrnicParameter, ParameterType::String, "n",
+                              "Name of ornic to update netqueue load balancer setting."));
   for (auto const& setting : kLbSettings) {
-    auto parameter = ParameterSpec::New(setting.parameter, ParameterType::Bool);
-    parameter->SetRequired(false);
-    parameter->SetDescription(setting.description);
-    spec->AddParameter(parameter);
+    spec->AddParameter(
+        Optional(setting.parameter, ParameterType::Bool, nullptr, setting.description));
   }
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicQueueLbSettingSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void NicQueueLbSettingSet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,11 +1,10 @@
-#include "nic/NicQueueLbStateList.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "nic/NetqueueKit.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -20,9 +19,7 @@ const std::string kNic = "NIC";
 const std::string kEnabled = "Enabled";
 }  // namespace
 
-std::shared_ptr<NicQueueLbStateList> NicQueueLbStateList::New() {
-  return std::make_shared<NicQueueLbStateList>();
-}
+NETWORK_COMMAND_NEW(NicQueueLbStateList)
 
 NicQueueLbStateList::NicQueueLbStateList() {
   SetDescription(
@@ -30,8 +27,6 @@ NicQueueLbStateList::NicQueueLbStateList() {
   SetDefaultOutputFormatter("table");
   SetDefaultOutputParameter("fields:NetqBalState", "NIC,Enabled");
 }
-
-NicQueueLbStateList::~NicQueueLbStateList() = default;
 
 std::shared_ptr<MetaStruct> NicQueueLbStateList::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -42,18 +37,13 @@ std::shared_ptr<MetaStruct> NicQueueLbStateList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicQueueLbStateList::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ornic = ParameterSpec::New(kOrnicParameter, ParameterType::String);
-  ornic->SetRequired(false);
-  ornic->SetShortName("n");
-  ornic->SetDescription("The name of pnic to get netqueue balancer state");
-  spec->AddParameter(ornic);
+  spec->AddParameter(Optional(kOrnicParameter, ParameterType::String, "n",
+                              "The name of pnic to get netqueue balancer state"));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicQueueLbStateList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicQueueLbStateList::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,11 +1,10 @@
-#include "nic/NicQueueLbStateSet.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "nic/NetqueueKit.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -18,35 +17,22 @@ namespace {
 const std::string kEnable = "enable";
 }  // namespace
 
-std::shared_ptr<NicQueueLbStateSet> NicQueueLbStateSet::New() {
-  return std::make_shared<NicQueueLbStateSet>();
-}
+NETWORK_COMMAND_NEW(NicQueueLbStateSet)
 
 NicQueueLbStateSet::NicQueueLbStateSet() {
   SetDescription("Enable/disable netqueue balancer on a NIC");
 }
 
-NicQueueLbStateSet::~NicQueueLbStateSet() = default;
-
 std::shared_ptr<InputSpec> NicQueueLbStateSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ornic = ParameterSpec::New(kOrnicParameter, ParameterType::String);
-  ornic->SetRequired(true);
-  ornic->SetShortName("n");
-  ornic->SetDescription("Name of ornic to change netqueue balancer state");
-  spec->AddParameter(ornic);
-  auto enable = ParameterSpec::New(kEnable, ParameterType::Bool);
-  enable->SetRequired(true);
-  enable->SetShortName("e");
-  enable->SetDescription("Netqueue balancer state");
-  spec->AddParameter(enable);
+  spec->AddParameter(Required(kOrnicParameter, ParameterType::String, "n",
+                              "Name of ornic to change netqueue balancer state"));
+  spec->AddParameter(Required(kEnable, ParameterType::Bool, "e", "Netqueue balancer state"));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicQueueLbStateSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void NicQueueLbStateSet::ExecuteInternal(std::shared_ptr<Input> const& input,

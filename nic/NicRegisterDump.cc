@@ -1,5 +1,3 @@
-#include "nic/NicRegisterDump.h"
-
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -7,6 +5,8 @@
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
+#include "nic/PnicLookup.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -23,17 +23,13 @@ const std::string kValueField = "Value";
 constexpr size_t kRowValues = 16;
 }  // namespace
 
-std::shared_ptr<NicRegisterDump> NicRegisterDump::New() {
-  return std::shared_ptr<NicRegisterDump>(new NicRegisterDump());
-}
+NETWORK_COMMAND_NEW(NicRegisterDump)
 
 NicRegisterDump::NicRegisterDump() {
   SetDescription("Dump device registers");
   SetDefaultOutputFormatter("table");
   SetDefaultOutputParameter("fields:" + kStructure, "Offset,Value");
 }
-
-NicRegisterDump::~NicRegisterDump() = default;
 
 std::shared_ptr<MetaStruct> NicRegisterDump::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -44,18 +40,13 @@ std::shared_ptr<MetaStruct> NicRegisterDump::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicRegisterDump::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ornic = ParameterSpec::New(kOrnic, ParameterType::String);
-  ornic->SetRequired(true);
-  ornic->SetShortName("n");
-  ornic->SetDescription("The name of pnic to dump registers");
-  spec->AddParameter(ornic);
+  spec->AddParameter(
+      Required(kOrnic, ParameterType::String, "n", "The name of pnic to dump registers"));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicRegisterDump::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 // The Offset column counts values, 0x10 per row of 16, not bytes.
@@ -64,11 +55,8 @@ void NicRegisterDump::ExecuteInternal(std::shared_ptr<Input> const& input,
   try {
     std::string const& name = input->GetParameter(kOrnic);
     OrvkCtl::Network::NetworkInfoImpl networkInfo;
-    auto pnic = networkInfo.GetPnicByName(name);
-    if (!pnic) {
-      output->AddErrorMessage("Pnic with name " + name + " not found");
-      return;
-    }
+    auto pnic = FindNamedPnic(networkInfo, name, *output);
+    if (!pnic) return;
     std::vector<uint32_t> values;
     pnic->GetRegisterDump(values);
     auto list = MetaList::New(MetaType::Struct, GetOutputStructure());

@@ -1,10 +1,10 @@
-#include "nic/NicRingCurrentGet.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
+#include "nic/PnicLookup.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -22,9 +22,7 @@ const std::string kRxJumbo = "RX Jumbo";
 const std::string kTx = "TX";
 }  // namespace
 
-std::shared_ptr<NicRingCurrentGet> NicRingCurrentGet::New() {
-  return std::shared_ptr<NicRingCurrentGet>(new NicRingCurrentGet());
-}
+NETWORK_COMMAND_NEW(NicRingCurrentGet)
 
 NicRingCurrentGet::NicRingCurrentGet() {
   SetDescription("Get current RX/TX ring buffer parameters of a NIC");
@@ -32,8 +30,6 @@ NicRingCurrentGet::NicRingCurrentGet() {
   SetDefaultOutputParameter("fields:" + kStructure,
                             kRx + "," + kRxMini + "," + kRxJumbo + "," + kTx);
 }
-
-NicRingCurrentGet::~NicRingCurrentGet() = default;
 
 std::shared_ptr<MetaStruct> NicRingCurrentGet::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -46,19 +42,14 @@ std::shared_ptr<MetaStruct> NicRingCurrentGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicRingCurrentGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto nicName = ParameterSpec::New(kNicName, ParameterType::String);
-  nicName->SetRequired(true);
-  nicName->SetShortName("n");
-  nicName->SetDescription(
-      "The name of the NIC whose current RX/TX ring buffer parameters should be retrieved.");
-  spec->AddParameter(nicName);
+  spec->AddParameter(Required(
+      kNicName, ParameterType::String, "n",
+      "The name of the NIC whose current RX/TX ring buffer parameters should be retrieved."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicRingCurrentGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(GetOutputStructure());
-  return spec;
+  return RootSpec(GetOutputStructure());
 }
 
 void NicRingCurrentGet::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -66,11 +57,8 @@ void NicRingCurrentGet::ExecuteInternal(std::shared_ptr<Input> const& input,
   try {
     std::string const& name = input->GetParameter(kNicName);
     auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
-    auto pnic = networkInfo->GetPnicByName(name);
-    if (!pnic) {
-      output->AddErrorMessage("NIC with name " + name + " not found");
-      return;
-    }
+    auto pnic = FindNamedPnic(*networkInfo, name, *output, MissingPnicWords::NicNotFound);
+    if (!pnic) return;
     HostCtl::Network::PnicRingParams preset;
     HostCtl::Network::PnicRingParams current;
     pnic->GetRingParams(preset, current);

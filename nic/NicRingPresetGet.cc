@@ -1,10 +1,10 @@
-#include "nic/NicRingPresetGet.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
+#include "nic/PnicLookup.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -26,9 +26,7 @@ const std::string kMaxRxJumbo = "Max RX Jumbo";
 const std::string kMaxTx = "Max TX";
 }  // namespace
 
-std::shared_ptr<NicRingPresetGet> NicRingPresetGet::New() {
-  return std::shared_ptr<NicRingPresetGet>(new NicRingPresetGet());
-}
+NETWORK_COMMAND_NEW(NicRingPresetGet)
 
 NicRingPresetGet::NicRingPresetGet() {
   SetDescription("Get preset maximums for RX/TX ring buffer parameters of a NIC.");
@@ -36,8 +34,6 @@ NicRingPresetGet::NicRingPresetGet() {
   SetDefaultOutputParameter("fields:" + kStructure,
                             kMaxRx + "," + kMaxRxMini + "," + kMaxRxJumbo + "," + kMaxTx);
 }
-
-NicRingPresetGet::~NicRingPresetGet() = default;
 
 std::shared_ptr<MetaStruct> NicRingPresetGet::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -54,20 +50,15 @@ std::shared_ptr<MetaStruct> NicRingPresetGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicRingPresetGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto nicName = ParameterSpec::New(kNicName, ParameterType::String);
-  nicName->SetRequired(true);
-  nicName->SetShortName("n");
-  nicName->SetDescription(
+  spec->AddParameter(Required(
+      kNicName, ParameterType::String, "n",
       "The name of the NIC whose preset maximums for RX/TX ring buffer parameters should be "
-      "retrieved.");
-  spec->AddParameter(nicName);
+      "retrieved."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicRingPresetGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(GetOutputStructure());
-  return spec;
+  return RootSpec(GetOutputStructure());
 }
 
 void NicRingPresetGet::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -75,11 +66,8 @@ void NicRingPresetGet::ExecuteInternal(std::shared_ptr<Input> const& input,
   try {
     std::string const& name = input->GetParameter(kNicName);
     auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
-    auto pnic = networkInfo->GetPnicByName(name);
-    if (!pnic) {
-      output->AddErrorMessage("NIC with name " + name + " not found");
-      return;
-    }
+    auto pnic = FindNamedPnic(*networkInfo, name, *output, MissingPnicWords::NicNotFound);
+    if (!pnic) return;
     HostCtl::Network::PnicRingParams preset;
     HostCtl::Network::PnicRingParams current;
     pnic->GetRingParams(preset, current);

@@ -1,9 +1,9 @@
-#include "nic/NicSelfTestRun.h"
-
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
+#include "nic/PnicLookup.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -21,17 +21,13 @@ const std::string kItemField = "Item";
 const std::string kValueField = "Value";
 }  // namespace
 
-std::shared_ptr<NicSelfTestRun> NicSelfTestRun::New() {
-  return std::shared_ptr<NicSelfTestRun>(new NicSelfTestRun());
-}
+NETWORK_COMMAND_NEW(NicSelfTestRun)
 
 NicSelfTestRun::NicSelfTestRun() {
   SetDescription("Run self test");
   SetDefaultOutputFormatter("table");
   SetDefaultOutputParameter("fields:" + kStructure, "Item,Value");
 }
-
-NicSelfTestRun::~NicSelfTestRun() = default;
 
 std::shared_ptr<MetaStruct> NicSelfTestRun::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -42,25 +38,17 @@ std::shared_ptr<MetaStruct> NicSelfTestRun::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicSelfTestRun::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ornic = ParameterSpec::New(kOrnic, ParameterType::String);
-  ornic->SetRequired(true);
-  ornic->SetShortName("n");
-  ornic->SetDescription("The name of pnic to dump EEPROM");
-  spec->AddParameter(ornic);
-  auto online = ParameterSpec::New(kOnline, ParameterType::Int);
-  online->SetRequired(false);
-  online->SetShortName("o");
-  online->SetDescription(
+  spec->AddParameter(
+      Required(kOrnic, ParameterType::String, "n", "The name of pnic to dump EEPROM"));
+  spec->AddParameter(Optional(
+      kOnline, ParameterType::Int, "o",
       "Performing limited set of tests do not inetrrupt normal adapter operation, default is "
-      "offline");
-  spec->AddParameter(online);
+      "offline"));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicSelfTestRun::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 // A failed test is a result like any other, not an error.
@@ -69,11 +57,8 @@ void NicSelfTestRun::ExecuteInternal(std::shared_ptr<Input> const& input,
   try {
     std::string const& name = input->GetParameter(kOrnic);
     OrvkCtl::Network::NetworkInfoImpl networkInfo;
-    auto pnic = networkInfo.GetPnicByName(name);
-    if (!pnic) {
-      output->AddErrorMessage("Pnic with name " + name + " not found");
-      return;
-    }
+    auto pnic = FindNamedPnic(networkInfo, name, *output);
+    if (!pnic) return;
     bool online = input->HasParameter(kOnline) && input->GetParameterInt(kOnline) != 0;
     HostCtl::Network::PnicSelfTestResult result;
     pnic->RunSelfTest(result, online);

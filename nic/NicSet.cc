@@ -1,13 +1,12 @@
-#include "nic/NicSet.h"
-
 #include <cstdint>
 #include <iterator>
 #include <memory>
 #include <string>
 
-#include "frame/ParamRange.h"
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
+#include "nic/PnicLookup.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -51,32 +50,18 @@ const long kSpeeds[] = {10,    100,   1000,  2500,  5000,   10000,  20000,
 
 // The wake-on-LAN letters, in the order of their mode numbers.
 const std::string kWakeOnLetters = "pumbags";
-
-std::shared_ptr<ParameterSpec> Optional(std::string const& name, ParameterType type,
-                                        char const* shortName, char const* description) {
-  auto parameter = ParameterSpec::New(name, type);
-  parameter->SetRequired(false);
-  parameter->SetShortName(shortName);
-  parameter->SetDescription(description);
-  return parameter;
-}
 }  // namespace
 
-std::shared_ptr<NicSet> NicSet::New() { return std::shared_ptr<NicSet>(new NicSet()); }
+NETWORK_COMMAND_NEW(NicSet)
 
 NicSet::NicSet() { SetDescription("Set the general options for the specified ethernet device."); }
 
-NicSet::~NicSet() = default;
-
 std::shared_ptr<InputSpec> NicSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto nicName = ParameterSpec::New(kNicName, ParameterType::String);
-  nicName->SetRequired(true);
-  nicName->SetShortName("n");
-  nicName->SetDescription(
+  spec->AddParameter(Required(
+      kNicName, ParameterType::String, "n",
       "The name of the NIC to configured. This must be one of the cards listed in the nic list "
-      "command.");
-  spec->AddParameter(nicName);
+      "command."));
 
   auto port = Optional(kPort, ParameterType::String, "p",
                        "Selects device port. Available device ports are %FULLENUM%");
@@ -134,11 +119,7 @@ std::shared_ptr<InputSpec> NicSet::GetInputSpecInternal() {
   return spec;
 }
 
-std::shared_ptr<OutputSpec> NicSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
-}
+std::shared_ptr<OutputSpec> NicSet::GetOutputSpecInternal() { return RootSpec(MetaBool::New()); }
 
 bool NicSet::GetInfoFromParam(std::shared_ptr<Input> const& input,
                               HostCtl::Network::PnicInfo& info) {
@@ -226,25 +207,11 @@ void NicSet::ExecuteInternal(std::shared_ptr<Input> const& input,
   bool const linkChange = automatic || hasSpeed;
   try {
     OrvkCtl::Network::NetworkInfoImpl networkInfo;
-    auto pnic = networkInfo.GetPnicByName(name);
-    if (!pnic) {
-      output->AddErrorMessage("There is no pnic with name " + name);
-      return;
-    }
+    auto pnic = FindNamedPnic(networkInfo, name, *output, MissingPnicWords::NoPnic);
+    if (!pnic) return;
     HostCtl::Network::PnicInfo info;
     pnic->GetInfo(info);
     bool const changed = GetInfoFromParam(input, info);
-    // Values for 32-bit host fields; checked after the record's own checks
-    // and before anything is applied. -1 leaves the PHY address as it is.
-    if (input->HasParameter(kPhyAddress) && input->GetParameterInt(kPhyAddress) != -1 &&
-        !CheckParamRange(*output, kPhyAddress, input->GetParameterInt(kPhyAddress), 1,
-                         UINT32_MAX)) {
-      return;
-    }
-    if (input->HasParameter(kMessageLevel) &&
-        !CheckParamUint32(*output, kMessageLevel, input->GetParameterInt(kMessageLevel))) {
-      return;
-    }
     if (changed) pnic->SetInfo(info);
     if (!changed && !linkChange) {
       output->AddErrorMessage("There is no change for nic " + name);

@@ -1,10 +1,9 @@
-#include "nic/NicSgSet.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
-#include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
+#include "nic/OffloadKit.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -13,28 +12,15 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kOrnic = "ornic";
-const std::string kEnable = "enable";
-}  // namespace
-
-std::shared_ptr<NicSgSet> NicSgSet::New() { return std::shared_ptr<NicSgSet>(new NicSgSet()); }
+NETWORK_COMMAND_NEW(NicSgSet)
 
 NicSgSet::NicSgSet() { SetDescription("Set scatter-gatter settings on a nic"); }
 
-NicSgSet::~NicSgSet() = default;
-
 std::shared_ptr<InputSpec> NicSgSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ornic = ParameterSpec::New(kOrnic, ParameterType::String);
-  ornic->SetRequired(true);
-  ornic->SetShortName("n");
-  ornic->SetDescription("Name of ornic to configure scatter-gather settings.");
-  spec->AddParameter(ornic);
-  auto enable = ParameterSpec::New(kEnable, ParameterType::Int);
-  enable->SetRequired(true);
-  enable->SetShortName("e");
-  enable->SetDescription("Enable/disable sacatter-gather");
+  spec->AddParameter(Required("ornic", ParameterType::String, "n",
+                              "Name of ornic to configure scatter-gather settings."));
+  auto enable = Required("enable", ParameterType::Int, "e", "Enable/disable sacatter-gather");
   auto range = ParameterConstraint::New(ParameterConstraintType::IntRange);
   range->SetIntRange(0, 1);
   enable->SetConstraint(range);
@@ -42,29 +28,13 @@ std::shared_ptr<InputSpec> NicSgSet::GetInputSpecInternal() {
   return spec;
 }
 
-std::shared_ptr<OutputSpec> NicSgSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
-}
+std::shared_ptr<OutputSpec> NicSgSet::GetOutputSpecInternal() { return RootSpec(MetaBool::New()); }
 
 void NicSgSet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                std::shared_ptr<Output> const& output) {
   try {
     OrvkCtl::Network::NetworkInfoImpl networkInfo;
-    std::string const& name = input->GetParameter(kOrnic);
-    auto pnic = networkInfo.GetPnicByName(name);
-    if (!pnic) {
-      output->AddErrorMessage("Pnic with name " + name + " not found");
-      return;
-    }
-    HostCtl::Network::PnicOffloadParams params;
-    pnic->GetOffloadParams(params);
-    bool const enable = input->GetParameterInt(kEnable) != 0;
-    params.mask = HostCtl::Network::PnicOffloadParams::MASK_SCATTER_GATHER;
-    params.scatterGather = enable;
-    pnic->SetOffloadParams(params);
-    output->SetRootObject(MetaBool::New(true));
+    SetOffload(networkInfo, *input, *output, kScatterGather);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

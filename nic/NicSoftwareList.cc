@@ -1,10 +1,9 @@
-#include "nic/NicSoftwareList.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
 #include "nic/NicFeatureKit.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -21,9 +20,7 @@ const std::string kOn = "on";
 const std::string kOff = "off";
 }  // namespace
 
-std::shared_ptr<NicSoftwareList> NicSoftwareList::New() {
-  return std::shared_ptr<NicSoftwareList>(new NicSoftwareList());
-}
+NETWORK_COMMAND_NEW(NicSoftwareList)
 
 NicSoftwareList::NicSoftwareList() {
   SetDescription(
@@ -36,8 +33,6 @@ NicSoftwareList::NicSoftwareList() {
       "TSO,IPv6 TSO Ext,IPv6 CSO,IPv6 CSO Ext,High DMA,Scatter Gather MP,VLAN Tagging,VLAN "
       "Untagging");
 }
-
-NicSoftwareList::~NicSoftwareList() = default;
 
 std::shared_ptr<MetaStruct> NicSoftwareList::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -55,9 +50,7 @@ std::shared_ptr<InputSpec> NicSoftwareList::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> NicSoftwareList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicSoftwareList::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,11 +1,11 @@
-#include "nic/NicSoftwareSet.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
 #include "nic/NicFeatureKit.h"
+#include "nic/PnicLookup.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -18,36 +18,26 @@ namespace {
 const std::string kOrnic = "ornic";
 }  // namespace
 
-std::shared_ptr<NicSoftwareSet> NicSoftwareSet::New() {
-  return std::shared_ptr<NicSoftwareSet>(new NicSoftwareSet());
-}
+NETWORK_COMMAND_NEW(NicSoftwareSet)
 
 NicSoftwareSet::NicSoftwareSet() {
   SetDescription("Enable and disable software simulation settings on a NIC.");
 }
 
-NicSoftwareSet::~NicSoftwareSet() = default;
-
 std::shared_ptr<InputSpec> NicSoftwareSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ornic = ParameterSpec::New(kOrnic, ParameterType::String);
-  ornic->SetRequired(true);
-  ornic->SetShortName("n");
-  ornic->SetDescription("Name of the ornic whose software similation settings should be updated.");
-  spec->AddParameter(ornic);
+  spec->AddParameter(
+      Required(kOrnic, ParameterType::String, "n",
+               "Name of the ornic whose software similation settings should be updated."));
   for (auto const& setting : kSoftwareSimulationSettings) {
-    auto parameter = ParameterSpec::New(setting.parameter, ParameterType::Bool);
-    parameter->SetRequired(false);
-    parameter->SetDescription(setting.description);
-    spec->AddParameter(parameter);
+    spec->AddParameter(
+        Optional(setting.parameter, ParameterType::Bool, nullptr, setting.description));
   }
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicSoftwareSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void NicSoftwareSet::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -55,11 +45,8 @@ void NicSoftwareSet::ExecuteInternal(std::shared_ptr<Input> const& input,
   try {
     std::string const& name = input->GetParameter(kOrnic);
     auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
-    auto pnic = networkInfo->GetPnicByName(name);
-    if (!pnic) {
-      output->AddErrorMessage("Pnic with name " + name + " not found");
-      return;
-    }
+    auto pnic = FindNamedPnic(*networkInfo, name, *output);
+    if (!pnic) return;
     HostCtl::Network::PnicSoftwareSimulation settings;
     for (auto const& setting : kSoftwareSimulationSettings) {
       if (!input->HasParameter(setting.parameter)) continue;

@@ -1,10 +1,9 @@
-#include "nic/NicStatsGet.h"
-
 #include <cstdint>
 #include <memory>
 #include <string>
 
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -63,9 +62,7 @@ std::string FieldList() {
 }
 }  // namespace
 
-std::shared_ptr<NicStatsGet> NicStatsGet::New() {
-  return std::shared_ptr<NicStatsGet>(new NicStatsGet());
-}
+NETWORK_COMMAND_NEW(NicStatsGet)
 
 NicStatsGet::NicStatsGet() {
   SetDescription("Get NIC statistics for a given interface.");
@@ -73,8 +70,6 @@ NicStatsGet::NicStatsGet() {
   SetDefaultOutputParameter("header:" + kStructure, "NIC statistics for %" + kNicNameField + "%");
   SetDefaultOutputParameter("fields:" + kStructure, FieldList());
 }
-
-NicStatsGet::~NicStatsGet() = default;
 
 std::shared_ptr<MetaStruct> NicStatsGet::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -85,18 +80,13 @@ std::shared_ptr<MetaStruct> NicStatsGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicStatsGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto nicName = ParameterSpec::New(kNicName, ParameterType::String);
-  nicName->SetRequired(true);
-  nicName->SetShortName("n");
-  nicName->SetDescription("Name of the NIC to get statistics from.");
-  spec->AddParameter(nicName);
+  spec->AddParameter(
+      Required(kNicName, ParameterType::String, "n", "Name of the NIC to get statistics from."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicStatsGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicStatsGet::ExecuteInternal(std::shared_ptr<Input> const& input,

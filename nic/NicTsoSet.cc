@@ -1,10 +1,9 @@
-#include "nic/NicTsoSet.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
-#include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
+#include "nic/OffloadKit.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -13,28 +12,15 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kOrnic = "ornic";
-const std::string kEnable = "enable";
-}  // namespace
-
-std::shared_ptr<NicTsoSet> NicTsoSet::New() { return std::shared_ptr<NicTsoSet>(new NicTsoSet()); }
+NETWORK_COMMAND_NEW(NicTsoSet)
 
 NicTsoSet::NicTsoSet() { SetDescription("Set TCP segmentation offload settings on a nic"); }
 
-NicTsoSet::~NicTsoSet() = default;
-
 std::shared_ptr<InputSpec> NicTsoSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto ornic = ParameterSpec::New(kOrnic, ParameterType::String);
-  ornic->SetRequired(true);
-  ornic->SetShortName("n");
-  ornic->SetDescription("Name of ornic to set TSO settings.");
-  spec->AddParameter(ornic);
-  auto enable = ParameterSpec::New(kEnable, ParameterType::Int);
-  enable->SetRequired(true);
-  enable->SetShortName("e");
-  enable->SetDescription("TCP segmentation offload");
+  spec->AddParameter(
+      Required("ornic", ParameterType::String, "n", "Name of ornic to set TSO settings."));
+  auto enable = Required("enable", ParameterType::Int, "e", "TCP segmentation offload");
   auto range = ParameterConstraint::New(ParameterConstraintType::IntRange);
   range->SetIntRange(0, 1);
   enable->SetConstraint(range);
@@ -42,11 +28,7 @@ std::shared_ptr<InputSpec> NicTsoSet::GetInputSpecInternal() {
   return spec;
 }
 
-std::shared_ptr<OutputSpec> NicTsoSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
-}
+std::shared_ptr<OutputSpec> NicTsoSet::GetOutputSpecInternal() { return RootSpec(MetaBool::New()); }
 
 void NicTsoSet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                 std::shared_ptr<Output> const& output) {
@@ -54,19 +36,7 @@ void NicTsoSet::ExecuteInternal(std::shared_ptr<Input> const& input,
   // turned into a message here.
   OrvkCtl::Network::NetworkInfoImpl networkInfo;
   try {
-    std::string const& name = input->GetParameter(kOrnic);
-    auto pnic = networkInfo.GetPnicByName(name);
-    if (!pnic) {
-      output->AddErrorMessage("Pnic with name " + name + " not found");
-      return;
-    }
-    HostCtl::Network::PnicOffloadParams params;
-    pnic->GetOffloadParams(params);
-    bool const enable = input->GetParameterInt(kEnable) != 0;
-    params.mask = HostCtl::Network::PnicOffloadParams::MASK_TCP_SEGMENTATION;
-    params.tcpSegmentation = enable;
-    pnic->SetOffloadParams(params);
-    output->SetRootObject(MetaBool::New(true));
+    SetOffload(networkInfo, *input, *output, kSegmentationOffload);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

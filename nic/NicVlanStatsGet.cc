@@ -1,10 +1,9 @@
-#include "nic/NicVlanStatsGet.h"
-
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "hostctl/virtual_switch.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -21,9 +20,7 @@ const std::string kPacketsReceived = "Packets received";
 const std::string kPacketsSent = "Packets sent";
 }  // namespace
 
-std::shared_ptr<NicVlanStatsGet> NicVlanStatsGet::New() {
-  return std::shared_ptr<NicVlanStatsGet>(new NicVlanStatsGet());
-}
+NETWORK_COMMAND_NEW(NicVlanStatsGet)
 
 NicVlanStatsGet::NicVlanStatsGet() {
   SetDescription("List VLAN statistics for active VLAN's on the NIC.");
@@ -31,8 +28,6 @@ NicVlanStatsGet::NicVlanStatsGet() {
   SetDefaultOutputParameter("header:" + kStructure, "VLAN %" + kVlanId + "%");
   SetDefaultOutputParameter("fields:" + kStructure, kPacketsReceived + "," + kPacketsSent);
 }
-
-NicVlanStatsGet::~NicVlanStatsGet() = default;
 
 std::shared_ptr<MetaStruct> NicVlanStatsGet::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -44,18 +39,13 @@ std::shared_ptr<MetaStruct> NicVlanStatsGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicVlanStatsGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto nicName = ParameterSpec::New(kNicName, ParameterType::String);
-  nicName->SetRequired(true);
-  nicName->SetShortName("n");
-  nicName->SetDescription("Name of the NIC to get statistics from.");
-  spec->AddParameter(nicName);
+  spec->AddParameter(
+      Required(kNicName, ParameterType::String, "n", "Name of the NIC to get statistics from."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicVlanStatsGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicVlanStatsGet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,10 +1,9 @@
-#include "nic/NicVlanStatsSet.h"
-
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "hostctl/virtual_switch.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -18,35 +17,23 @@ const std::string kNicName = "nic-name";
 const std::string kEnabled = "enabled";
 }  // namespace
 
-std::shared_ptr<NicVlanStatsSet> NicVlanStatsSet::New() {
-  return std::shared_ptr<NicVlanStatsSet>(new NicVlanStatsSet());
-}
+NETWORK_COMMAND_NEW(NicVlanStatsSet)
 
 NicVlanStatsSet::NicVlanStatsSet() {
   SetDescription("Enable/disable VLAN statistics collection on the NIC.");
 }
 
-NicVlanStatsSet::~NicVlanStatsSet() = default;
-
 std::shared_ptr<InputSpec> NicVlanStatsSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto nicName = ParameterSpec::New(kNicName, ParameterType::String);
-  nicName->SetRequired(true);
-  nicName->SetShortName("n");
-  nicName->SetDescription("Name of the NIC to get statistics from.");
-  spec->AddParameter(nicName);
-  auto enabled = ParameterSpec::New(kEnabled, ParameterType::Bool);
-  enabled->SetRequired(true);
-  enabled->SetShortName("e");
-  enabled->SetDescription("Whether to enable or disable VLAN statistics");
-  spec->AddParameter(enabled);
+  spec->AddParameter(
+      Required(kNicName, ParameterType::String, "n", "Name of the NIC to get statistics from."));
+  spec->AddParameter(
+      Required(kEnabled, ParameterType::Bool, "e", "Whether to enable or disable VLAN statistics"));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> NicVlanStatsSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void NicVlanStatsSet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,9 +1,8 @@
-#include "nic/SriovNicList.h"
-
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -26,9 +25,7 @@ const std::string kDescription = "Description";
 const std::string kUnknown = "Unknown";
 }  // namespace
 
-std::shared_ptr<SriovNicList> SriovNicList::New() {
-  return std::shared_ptr<SriovNicList>(new SriovNicList());
-}
+NETWORK_COMMAND_NEW(SriovNicList)
 
 SriovNicList::SriovNicList() {
   SetDescription(
@@ -38,8 +35,6 @@ SriovNicList::SriovNicList() {
   SetDefaultOutputParameter("fields:" + kStructure,
                             "Name,PCI Device,Driver,Link,Speed,Duplex,MAC Address,MTU,Description");
 }
-
-SriovNicList::~SriovNicList() = default;
 
 std::shared_ptr<MetaStruct> SriovNicList::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -58,9 +53,7 @@ std::shared_ptr<MetaStruct> SriovNicList::GetOutputStructure() {
 std::shared_ptr<InputSpec> SriovNicList::GetInputSpecInternal() { return InputSpec::New(); }
 
 std::shared_ptr<OutputSpec> SriovNicList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void SriovNicList::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,

@@ -1,9 +1,8 @@
-#include "nic/VfList.h"
-
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -21,15 +20,13 @@ const std::string kPciAddress = "PCI Address";
 const std::string kOwnerWorldId = "Owner World ID";
 }  // namespace
 
-std::shared_ptr<VfList> VfList::New() { return std::shared_ptr<VfList>(new VfList()); }
+NETWORK_COMMAND_NEW(VfList)
 
 VfList::VfList() {
   SetDescription("Get the generic configuration of VFs for SRIOV NIC.");
   SetDefaultOutputFormatter("table");
   SetDefaultOutputParameter("fields:" + kStructure, "VF ID,Active,PCI Address,Owner World ID");
 }
-
-VfList::~VfList() = default;
 
 std::shared_ptr<MetaStruct> VfList::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -42,20 +39,15 @@ std::shared_ptr<MetaStruct> VfList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> VfList::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto nicName = ParameterSpec::New(kNicName, ParameterType::String);
-  nicName->SetRequired(true);
-  nicName->SetShortName("n");
-  nicName->SetDescription(
+  spec->AddParameter(Required(
+      kNicName, ParameterType::String, "n",
       "The name of the SRIOV NIC to configured. This must be one of the cards listed in the "
-      "sriovNic list command.");
-  spec->AddParameter(nicName);
+      "sriovNic list command."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> VfList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void VfList::ExecuteInternal(std::shared_ptr<Input> const& input,

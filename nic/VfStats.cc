@@ -1,13 +1,10 @@
-#include "nic/VfStats.h"
-
-#include <climits>
 #include <cstdint>
 #include <cstdlib>
 #include <string>
 
-#include "frame/ParamRange.h"
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -67,7 +64,7 @@ std::string FieldList() {
 }
 }  // namespace
 
-std::shared_ptr<VfStats> VfStats::New() { return std::shared_ptr<VfStats>(new VfStats()); }
+NETWORK_COMMAND_NEW(VfStats)
 
 VfStats::VfStats() {
   SetDescription("Get statistics for given VF of a SRIOV NIC.");
@@ -75,8 +72,6 @@ VfStats::VfStats() {
   SetDefaultOutputParameter("header:VF", "Statistics for %vf% VF of %NIC Name%");
   SetDefaultOutputParameter("fields:VFStats", FieldList());
 }
-
-VfStats::~VfStats() = default;
 
 std::shared_ptr<MetaStruct> VfStats::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -88,41 +83,33 @@ std::shared_ptr<MetaStruct> VfStats::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> VfStats::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto nicName = ParameterSpec::New(kNicName, ParameterType::String);
-  nicName->SetRequired(true);
-  nicName->SetShortName("n");
-  nicName->SetDescription(
+  spec->AddParameter(Required(
+      kNicName, ParameterType::String, "n",
       "The name of the SRIOV NIC. This must be one of the cards listed in the sriovNic list "
-      "command.");
-  spec->AddParameter(nicName);
-  auto vfId = ParameterSpec::New(kVfIdParameter, ParameterType::Int);
-  vfId->SetRequired(true);
-  vfId->SetShortName("v");
-  vfId->SetDescription(
+      "command."));
+  spec->AddParameter(Required(
+      kVfIdParameter, ParameterType::Int, "v",
       "The VF ID of the virtual function whose stats are to be collected. This must be one of the "
-      "VF IDs listed in the sriovnic vf list command.");
-  spec->AddParameter(vfId);
+      "VF IDs listed in the sriovnic vf list command."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> VfStats::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void VfStats::ExecuteInternal(std::shared_ptr<Input> const& input,
                               std::shared_ptr<Output> const& output) {
+  // Built before the guarded block: a failure here is not turned into a message.
+  OrvkCtl::Network::NetworkInfoImpl networkInfo;
   try {
     auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
     std::string const& name = input->GetParameter(kNicName);
     long vfId = std::strtol(input->GetParameter(kVfIdParameter).c_str(), nullptr, 10);
-    OrvkCtl::Network::NetworkInfoImpl networkInfo;
     if (!networkInfo.GetSriovNicByName(name)) {
       output->AddErrorMessage("There is no SRIOV Nic with name " + name);
       return;
     }
-    if (!CheckParamRange(*output, kVfIdParameter, vfId, INT_MIN, INT_MAX)) return;
     SriovNicVFStats stats;
     networkInfo.GetSriovNicVFStats(&stats, name, static_cast<int>(vfId));
     auto entry = GetOutputStructure();

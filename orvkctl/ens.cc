@@ -154,7 +154,12 @@ int32_t NetworkInfo::GetLcoreAffinity(unsigned long lcoreId) {
 bool NetworkInfo::SetLcoreAffinity(unsigned int affinity, unsigned long lcoreId) {
   CheckFault("NetworkInfo::SetLcoreAffinity");
   return ChangeLcore(lcoreId, [&](HostModel const& host, EnsLcoreState& lcore) {
-    if (affinity >= host.runtime.ens.numa_nodes) return false;
+    if (affinity >= host.runtime.ens.numa_nodes) {
+      // The node is signed on the host: the narrowed -1 names node -1.
+      throw HostCtlException("NUMA node " + std::to_string(static_cast<int32_t>(affinity)) +
+                             " does not exist: the host has " +
+                             std::to_string(host.runtime.ens.numa_nodes) + " NUMA nodes");
+    }
     lcore.affinity = static_cast<int32_t>(affinity);
     return true;
   });

@@ -1,15 +1,13 @@
 #include "runtime/EnsKit.h"
 
+#include "frame/CommandKit.h"
+
 namespace CorvaneCli::NetworkNamespace {
 
 std::shared_ptr<Toolbase::CallSpec::ParameterSpec> NewEnsParameter(
     std::string const& name, char const* shortName, Toolbase::CallSpec::ParameterType type,
     char const* description) {
-  auto parameter = Toolbase::CallSpec::ParameterSpec::New(name, type);
-  parameter->SetRequired(true);
-  parameter->SetShortName(shortName);
-  parameter->SetDescription(description);
-  return parameter;
+  return Required(name, type, shortName, description);
 }
 
 std::shared_ptr<Toolbase::CallSpec::ParameterSpec> NewLcoreIdParameter(std::string const& name,

@@ -1,10 +1,9 @@
-#include "runtime/EnsLcoreAdd.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "runtime/EnsKit.h"
+#include "runtime/RuntimeCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -17,11 +16,9 @@ namespace {
 const std::string kLcoreId = "lcore-id";
 }  // namespace
 
-std::shared_ptr<EnsLcoreAdd> EnsLcoreAdd::New() { return std::make_shared<EnsLcoreAdd>(); }
+NETWORK_COMMAND_NEW(EnsLcoreAdd)
 
 EnsLcoreAdd::EnsLcoreAdd() { SetDescription("Create ENS context."); }
-
-EnsLcoreAdd::~EnsLcoreAdd() = default;
 
 std::shared_ptr<InputSpec> EnsLcoreAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
@@ -30,9 +27,7 @@ std::shared_ptr<InputSpec> EnsLcoreAdd::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> EnsLcoreAdd::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void EnsLcoreAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

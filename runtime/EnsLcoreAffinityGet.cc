@@ -1,10 +1,9 @@
-#include "runtime/EnsLcoreAffinityGet.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "runtime/EnsKit.h"
+#include "runtime/RuntimeCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -17,16 +16,12 @@ namespace {
 const std::string kLcoreId = "lcore-id";
 }  // namespace
 
-std::shared_ptr<EnsLcoreAffinityGet> EnsLcoreAffinityGet::New() {
-  return std::make_shared<EnsLcoreAffinityGet>();
-}
+NETWORK_COMMAND_NEW(EnsLcoreAffinityGet)
 
 EnsLcoreAffinityGet::EnsLcoreAffinityGet() {
   SetDescription("Get the affinity for given ENS context.");
   SetDefaultOutputFormatter("simple");
 }
-
-EnsLcoreAffinityGet::~EnsLcoreAffinityGet() = default;
 
 std::shared_ptr<InputSpec> EnsLcoreAffinityGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
@@ -35,9 +30,7 @@ std::shared_ptr<InputSpec> EnsLcoreAffinityGet::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> EnsLcoreAffinityGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaInt::New());
-  return spec;
+  return RootSpec(MetaInt::New());
 }
 
 void EnsLcoreAffinityGet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,12 +1,10 @@
-#include "runtime/EnsLcoreAffinitySet.h"
-
 #include <cstdint>
 #include <memory>
 #include <string>
 
-#include "frame/ParamRange.h"
 #include "hostctl/network_info.h"
 #include "runtime/EnsKit.h"
+#include "runtime/RuntimeCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -20,15 +18,11 @@ const std::string kLcoreId = "lcore-id";
 const std::string kAffinity = "affinity";
 }  // namespace
 
-std::shared_ptr<EnsLcoreAffinitySet> EnsLcoreAffinitySet::New() {
-  return std::make_shared<EnsLcoreAffinitySet>();
-}
+NETWORK_COMMAND_NEW(EnsLcoreAffinitySet)
 
 EnsLcoreAffinitySet::EnsLcoreAffinitySet() {
   SetDescription("Set affinity for given ENS context.");
 }
-
-EnsLcoreAffinitySet::~EnsLcoreAffinitySet() = default;
 
 std::shared_ptr<InputSpec> EnsLcoreAffinitySet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
@@ -38,17 +32,13 @@ std::shared_ptr<InputSpec> EnsLcoreAffinitySet::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> EnsLcoreAffinitySet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void EnsLcoreAffinitySet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                           std::shared_ptr<Output> const& output) {
   unsigned long const lcoreId = input->GetParameterInt(kLcoreId);
   long const affinity = input->GetParameterInt(kAffinity);
-  // The NUMA node travels in 32 bits.
-  if (!CheckParamRange(*output, kAffinity, affinity, INT32_MIN, INT32_MAX)) return;
   try {
     output->SetRootObject(MetaBool::New(HostCtl::Network::NetworkInfo::SetLcoreAffinity(
         static_cast<unsigned int>(affinity), lcoreId)));

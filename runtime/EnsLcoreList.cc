@@ -1,9 +1,8 @@
-#include "runtime/EnsLcoreList.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
+#include "runtime/RuntimeCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -19,15 +18,13 @@ const std::string kSwitch = "Switch";
 const std::string kAffinity = "Affinity";
 }  // namespace
 
-std::shared_ptr<EnsLcoreList> EnsLcoreList::New() { return std::make_shared<EnsLcoreList>(); }
+NETWORK_COMMAND_NEW(EnsLcoreList)
 
 EnsLcoreList::EnsLcoreList() {
   SetDescription("List ENS contexts.");
   SetDefaultOutputFormatter("table");
   SetDefaultOutputParameter("fields:Ens", "Lcore ID,Switch,Affinity");
 }
-
-EnsLcoreList::~EnsLcoreList() = default;
 
 std::shared_ptr<MetaStruct> EnsLcoreList::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -40,9 +37,7 @@ std::shared_ptr<MetaStruct> EnsLcoreList::GetOutputStructure() {
 std::shared_ptr<InputSpec> EnsLcoreList::GetInputSpecInternal() { return InputSpec::New(); }
 
 std::shared_ptr<OutputSpec> EnsLcoreList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void EnsLcoreList::ExecuteInternal(std::shared_ptr<Input> const&,

@@ -1,10 +1,9 @@
-#include "runtime/EnsLcoreRemove.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "runtime/EnsKit.h"
+#include "runtime/RuntimeCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -17,11 +16,9 @@ namespace {
 const std::string kLcoreId = "lcore-id";
 }  // namespace
 
-std::shared_ptr<EnsLcoreRemove> EnsLcoreRemove::New() { return std::make_shared<EnsLcoreRemove>(); }
+NETWORK_COMMAND_NEW(EnsLcoreRemove)
 
 EnsLcoreRemove::EnsLcoreRemove() { SetDescription("Destroy ENS context."); }
-
-EnsLcoreRemove::~EnsLcoreRemove() = default;
 
 std::shared_ptr<InputSpec> EnsLcoreRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
@@ -30,9 +27,7 @@ std::shared_ptr<InputSpec> EnsLcoreRemove::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> EnsLcoreRemove::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void EnsLcoreRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

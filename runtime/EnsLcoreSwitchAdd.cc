@@ -1,10 +1,9 @@
-#include "runtime/EnsLcoreSwitchAdd.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "runtime/EnsKit.h"
+#include "runtime/RuntimeCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -18,15 +17,11 @@ const std::string kLcoreId = "lcore-id";
 const std::string kSwitch = "switch";
 }  // namespace
 
-std::shared_ptr<EnsLcoreSwitchAdd> EnsLcoreSwitchAdd::New() {
-  return std::make_shared<EnsLcoreSwitchAdd>();
-}
+NETWORK_COMMAND_NEW(EnsLcoreSwitchAdd)
 
 EnsLcoreSwitchAdd::EnsLcoreSwitchAdd() {
   SetDescription("Associate given ENS context with given switch.");
 }
-
-EnsLcoreSwitchAdd::~EnsLcoreSwitchAdd() = default;
 
 std::shared_ptr<InputSpec> EnsLcoreSwitchAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
@@ -36,9 +31,7 @@ std::shared_ptr<InputSpec> EnsLcoreSwitchAdd::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> EnsLcoreSwitchAdd::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void EnsLcoreSwitchAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,10 +1,9 @@
-#include "runtime/EnsLcoreSwitchGet.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "runtime/EnsKit.h"
+#include "runtime/RuntimeCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -17,16 +16,12 @@ namespace {
 const std::string kLcoreId = "lcore-id";
 }  // namespace
 
-std::shared_ptr<EnsLcoreSwitchGet> EnsLcoreSwitchGet::New() {
-  return std::make_shared<EnsLcoreSwitchGet>();
-}
+NETWORK_COMMAND_NEW(EnsLcoreSwitchGet)
 
 EnsLcoreSwitchGet::EnsLcoreSwitchGet() {
   SetDescription("Get the switch associated with given ENS context.");
   SetDefaultOutputFormatter("simple");
 }
-
-EnsLcoreSwitchGet::~EnsLcoreSwitchGet() = default;
 
 std::shared_ptr<InputSpec> EnsLcoreSwitchGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
@@ -35,9 +30,7 @@ std::shared_ptr<InputSpec> EnsLcoreSwitchGet::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> EnsLcoreSwitchGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaString::New());
-  return spec;
+  return RootSpec(MetaString::New());
 }
 
 void EnsLcoreSwitchGet::ExecuteInternal(std::shared_ptr<Input> const& input,

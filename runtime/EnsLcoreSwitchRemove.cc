@@ -1,10 +1,9 @@
-#include "runtime/EnsLcoreSwitchRemove.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "runtime/EnsKit.h"
+#include "runtime/RuntimeCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -18,15 +17,11 @@ const std::string kLcoreId = "lcore-id";
 const std::string kNoSwitch = "null";
 }  // namespace
 
-std::shared_ptr<EnsLcoreSwitchRemove> EnsLcoreSwitchRemove::New() {
-  return std::make_shared<EnsLcoreSwitchRemove>();
-}
+NETWORK_COMMAND_NEW(EnsLcoreSwitchRemove)
 
 EnsLcoreSwitchRemove::EnsLcoreSwitchRemove() {
   SetDescription("Disassociate given ENS context from virtual switch.");
 }
-
-EnsLcoreSwitchRemove::~EnsLcoreSwitchRemove() = default;
 
 std::shared_ptr<InputSpec> EnsLcoreSwitchRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
@@ -35,9 +30,7 @@ std::shared_ptr<InputSpec> EnsLcoreSwitchRemove::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> EnsLcoreSwitchRemove::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void EnsLcoreSwitchRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

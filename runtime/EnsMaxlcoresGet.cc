@@ -1,10 +1,9 @@
-#include "runtime/EnsMaxlcoresGet.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "runtime/EnsKit.h"
+#include "runtime/RuntimeCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -13,23 +12,17 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-std::shared_ptr<EnsMaxlcoresGet> EnsMaxlcoresGet::New() {
-  return std::make_shared<EnsMaxlcoresGet>();
-}
+NETWORK_COMMAND_NEW(EnsMaxlcoresGet)
 
 EnsMaxlcoresGet::EnsMaxlcoresGet() {
   SetDescription("Get the maximum number of ENS contexts (lcores).");
   SetDefaultOutputFormatter("simple");
 }
 
-EnsMaxlcoresGet::~EnsMaxlcoresGet() = default;
-
 std::shared_ptr<InputSpec> EnsMaxlcoresGet::GetInputSpecInternal() { return InputSpec::New(); }
 
 std::shared_ptr<OutputSpec> EnsMaxlcoresGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaInt::New());
-  return spec;
+  return RootSpec(MetaInt::New());
 }
 
 void EnsMaxlcoresGet::ExecuteInternal(std::shared_ptr<Input> const&,

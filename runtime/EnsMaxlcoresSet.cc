@@ -1,10 +1,9 @@
-#include "runtime/EnsMaxlcoresSet.h"
-
 #include <memory>
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "runtime/EnsKit.h"
+#include "runtime/RuntimeCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -17,13 +16,9 @@ namespace {
 const std::string kMaxLcores = "maxlcores";
 }  // namespace
 
-std::shared_ptr<EnsMaxlcoresSet> EnsMaxlcoresSet::New() {
-  return std::make_shared<EnsMaxlcoresSet>();
-}
+NETWORK_COMMAND_NEW(EnsMaxlcoresSet)
 
 EnsMaxlcoresSet::EnsMaxlcoresSet() { SetDescription("Set the maximum number of ENS contexts."); }
-
-EnsMaxlcoresSet::~EnsMaxlcoresSet() = default;
 
 std::shared_ptr<InputSpec> EnsMaxlcoresSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
@@ -33,9 +28,7 @@ std::shared_ptr<InputSpec> EnsMaxlcoresSet::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> EnsMaxlcoresSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void EnsMaxlcoresSet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,5 +1,3 @@
-#include "runtime/MulticastGroupList.h"
-
 #include <memory>
 #include <string>
 #include <vector>
@@ -7,6 +5,7 @@
 #include "hostctl/host.h"
 #include "hostctl/network_info.h"
 #include "hostctl/orvk_nic.h"
+#include "runtime/RuntimeCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -25,17 +24,13 @@ const std::string kGroup = "Group";
 const std::string kLinkLayer = "Link Layer";
 }  // namespace
 
-std::shared_ptr<MulticastGroupList> MulticastGroupList::New() {
-  return std::shared_ptr<MulticastGroupList>(new MulticastGroupList());
-}
+NETWORK_COMMAND_NEW(MulticastGroupList)
 
 MulticastGroupList::MulticastGroupList() {
   SetDescription("List all the multicast group members.");
   SetDefaultOutputFormatter("table");
   SetDefaultOutputParameter("fields:Interface", "Interface,Refcount,Group,Link Layer");
 }
-
-MulticastGroupList::~MulticastGroupList() = default;
 
 std::shared_ptr<MetaStruct> MulticastGroupList::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
@@ -49,9 +44,7 @@ std::shared_ptr<MetaStruct> MulticastGroupList::GetOutputStructure() {
 std::shared_ptr<InputSpec> MulticastGroupList::GetInputSpecInternal() { return InputSpec::New(); }
 
 std::shared_ptr<OutputSpec> MulticastGroupList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void MulticastGroupList::ExecuteInternal(std::shared_ptr<Input> const&,

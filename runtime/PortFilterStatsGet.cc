@@ -1,11 +1,10 @@
-#include "runtime/PortFilterStatsGet.h"
-
 #include <algorithm>
 #include <cstdlib>
 #include <string>
 
 #include "hostctl/port.h"
 #include "hostctl/virtual_switch.h"
+#include "runtime/RuntimeCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -38,9 +37,7 @@ bool sortFilterStats(std::unique_ptr<HostCtl::Network::FilterStats> const& a,
   return a->isOutbound ? b->chainKey < a->chainKey : a->chainKey < b->chainKey;
 }
 
-std::shared_ptr<PortFilterStatsGet> PortFilterStatsGet::New() {
-  return std::shared_ptr<PortFilterStatsGet>(new PortFilterStatsGet());
-}
+NETWORK_COMMAND_NEW(PortFilterStatsGet)
 
 PortFilterStatsGet::PortFilterStatsGet() {
   SetDescription("Filter statistics for a given port.");
@@ -51,8 +48,6 @@ PortFilterStatsGet::PortFilterStatsGet() {
                             "filtered,Packets faulted,Packets queued,Packets injected,Packet "
                             "errors");
 }
-
-PortFilterStatsGet::~PortFilterStatsGet() = default;
 
 std::shared_ptr<MetaStruct> PortFilterStatsGet::GetOutputStructure() {
   auto result = MetaStruct::New("Filter");
@@ -67,18 +62,13 @@ std::shared_ptr<MetaStruct> PortFilterStatsGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> PortFilterStatsGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto portid = ParameterSpec::New(kPortid, ParameterType::Int);
-  portid->SetRequired(true);
-  portid->SetShortName("p");
-  portid->SetDescription("Port ID for the port to get filter statistics.");
-  spec->AddParameter(portid);
+  spec->AddParameter(
+      Required(kPortid, ParameterType::Int, "p", "Port ID for the port to get filter statistics."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> PortFilterStatsGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void PortFilterStatsGet::ExecuteInternal(std::shared_ptr<Input> const& input,

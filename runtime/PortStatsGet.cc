@@ -1,10 +1,9 @@
-#include "runtime/PortStatsGet.h"
-
 #include <cstdlib>
 #include <string>
 
 #include "hostctl/port.h"
 #include "hostctl/virtual_switch.h"
+#include "runtime/RuntimeCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -30,9 +29,7 @@ const std::string kReceiveDropped = "Receive packets dropped";
 const std::string kTransmitDropped = "Transmit packets dropped";
 }  // namespace
 
-std::shared_ptr<PortStatsGet> PortStatsGet::New() {
-  return std::shared_ptr<PortStatsGet>(new PortStatsGet());
-}
+NETWORK_COMMAND_NEW(PortStatsGet)
 
 PortStatsGet::PortStatsGet() {
   SetDescription("Packet statistics for a given port.");
@@ -44,8 +41,6 @@ PortStatsGet::PortStatsGet() {
       "Broadcast packets sent,Multicast packets received,Multicast packets sent,Unicast packets "
       "received,Unicast packets sent,Receive packets dropped,Transmit packets dropped");
 }
-
-PortStatsGet::~PortStatsGet() = default;
 
 std::shared_ptr<MetaStruct> PortStatsGet::GetOutputStructure() {
   auto result = MetaStruct::New("Port");
@@ -60,18 +55,13 @@ std::shared_ptr<MetaStruct> PortStatsGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> PortStatsGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto portid = ParameterSpec::New(kPortid, ParameterType::Int);
-  portid->SetRequired(true);
-  portid->SetShortName("p");
-  portid->SetDescription("Port ID for the port to get statistics.");
-  spec->AddParameter(portid);
+  spec->AddParameter(
+      Required(kPortid, ParameterType::Int, "p", "Port ID for the port to get statistics."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> PortStatsGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void PortStatsGet::ExecuteInternal(std::shared_ptr<Input> const& input,

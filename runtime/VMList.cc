@@ -1,5 +1,3 @@
-#include "runtime/VMList.h"
-
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -7,6 +5,7 @@
 #include "hostctl/lib.h"
 #include "hostctl/port.h"
 #include "hostctl/world.h"
+#include "runtime/RuntimeCommands.h"
 #include "runtime/VmPortWalk.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -25,15 +24,13 @@ const std::string kNetworks = "Networks";
 constexpr size_t kWorldNamePrefix = 5;
 }  // namespace
 
-std::shared_ptr<VMList> VMList::New() { return std::shared_ptr<VMList>(new VMList()); }
+NETWORK_COMMAND_NEW(VMList)
 
 VMList::VMList() {
   SetDescription("List networking information for the VM's that have active ports.");
   SetDefaultOutputFormatter("table");
   SetDefaultOutputParameter("fields:VM", "World ID,Name,Num Ports,Networks");
 }
-
-VMList::~VMList() = default;
 
 std::shared_ptr<MetaStruct> VMList::GetOutputStructure() {
   auto result = MetaStruct::New("VM");
@@ -47,9 +44,7 @@ std::shared_ptr<MetaStruct> VMList::GetOutputStructure() {
 std::shared_ptr<InputSpec> VMList::GetInputSpecInternal() { return InputSpec::New(); }
 
 std::shared_ptr<OutputSpec> VMList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void VMList::ExecuteInternal(std::shared_ptr<Input> const&, std::shared_ptr<Output> const& output) {

@@ -1,5 +1,3 @@
-#include "runtime/VMPortList.h"
-
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -10,6 +8,7 @@
 #include "hostctl/lib.h"
 #include "hostctl/pnic.h"
 #include "hostctl/port.h"
+#include "runtime/RuntimeCommands.h"
 #include "runtime/VmPortWalk.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -32,9 +31,7 @@ const std::string kUplinkPortId = "Uplink Port ID";
 const std::string kActiveFilters = "Active Filters";
 }  // namespace
 
-std::shared_ptr<VMPortList> VMPortList::New() {
-  return std::shared_ptr<VMPortList>(new VMPortList());
-}
+NETWORK_COMMAND_NEW(VMPortList)
 
 VMPortList::VMPortList() {
   SetDescription("List of active ports for a given VM.");
@@ -43,8 +40,6 @@ VMPortList::VMPortList() {
                             "Port ID,vSwitch,Portgroup,DVPort ID,MAC Address,IP Address,Team "
                             "Uplink,Uplink Port ID,Active Filters");
 }
-
-VMPortList::~VMPortList() = default;
 
 std::shared_ptr<MetaStruct> VMPortList::GetOutputStructure() {
   auto result = MetaStruct::New("Port");
@@ -60,18 +55,13 @@ std::shared_ptr<MetaStruct> VMPortList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> VMPortList::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto world = ParameterSpec::New(kWorldIdParam, ParameterType::Int);
-  world->SetRequired(true);
-  world->SetShortName("w");
-  world->SetDescription("World ID of the VM for listing ports.");
-  spec->AddParameter(world);
+  spec->AddParameter(
+      Required(kWorldIdParam, ParameterType::Int, "w", "World ID of the VM for listing ports."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> VMPortList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void VMPortList::ExecuteInternal(std::shared_ptr<Input> const& input,

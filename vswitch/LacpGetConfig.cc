@@ -1,5 +1,3 @@
-#include "vswitch/LacpGetConfig.h"
-
 #include <map>
 #include <string>
 #include <tuple>
@@ -11,6 +9,7 @@
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 #include "vswitch/LacpKit.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -62,17 +61,13 @@ char const* const kLoadBalanceWords[] = {
 std::string ModeWord(int mode) { return mode == 1 ? "Active" : mode == 2 ? "Passive" : "None"; }
 }  // namespace
 
-std::shared_ptr<LacpGetConfig> LacpGetConfig::New() {
-  return std::shared_ptr<LacpGetConfig>(new LacpGetConfig());
-}
+NETWORK_COMMAND_NEW(LacpGetConfig)
 
 LacpGetConfig::LacpGetConfig() {
   SetDescription("Get LACP configuration on DVS");
   SetDefaultOutputFormatter("table");
   SetDefaultOutputParameter("fields:" + kTypeName, kFields);
 }
-
-LacpGetConfig::~LacpGetConfig() = default;
 
 std::shared_ptr<MetaStruct> LacpGetConfig::GetOutputStructure() {
   auto result = MetaStruct::New(kTypeName);
@@ -93,9 +88,7 @@ std::shared_ptr<InputSpec> LacpGetConfig::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> LacpGetConfig::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void LacpGetConfig::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,11 +1,10 @@
-#include "vswitch/LacpGetStats.h"
-
 #include <string>
 
 #include "hostctl/dvswitch.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 #include "vswitch/LacpKit.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -30,17 +29,13 @@ const std::string kFields =
 constexpr size_t kTextWidth = 32;
 }  // namespace
 
-std::shared_ptr<LacpGetStats> LacpGetStats::New() {
-  return std::shared_ptr<LacpGetStats>(new LacpGetStats());
-}
+NETWORK_COMMAND_NEW(LacpGetStats)
 
 LacpGetStats::LacpGetStats() {
   SetDescription("Get LACP stats on DVS uplinks");
   SetDefaultOutputFormatter("table");
   SetDefaultOutputParameter("fields:" + kDirectiveType, kFields);
 }
-
-LacpGetStats::~LacpGetStats() = default;
 
 std::shared_ptr<MetaStruct> LacpGetStats::GetOutputStructure() {
   auto result = MetaStruct::New(kTypeName);
@@ -59,9 +54,7 @@ std::shared_ptr<InputSpec> LacpGetStats::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> LacpGetStats::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void LacpGetStats::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,11 +1,10 @@
-#include "vswitch/LacpGetStatus.h"
-
 #include <string>
 
 #include "hostctl/dvswitch.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 #include "vswitch/LacpKit.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -53,9 +52,7 @@ char const* const kLegend[] = {
 constexpr size_t kTextWidth = 32;
 }  // namespace
 
-std::shared_ptr<LacpGetStatus> LacpGetStatus::New() {
-  return std::shared_ptr<LacpGetStatus>(new LacpGetStatus());
-}
+NETWORK_COMMAND_NEW(LacpGetStatus)
 
 LacpGetStatus::LacpGetStatus() {
   SetDescription("Get LACP status on DVS");
@@ -69,8 +66,6 @@ LacpGetStatus::LacpGetStatus() {
   SetDefaultOutputParameter("table-columns:" + kLocalInfoType, kLocalColumns);
   SetDefaultOutputParameter("table-columns:" + kPartnerInfoType, kPartnerColumns);
 }
-
-LacpGetStatus::~LacpGetStatus() = default;
 
 std::shared_ptr<MetaStruct> LacpGetStatus::GetLACPLocalInfoStruct() {
   auto result = MetaStruct::New(kLocalInfoType);
@@ -121,9 +116,7 @@ std::shared_ptr<InputSpec> LacpGetStatus::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> LacpGetStatus::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void LacpGetStatus::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "frame/CommandKit.h"
 #include "hostctl/dvswitch.h"
 #include "hostctl/network_info.h"
 #include "hostctl/virtual_switch.h"
@@ -17,10 +18,7 @@ char const* const kStateBits[] = {"ACT", "FTO", "AGG", "SYN", "COL", "DIST", "DE
 }  // namespace
 
 std::shared_ptr<ParameterSpec> NewLacpDvsParameter(std::string const& name) {
-  auto dvs = ParameterSpec::New(name, ParameterType::String);
-  dvs->SetRequired(false);
-  dvs->SetShortName("s");
-  dvs->SetDescription("The name of DVS to get configuration on");
+  auto dvs = Optional(name, ParameterType::String, "s", "The name of DVS to get configuration on");
   return dvs;
 }
 

@@ -1,13 +1,11 @@
-#include "vswitch/LacpSetTimeout.h"
-
 #include <cstdint>
 #include <string>
 
-#include "frame/ParamRange.h"
 #include "hostctl/dvswitch.h"
 #include "hostctl/network_info.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -21,46 +19,27 @@ const std::string kLagId = "lag-id";
 const std::string kKds = "kds";
 }  // namespace
 
-std::shared_ptr<LacpSetTimeout> LacpSetTimeout::New() {
-  return std::shared_ptr<LacpSetTimeout>(new LacpSetTimeout());
-}
+NETWORK_COMMAND_NEW(LacpSetTimeout)
 
 LacpSetTimeout::LacpSetTimeout() {
   SetDescription("Set long/short timeout for ornics in one LACP LAG");
 }
 
-LacpSetTimeout::~LacpSetTimeout() = default;
-
 std::shared_ptr<InputSpec> LacpSetTimeout::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto timeout = ParameterSpec::New(kTimeout, ParameterType::Bool);
-  timeout->SetRequired(true);
-  timeout->SetShortName("t");
-  timeout->SetDescription("Set long or short timeout: 1 for short timeout and 0 for long timeout.");
-  spec->AddParameter(timeout);
-  auto nic = ParameterSpec::New(kNicName, ParameterType::String);
-  nic->SetRequired(false);
-  nic->SetShortName("n");
-  nic->SetDescription(
-      "The nic name. If it is set, then only this ornic in the lag will be configured.");
-  spec->AddParameter(nic);
-  auto lag = ParameterSpec::New(kLagId, ParameterType::Int);
-  lag->SetRequired(true);
-  lag->SetShortName("l");
-  lag->SetDescription("The ID of LAG to be configured.");
-  spec->AddParameter(lag);
-  auto kds = ParameterSpec::New(kKds, ParameterType::String);
-  kds->SetRequired(true);
-  kds->SetShortName("s");
-  kds->SetDescription("The name of KDS.");
-  spec->AddParameter(kds);
+  spec->AddParameter(
+      Required(kTimeout, ParameterType::Bool, "t",
+               "Set long or short timeout: 1 for short timeout and 0 for long timeout."));
+  spec->AddParameter(
+      Optional(kNicName, ParameterType::String, "n",
+               "The nic name. If it is set, then only this ornic in the lag will be configured."));
+  spec->AddParameter(Required(kLagId, ParameterType::Int, "l", "The ID of LAG to be configured."));
+  spec->AddParameter(Required(kKds, ParameterType::String, "s", "The name of KDS."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> LacpSetTimeout::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void LacpSetTimeout::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -83,7 +62,6 @@ void LacpSetTimeout::ExecuteInternal(std::shared_ptr<Input> const& input,
     long lagId = input->GetParameterInt(kLagId);
     std::string nic;
     if (input->HasParameter(kNicName)) nic = input->GetParameter(kNicName);
-    if (!CheckParamUint32(*output, kLagId, lagId)) return;
     dvs->SetLacpTimeout(static_cast<uint32_t>(lagId), shortTimeout, nic);
     output->SetRootObject(MetaBool::New(true));
   } catch (HostCtl::Lib::HostCtlException const& e) {

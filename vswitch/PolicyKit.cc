@@ -7,8 +7,12 @@
 #include <limits>
 #include <stdexcept>
 
+#include "frame/CommandKit.h"
+#include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "hostctl/policy.h"
+#include "hostctl/port_group.h"
+#include "hostctl/virtual_switch.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -66,15 +70,6 @@ const std::string kAverageBandwidthField = "Average Bandwidth";
 const std::string kPeakBandwidthField = "Peak Bandwidth";
 const std::string kBurstSizeField = "Burst Size";
 
-std::shared_ptr<ParameterSpec> OptionalParameter(std::string const& name, ParameterType type,
-                                                 char const* shortName, char const* description) {
-  auto parameter = ParameterSpec::New(name, type);
-  parameter->SetRequired(false);
-  parameter->SetShortName(shortName);
-  parameter->SetDescription(description);
-  return parameter;
-}
-
 bool Contains(std::vector<std::string> const& names, std::string const& name) {
   return std::find(names.begin(), names.end(), name) != names.end();
 }
@@ -115,13 +110,11 @@ char const* TeamPolicyWord(int policy) {
 }  // namespace
 
 void AddSecurityParameters(std::shared_ptr<InputSpec> spec) {
-  spec->AddParameter(
-      OptionalParameter(kAllowPromiscuous, Bool, "o",
-                        "Allow ports on the virtual switch to enter promiscuous mode."));
-  spec->AddParameter(
-      OptionalParameter(kAllowMacChange, Bool, "m",
-                        "Allow ports on the virtual switch to change their MAC address."));
-  spec->AddParameter(OptionalParameter(
+  spec->AddParameter(Optional(kAllowPromiscuous, Bool, "o",
+                              "Allow ports on the virtual switch to enter promiscuous mode."));
+  spec->AddParameter(Optional(kAllowMacChange, Bool, "m",
+                              "Allow ports on the virtual switch to change their MAC address."));
+  spec->AddParameter(Optional(
       kAllowForgedTransmits, Bool, "f",
       "Allow ports on the virtual switch to send packets with forged source information."));
 }
@@ -129,31 +122,31 @@ void AddSecurityParameters(std::shared_ptr<InputSpec> spec) {
 void AddShapingParameters(std::shared_ptr<InputSpec> spec) {
   auto range = ParameterConstraint::New(IntRange);
   range->SetIntRange(1, std::numeric_limits<long>::max());
-  spec->AddParameter(OptionalParameter(
+  spec->AddParameter(Optional(
       kEnabled, Bool, "e",
       "Indicate whether to enable traffic shaping on this policy. If this is true then the "
       "--avg-bandwidth, --peak-bandwidth and --burst-size options are required."));
-  auto average = OptionalParameter(kAvgBandwidth, Int, "b",
-                                   "The averge bandwidth allowed for this shaping policy. This "
-                                   "value is in Kbps (1 Kbps = 1000 bits/s)");
+  auto average = Optional(kAvgBandwidth, Int, "b",
+                          "The averge bandwidth allowed for this shaping policy. This "
+                          "value is in Kbps (1 Kbps = 1000 bits/s)");
   average->SetConstraint(range);
   spec->AddParameter(average);
-  auto peak = OptionalParameter(kPeakBandwidth, Int, "k",
-                                "The peak bandwidth allowed for this shaping policy. This value "
-                                "is in Kbps (1 Kbps = 1000 bits/s)");
+  auto peak = Optional(kPeakBandwidth, Int, "k",
+                       "The peak bandwidth allowed for this shaping policy. This value "
+                       "is in Kbps (1 Kbps = 1000 bits/s)");
   peak->SetConstraint(range);
   spec->AddParameter(peak);
-  auto burst = OptionalParameter(kBurstSize, Int, "t",
-                                 "The largest burst size allowed for this shaping policy. This "
-                                 "value is in Kib (1 Kib = 1024 bits)");
+  auto burst = Optional(kBurstSize, Int, "t",
+                        "The largest burst size allowed for this shaping policy. This "
+                        "value is in Kib (1 Kib = 1024 bits)");
   burst->SetConstraint(range);
   spec->AddParameter(burst);
 }
 
 void AddFailoverParameters(std::shared_ptr<InputSpec> spec) {
-  auto balancing = OptionalParameter(kLoadBalancing, Toolbase::CallSpec::String, "l",
-                                     "Set the load balancing policy for this policy. This can be "
-                                     "one of the following options: %FULLENUM%");
+  auto balancing = Optional(kLoadBalancing, Toolbase::CallSpec::String, "l",
+                            "Set the load balancing policy for this policy. This can be "
+                            "one of the following options: %FULLENUM%");
   auto balancingValues = ParameterConstraint::New(StringEnum);
   balancingValues->AddStringEnum(kPortId, "Route based on the originating virtual port ID.");
   balancingValues->AddStringEnum(kIpHash,
@@ -165,10 +158,9 @@ void AddFailoverParameters(std::shared_ptr<InputSpec> spec) {
   balancing->SetConstraint(balancingValues);
   spec->AddParameter(balancing);
 
-  auto detection =
-      OptionalParameter(kFailureDetection, Toolbase::CallSpec::String, "f",
-                        "Set the method of determining how a network outage is detected. "
-                        "%FULLENUM%");
+  auto detection = Optional(kFailureDetection, Toolbase::CallSpec::String, "f",
+                            "Set the method of determining how a network outage is detected. "
+                            "%FULLENUM%");
   auto detectionValues = ParameterConstraint::New(StringEnum);
   detectionValues->AddStringEnum(kLink, "Detect failures based on the NIC link state");
   detectionValues->AddStringEnum(kBeacon,
@@ -176,18 +168,18 @@ void AddFailoverParameters(std::shared_ptr<InputSpec> spec) {
   detection->SetConstraint(detectionValues);
   spec->AddParameter(detection);
 
-  spec->AddParameter(OptionalParameter(
-      kNotifySwitches, Bool, "n",
-      "Indicate whether to send a notification to physical switches on failover"));
-  spec->AddParameter(OptionalParameter(kFailback, Bool, "b",
-                                       "Configure whether a NIC will be used immediately when it "
-                                       "comes back in service after a failover"));
-  spec->AddParameter(OptionalParameter(
+  spec->AddParameter(
+      Optional(kNotifySwitches, Bool, "n",
+               "Indicate whether to send a notification to physical switches on failover"));
+  spec->AddParameter(Optional(kFailback, Bool, "b",
+                              "Configure whether a NIC will be used immediately when it "
+                              "comes back in service after a failover"));
+  spec->AddParameter(Optional(
       kActiveUplinks, Toolbase::CallSpec::String, "a",
       "Configure the list of active adapters and their failover order. This list must be a comma "
       "seperated list of values with the uplink name and no spaces. Example:  "
       "--active-uplinks=ornic0,ornic3,ornic7,ornic1"));
-  spec->AddParameter(OptionalParameter(
+  spec->AddParameter(Optional(
       kStandbyUplinks, Toolbase::CallSpec::String, "s",
       "Configure the list of standby adapters and their failover order. This list must be a "
       "comma seperated list of values with the uplink name and no spaces. Example:  "
@@ -431,6 +423,26 @@ void FillShapingFields(MetaStruct& record, ShapingPolicy const& effective) {
   record.SetField(kAverageBandwidthField, average);
   record.SetField(kPeakBandwidthField, peak);
   record.SetField(kBurstSizeField, burst);
+}
+
+std::unique_ptr<HostCtl::Network::PortGroup> FindPolicyPortGroup(
+    std::string const& name, Toolbase::CallSpec::Output& output) {
+  auto group = HostCtl::Network::NetworkFactory::GetPortGroupByName(name);
+  if (!group) output.AddErrorMessage("Unable to find a port group with the name " + name);
+  return group;
+}
+
+std::unique_ptr<HostCtl::Network::VirtualSwitch> FindPolicyStandardSwitch(
+    OrvkCtl::Network::VirtualSwitchInfoImpl& switchInfo, std::string const& name,
+    Toolbase::CallSpec::Output& output) {
+  std::unique_ptr<HostCtl::Network::VirtualSwitch> vswitch;
+  if (OrvkCtl::Network::PortsetImpl::IsValidVirtualSwitch(name)) {
+    vswitch = switchInfo.GetVirtualSwitchByName(name);
+  }
+  if (!vswitch) {
+    output.AddErrorMessage("Unable to find a legacy virtual switch with the name " + name);
+  }
+  return vswitch;
 }
 
 }  // namespace CorvaneCli::NetworkNamespace

@@ -22,10 +22,15 @@ namespace Toolbase::MetaObj {
 class MetaStruct;
 }  // namespace Toolbase::MetaObj
 namespace HostCtl::Network {
+class PortGroup;
+class VirtualSwitch;
 class NicTeamingPolicy;
 class PortSecurityPolicy;
 class ShapingPolicy;
 }  // namespace HostCtl::Network
+namespace OrvkCtl::Network {
+class VirtualSwitchInfoImpl;
+}  // namespace OrvkCtl::Network
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -91,5 +96,17 @@ void FillSecurityFields(Toolbase::MetaObj::MetaStruct& record,
 void AddShapingFields(Toolbase::MetaObj::MetaStruct& record);
 void FillShapingFields(Toolbase::MetaObj::MetaStruct& record,
                        HostCtl::Network::ShapingPolicy const& effective);
+
+// The port group `name` of a port group policy command; null after adding
+// "Unable to find a port group with the name <name>".
+std::unique_ptr<HostCtl::Network::PortGroup> FindPolicyPortGroup(
+    std::string const& name, Toolbase::CallSpec::Output& output);
+
+// The standard switch `name` of a switch policy command, asked of the host's
+// switch list first and then of `switchInfo`; null after adding "Unable to
+// find a legacy virtual switch with the name <name>" when either has none.
+std::unique_ptr<HostCtl::Network::VirtualSwitch> FindPolicyStandardSwitch(
+    OrvkCtl::Network::VirtualSwitchInfoImpl& switchInfo, std::string const& name,
+    Toolbase::CallSpec::Output& output);
 
 }  // namespace CorvaneCli::NetworkNamespace

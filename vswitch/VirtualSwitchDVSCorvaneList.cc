@@ -1,5 +1,3 @@
-#include "vswitch/VirtualSwitchDVSCorvaneList.h"
-
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -10,6 +8,7 @@
 #include "hostctl/virtual_switch.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -36,9 +35,7 @@ const std::string kDVPortgroupId = "DVPortgroup ID";
 const std::string kClient = "Client";
 }  // namespace
 
-std::shared_ptr<VirtualSwitchDVSCorvaneList> VirtualSwitchDVSCorvaneList::New() {
-  return std::shared_ptr<VirtualSwitchDVSCorvaneList>(new VirtualSwitchDVSCorvaneList());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchDVSCorvaneList)
 
 VirtualSwitchDVSCorvaneList::VirtualSwitchDVSCorvaneList() {
   SetDescription(
@@ -49,8 +46,6 @@ VirtualSwitchDVSCorvaneList::VirtualSwitchDVSCorvaneList() {
                             "Name,KDS ID,Class,Num Ports,Used Ports,Configured Ports,MTU,CDP "
                             "Status,Beacon Timeout,Uplinks,Corvane Branded,DVPort");
 }
-
-VirtualSwitchDVSCorvaneList::~VirtualSwitchDVSCorvaneList() = default;
 
 std::shared_ptr<MetaStruct> VirtualSwitchDVSCorvaneList::GetDVPortStructure() {
   auto result = MetaStruct::New("DVPort");
@@ -80,18 +75,13 @@ std::shared_ptr<MetaStruct> VirtualSwitchDVSCorvaneList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> VirtualSwitchDVSCorvaneList::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kKdsName, ParameterType::String);
-  name->SetRequired(false);
-  name->SetShortName("v");
-  name->SetDescription("Limit the output of this command to only kDS with the given name.");
-  spec->AddParameter(name);
+  spec->AddParameter(Optional(kKdsName, ParameterType::String, "v",
+                              "Limit the output of this command to only kDS with the given name."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchDVSCorvaneList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(MetaType::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 std::shared_ptr<MetaList> VirtualSwitchDVSCorvaneList::GetDVPortList(

@@ -1,5 +1,3 @@
-#include "vswitch/VirtualSwitchPortGroupAdd.h"
-
 #include <string>
 
 #include "hostctl/network_info.h"
@@ -7,6 +5,7 @@
 #include "hostctl/virtual_switch.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -18,35 +17,23 @@ const std::string kPortgroupName = "portgroup-name";
 const std::string kVswitchName = "vswitch-name";
 }  // namespace
 
-std::shared_ptr<VirtualSwitchPortGroupAdd> VirtualSwitchPortGroupAdd::New() {
-  return std::shared_ptr<VirtualSwitchPortGroupAdd>(new VirtualSwitchPortGroupAdd());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchPortGroupAdd)
 
 VirtualSwitchPortGroupAdd::VirtualSwitchPortGroupAdd() {
   SetDescription("Allows the addition of a standard port group to a virtual switch.");
 }
 
-VirtualSwitchPortGroupAdd::~VirtualSwitchPortGroupAdd() = default;
-
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto portgroupName = ParameterSpec::New(kPortgroupName, Toolbase::CallSpec::String);
-  portgroupName->SetRequired(true);
-  portgroupName->SetShortName("p");
-  portgroupName->SetDescription("The name of the port group to add");
-  spec->AddParameter(portgroupName);
-  auto vswitchName = ParameterSpec::New(kVswitchName, Toolbase::CallSpec::String);
-  vswitchName->SetRequired(true);
-  vswitchName->SetShortName("v");
-  vswitchName->SetDescription("The virtual switch to add the port group to.");
-  spec->AddParameter(vswitchName);
+  spec->AddParameter(Required(kPortgroupName, Toolbase::CallSpec::String, "p",
+                              "The name of the port group to add"));
+  spec->AddParameter(Required(kVswitchName, Toolbase::CallSpec::String, "v",
+                              "The virtual switch to add the port group to."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchPortGroupAdd::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchPortGroupAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,11 +1,10 @@
-#include "vswitch/VirtualSwitchPortGroupList.h"
-
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/port_group.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -19,17 +18,13 @@ const std::string kActiveClients = "Active Clients";
 const std::string kVlanId = "VLAN ID";
 }  // namespace
 
-std::shared_ptr<VirtualSwitchPortGroupList> VirtualSwitchPortGroupList::New() {
-  return std::shared_ptr<VirtualSwitchPortGroupList>(new VirtualSwitchPortGroupList());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchPortGroupList)
 
 VirtualSwitchPortGroupList::VirtualSwitchPortGroupList() {
   SetDescription("List all of the port groups currently on the system.");
   SetDefaultOutputFormatter("table");
   SetDefaultOutputParameter("fields:PortGroup", "Name,Virtual Switch,Active Clients,VLAN ID");
 }
-
-VirtualSwitchPortGroupList::~VirtualSwitchPortGroupList() = default;
 
 std::shared_ptr<MetaStruct> VirtualSwitchPortGroupList::GetOutputStructure() {
   auto result = MetaStruct::New("PortGroup");
@@ -45,9 +40,7 @@ std::shared_ptr<InputSpec> VirtualSwitchPortGroupList::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchPortGroupList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(Toolbase::MetaObj::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(Toolbase::MetaObj::Struct, GetOutputStructure()));
 }
 
 void VirtualSwitchPortGroupList::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,

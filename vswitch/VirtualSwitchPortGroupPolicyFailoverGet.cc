@@ -1,5 +1,3 @@
-#include "vswitch/VirtualSwitchPortGroupPolicyFailoverGet.h"
-
 #include <string>
 
 #include "hostctl/network_info.h"
@@ -9,6 +7,7 @@
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 #include "vswitch/PolicyKit.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -17,7 +16,6 @@ using namespace Toolbase::MetaObj;
 
 namespace {
 const std::string kPortgroupName = "portgroup-name";
-const std::string kNotFound = "Unable to find a port group with the name ";
 const std::string kOverrideLoadBalancing = "Override Vswitch Load Balancing";
 const std::string kOverrideFailureDetection = "Override Vswitch Network Failure Detection";
 const std::string kOverrideNotifySwitches = "Override Vswitch Notify Switches";
@@ -25,11 +23,7 @@ const std::string kOverrideFailback = "Override Vswitch Failback";
 const std::string kOverrideUplinks = "Override Vswitch Uplinks";
 }  // namespace
 
-std::shared_ptr<VirtualSwitchPortGroupPolicyFailoverGet>
-VirtualSwitchPortGroupPolicyFailoverGet::New() {
-  return std::shared_ptr<VirtualSwitchPortGroupPolicyFailoverGet>(
-      new VirtualSwitchPortGroupPolicyFailoverGet());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchPortGroupPolicyFailoverGet)
 
 VirtualSwitchPortGroupPolicyFailoverGet::VirtualSwitchPortGroupPolicyFailoverGet() {
   SetDescription("Get the network failover policy settings governing the given port group");
@@ -42,8 +36,6 @@ VirtualSwitchPortGroupPolicyFailoverGet::VirtualSwitchPortGroupPolicyFailoverGet
       "Uplinks");
   SetDefaultOutputParameter("header:PortGroupFailoverPolicy", "<NONE>");
 }
-
-VirtualSwitchPortGroupPolicyFailoverGet::~VirtualSwitchPortGroupPolicyFailoverGet() = default;
 
 std::shared_ptr<MetaStruct> VirtualSwitchPortGroupPolicyFailoverGet::GetOutputStructure() {
   auto result = MetaStruct::New("PortGroupFailoverPolicy");
@@ -58,30 +50,22 @@ std::shared_ptr<MetaStruct> VirtualSwitchPortGroupPolicyFailoverGet::GetOutputSt
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupPolicyFailoverGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kPortgroupName, Toolbase::CallSpec::String);
-  name->SetRequired(true);
-  name->SetShortName("p");
-  name->SetDescription(
-      "The name of the port group to use when fetching the port group failover policy.");
-  spec->AddParameter(name);
+  spec->AddParameter(
+      Required(kPortgroupName, Toolbase::CallSpec::String, "p",
+               "The name of the port group to use when fetching the port group failover policy."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchPortGroupPolicyFailoverGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(GetOutputStructure());
-  return spec;
+  return RootSpec(GetOutputStructure());
 }
 
 void VirtualSwitchPortGroupPolicyFailoverGet::ExecuteInternal(
     std::shared_ptr<Input> const& input, std::shared_ptr<Output> const& output) {
   try {
     std::string const& name = input->GetParameter(kPortgroupName);
-    auto group = HostCtl::Network::NetworkFactory::GetPortGroupByName(name);
-    if (!group) {
-      output->AddErrorMessage(kNotFound + name);
-      return;
-    }
+    auto group = FindPolicyPortGroup(name, *output);
+    if (!group) return;
     auto vswitch = group->GetVirtualSwitch();
     HostCtl::Network::NicTeamingPolicy effective = group->GetEffectiveTeamingPolicy();
     HostCtl::Network::NicTeamingPolicy configured = group->GetConfiguredTeamingPolicy();

@@ -1,5 +1,3 @@
-#include "vswitch/VirtualSwitchPortGroupPolicyFailoverSet.h"
-
 #include <string>
 #include <vector>
 
@@ -10,6 +8,7 @@
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 #include "vswitch/PolicyKit.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -19,14 +18,9 @@ using namespace Toolbase::MetaObj;
 namespace {
 const std::string kPortgroupName = "portgroup-name";
 const std::string kUseVswitch = "use-vswitch";
-const std::string kNotFound = "Unable to find a port group with the name ";
 }  // namespace
 
-std::shared_ptr<VirtualSwitchPortGroupPolicyFailoverSet>
-VirtualSwitchPortGroupPolicyFailoverSet::New() {
-  return std::shared_ptr<VirtualSwitchPortGroupPolicyFailoverSet>(
-      new VirtualSwitchPortGroupPolicyFailoverSet());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchPortGroupPolicyFailoverSet)
 
 VirtualSwitchPortGroupPolicyFailoverSet::VirtualSwitchPortGroupPolicyFailoverSet() {
   SetDescription(
@@ -34,43 +28,30 @@ VirtualSwitchPortGroupPolicyFailoverSet::VirtualSwitchPortGroupPolicyFailoverSet
       "virtual switch settings.");
 }
 
-VirtualSwitchPortGroupPolicyFailoverSet::~VirtualSwitchPortGroupPolicyFailoverSet() = default;
-
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupPolicyFailoverSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kPortgroupName, Toolbase::CallSpec::String);
-  name->SetRequired(true);
-  name->SetShortName("p");
-  name->SetDescription("The name of the port group to set failover policy for.");
-  spec->AddParameter(name);
-  auto useVswitch = ParameterSpec::New(kUseVswitch, Flag);
-  useVswitch->SetRequired(false);
-  useVswitch->SetShortName("u");
-  useVswitch->SetDescription(
+  spec->AddParameter(Required(kPortgroupName, Toolbase::CallSpec::String, "p",
+                              "The name of the port group to set failover policy for."));
+  spec->AddParameter(Optional(
+      kUseVswitch, Flag, "u",
       "Reset all values for this policy to use parent virtual switch's settings instead of "
       "overriding the settings for the port group. Using this in conjunction with other settings "
       "will first reset all of the fields to use the virtual switch setting and then apply the "
-      "other options after the reset.");
-  spec->AddParameter(useVswitch);
+      "other options after the reset."));
   AddFailoverParameters(spec);
   return spec;
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchPortGroupPolicyFailoverSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchPortGroupPolicyFailoverSet::ExecuteInternal(
     std::shared_ptr<Input> const& input, std::shared_ptr<Output> const& output) {
   try {
     std::string const& name = input->GetParameter(kPortgroupName);
-    auto group = HostCtl::Network::NetworkFactory::GetPortGroupByName(name);
-    if (!group) {
-      output->AddErrorMessage(kNotFound + name);
-      return;
-    }
+    auto group = FindPolicyPortGroup(name, *output);
+    if (!group) return;
     HostCtl::Network::NicTeamingPolicy current = group->GetEffectiveTeamingPolicy();
     HostCtl::Network::NicTeamingPolicy target = group->GetConfiguredTeamingPolicy();
     std::vector<std::string> uplinks = group->GetVirtualSwitch()->GetConnectedUplinks();

@@ -1,5 +1,3 @@
-#include "vswitch/VirtualSwitchPortGroupPolicySecurityGet.h"
-
 #include <string>
 
 #include "hostctl/network_info.h"
@@ -8,6 +6,7 @@
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 #include "vswitch/PolicyKit.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -16,17 +15,12 @@ using namespace Toolbase::MetaObj;
 
 namespace {
 const std::string kPortgroupName = "portgroup-name";
-const std::string kNotFound = "Unable to find a port group with the name ";
 const std::string kOverridePromiscuous = "Override Vswitch Allow Promiscuous";
 const std::string kOverrideMacChange = "Override Vswitch Allow MAC Address Change";
 const std::string kOverrideForgedTransmits = "Override Vswitch Allow Forged Transmits";
 }  // namespace
 
-std::shared_ptr<VirtualSwitchPortGroupPolicySecurityGet>
-VirtualSwitchPortGroupPolicySecurityGet::New() {
-  return std::shared_ptr<VirtualSwitchPortGroupPolicySecurityGet>(
-      new VirtualSwitchPortGroupPolicySecurityGet());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchPortGroupPolicySecurityGet)
 
 VirtualSwitchPortGroupPolicySecurityGet::VirtualSwitchPortGroupPolicySecurityGet() {
   SetDescription("Get the Security Policy governing the given port group. ");
@@ -37,8 +31,6 @@ VirtualSwitchPortGroupPolicySecurityGet::VirtualSwitchPortGroupPolicySecurityGet
                             "MAC Address Change,Override Vswitch Allow Forged Transmits");
   SetDefaultOutputParameter("header:PortGroupSecurityPolicy", "<NONE>");
 }
-
-VirtualSwitchPortGroupPolicySecurityGet::~VirtualSwitchPortGroupPolicySecurityGet() = default;
 
 std::shared_ptr<MetaStruct> VirtualSwitchPortGroupPolicySecurityGet::GetOutputStructure() {
   auto result = MetaStruct::New("PortGroupSecurityPolicy");
@@ -51,19 +43,14 @@ std::shared_ptr<MetaStruct> VirtualSwitchPortGroupPolicySecurityGet::GetOutputSt
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupPolicySecurityGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kPortgroupName, Toolbase::CallSpec::String);
-  name->SetRequired(true);
-  name->SetShortName("p");
-  name->SetDescription(
-      "The name of the port group to use when fetching the network security policy.");
-  spec->AddParameter(name);
+  spec->AddParameter(
+      Required(kPortgroupName, Toolbase::CallSpec::String, "p",
+               "The name of the port group to use when fetching the network security policy."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchPortGroupPolicySecurityGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(GetOutputStructure());
-  return spec;
+  return RootSpec(GetOutputStructure());
 }
 
 void VirtualSwitchPortGroupPolicySecurityGet::ExecuteInternal(
@@ -72,11 +59,8 @@ void VirtualSwitchPortGroupPolicySecurityGet::ExecuteInternal(
     auto result = GetOutputStructure();
     if (input->HasParameter(kPortgroupName)) {
       std::string const& name = input->GetParameter(kPortgroupName);
-      auto group = HostCtl::Network::NetworkFactory::GetPortGroupByName(name);
-      if (!group) {
-        output->AddErrorMessage(kNotFound + name);
-        return;
-      }
+      auto group = FindPolicyPortGroup(name, *output);
+      if (!group) return;
       HostCtl::Network::PortSecurityPolicy effective = group->GetEffectiveSecurityPolicy();
       HostCtl::Network::PortSecurityPolicy configured = group->GetConfiguredSecurityPolicy();
       FillSecurityFields(*result, effective);

@@ -1,5 +1,3 @@
-#include "vswitch/VirtualSwitchPortGroupPolicyShapingGet.h"
-
 #include <string>
 
 #include "hostctl/network_info.h"
@@ -8,6 +6,7 @@
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 #include "vswitch/PolicyKit.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -16,18 +15,13 @@ using namespace Toolbase::MetaObj;
 
 namespace {
 const std::string kPortgroupName = "portgroup-name";
-const std::string kNotFound = "Unable to find a port group with the name ";
 const std::string kOverrideEnabled = "Override Vswitch Enabled";
 const std::string kOverrideAverage = "Override Vswitch Average Bandwidth";
 const std::string kOverridePeak = "Override Vswitch Peak Bandwidth";
 const std::string kOverrideBurst = "Override Vswitch Burst Size";
 }  // namespace
 
-std::shared_ptr<VirtualSwitchPortGroupPolicyShapingGet>
-VirtualSwitchPortGroupPolicyShapingGet::New() {
-  return std::shared_ptr<VirtualSwitchPortGroupPolicyShapingGet>(
-      new VirtualSwitchPortGroupPolicyShapingGet());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchPortGroupPolicyShapingGet)
 
 VirtualSwitchPortGroupPolicyShapingGet::VirtualSwitchPortGroupPolicyShapingGet() {
   SetDescription("Get the network shaping policy settings governing the given port group");
@@ -42,8 +36,6 @@ VirtualSwitchPortGroupPolicyShapingGet::VirtualSwitchPortGroupPolicyShapingGet()
   SetDefaultOutputParameter("units:PortGroupTrafficShapingPolicy.Burst Size", "Kib");
 }
 
-VirtualSwitchPortGroupPolicyShapingGet::~VirtualSwitchPortGroupPolicyShapingGet() = default;
-
 std::shared_ptr<MetaStruct> VirtualSwitchPortGroupPolicyShapingGet::GetOutputStructure() {
   auto result = MetaStruct::New("PortGroupTrafficShapingPolicy");
   AddShapingFields(*result);
@@ -56,30 +48,22 @@ std::shared_ptr<MetaStruct> VirtualSwitchPortGroupPolicyShapingGet::GetOutputStr
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupPolicyShapingGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kPortgroupName, Toolbase::CallSpec::String);
-  name->SetRequired(true);
-  name->SetShortName("p");
-  name->SetDescription(
-      "The name of the port group to use when fetching the port group shaping policy.");
-  spec->AddParameter(name);
+  spec->AddParameter(
+      Required(kPortgroupName, Toolbase::CallSpec::String, "p",
+               "The name of the port group to use when fetching the port group shaping policy."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchPortGroupPolicyShapingGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(GetOutputStructure());
-  return spec;
+  return RootSpec(GetOutputStructure());
 }
 
 void VirtualSwitchPortGroupPolicyShapingGet::ExecuteInternal(
     std::shared_ptr<Input> const& input, std::shared_ptr<Output> const& output) {
   try {
     std::string const& name = input->GetParameter(kPortgroupName);
-    auto group = HostCtl::Network::NetworkFactory::GetPortGroupByName(name);
-    if (!group) {
-      output->AddErrorMessage(kNotFound + name);
-      return;
-    }
+    auto group = FindPolicyPortGroup(name, *output);
+    if (!group) return;
     HostCtl::Network::ShapingPolicy effective = group->GetEffectiveShapingPolicy();
     HostCtl::Network::ShapingPolicy configured = group->GetConfiguredShapingPolicy();
     auto result = GetOutputStructure();

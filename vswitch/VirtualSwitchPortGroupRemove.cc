@@ -1,5 +1,3 @@
-#include "vswitch/VirtualSwitchPortGroupRemove.h"
-
 #include <string>
 
 #include "hostctl/network_info.h"
@@ -7,6 +5,7 @@
 #include "hostctl/virtual_switch.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -18,35 +17,21 @@ const std::string kPortgroupName = "portgroup-name";
 const std::string kVswitchName = "vswitch-name";
 }  // namespace
 
-std::shared_ptr<VirtualSwitchPortGroupRemove> VirtualSwitchPortGroupRemove::New() {
-  return std::shared_ptr<VirtualSwitchPortGroupRemove>(new VirtualSwitchPortGroupRemove());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchPortGroupRemove)
 
 VirtualSwitchPortGroupRemove::VirtualSwitchPortGroupRemove() {
   SetDescription("Remove a port group from the given virtual switch");
 }
 
-VirtualSwitchPortGroupRemove::~VirtualSwitchPortGroupRemove() = default;
-
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto portgroupName = ParameterSpec::New(kPortgroupName, Toolbase::CallSpec::String);
-  portgroupName->SetRequired(true);
-  portgroupName->SetShortName("p");
-  portgroupName->SetDescription(" ");
-  spec->AddParameter(portgroupName);
-  auto vswitchName = ParameterSpec::New(kVswitchName, Toolbase::CallSpec::String);
-  vswitchName->SetRequired(true);
-  vswitchName->SetShortName("v");
-  vswitchName->SetDescription(" ");
-  spec->AddParameter(vswitchName);
+  spec->AddParameter(Required(kPortgroupName, Toolbase::CallSpec::String, "p", " "));
+  spec->AddParameter(Required(kVswitchName, Toolbase::CallSpec::String, "v", " "));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchPortGroupRemove::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchPortGroupRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

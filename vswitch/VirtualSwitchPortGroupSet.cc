@@ -1,5 +1,3 @@
-#include "vswitch/VirtualSwitchPortGroupSet.h"
-
 #include <cstdint>
 #include <string>
 
@@ -7,6 +5,7 @@
 #include "hostctl/port_group.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -19,30 +18,21 @@ const std::string kVlanId = "vlan-id";
 const std::string kNotFound = "Unable to find a port group with the name ";
 }  // namespace
 
-std::shared_ptr<VirtualSwitchPortGroupSet> VirtualSwitchPortGroupSet::New() {
-  return std::shared_ptr<VirtualSwitchPortGroupSet>(new VirtualSwitchPortGroupSet());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchPortGroupSet)
 
 VirtualSwitchPortGroupSet::VirtualSwitchPortGroupSet() {
   SetDescription("Set the vlan id for the given port group");
 }
 
-VirtualSwitchPortGroupSet::~VirtualSwitchPortGroupSet() = default;
-
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupSet::GetInputSpecInternal() {
   using HostCtl::Network::PortGroup;
   auto spec = InputSpec::New();
-  auto portgroupName = ParameterSpec::New(kPortgroupName, Toolbase::CallSpec::String);
-  portgroupName->SetRequired(true);
-  portgroupName->SetShortName("p");
-  portgroupName->SetDescription("The name of the port group to set vlan id for.");
-  spec->AddParameter(portgroupName);
-  auto vlanId = ParameterSpec::New(kVlanId, Int);
-  vlanId->SetRequired(false);
-  vlanId->SetShortName("v");
-  vlanId->SetDescription("The vlan id for this port group. This value is in the range (" +
-                         std::to_string(PortGroup::MIN_VLAN_ID) + " - " +
-                         std::to_string(PortGroup::MAX_VLAN_ID) + ")");
+  spec->AddParameter(Required(kPortgroupName, Toolbase::CallSpec::String, "p",
+                              "The name of the port group to set vlan id for."));
+  auto vlanId = Optional(kVlanId, Int, "v",
+                         "The vlan id for this port group. This value is in the range (" +
+                             std::to_string(PortGroup::MIN_VLAN_ID) + " - " +
+                             std::to_string(PortGroup::MAX_VLAN_ID) + ")");
   auto range = ParameterConstraint::New(IntRange);
   range->SetIntRange(PortGroup::MIN_VLAN_ID, PortGroup::MAX_VLAN_ID);
   vlanId->SetConstraint(range);
@@ -51,9 +41,7 @@ std::shared_ptr<InputSpec> VirtualSwitchPortGroupSet::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchPortGroupSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchPortGroupSet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,11 +1,10 @@
-#include "vswitch/VirtualSwitchStandardAdd.h"
-
 #include <string>
 
 #include "hostctl/policy.h"
 #include "hostctl/virtual_switch.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -18,27 +17,18 @@ const std::string kPorts = "ports";
 constexpr size_t kMaxNameLength = 127;
 }  // namespace
 
-std::shared_ptr<VirtualSwitchStandardAdd> VirtualSwitchStandardAdd::New() {
-  return std::shared_ptr<VirtualSwitchStandardAdd>(new VirtualSwitchStandardAdd());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchStandardAdd)
 
 VirtualSwitchStandardAdd::VirtualSwitchStandardAdd() {
   SetDescription("Add a new virtual switch to the Haldeni networking system.");
 }
 
-VirtualSwitchStandardAdd::~VirtualSwitchStandardAdd() = default;
-
 std::shared_ptr<InputSpec> VirtualSwitchStandardAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kVswitchName, Toolbase::CallSpec::String);
-  name->SetRequired(true);
-  name->SetShortName("v");
-  name->SetDescription("The name of the virtual switch to create.");
-  spec->AddParameter(name);
-  auto ports = ParameterSpec::New(kPorts, Int);
-  ports->SetRequired(false);
-  ports->SetShortName("P");
-  ports->SetDescription(
+  spec->AddParameter(Required(kVswitchName, Toolbase::CallSpec::String, "v",
+                              "The name of the virtual switch to create."));
+  auto ports = Optional(
+      kPorts, Int, "P",
       "The number of ports to to give this newly created virtual switch. Maximum ports per "
       "virtual switch is 4096. If no value is given the default value(128) is used. The number "
       "of ports is limited by the number of already allocated ports on the host. The system wide "
@@ -51,9 +41,7 @@ std::shared_ptr<InputSpec> VirtualSwitchStandardAdd::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardAdd::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchStandardAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

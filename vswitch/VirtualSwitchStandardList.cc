@@ -1,5 +1,3 @@
-#include "vswitch/VirtualSwitchStandardList.h"
-
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -9,6 +7,7 @@
 #include "hostctl/virtual_switch.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -32,9 +31,7 @@ const std::string kUplinks = "Uplinks";
 const std::string kPortgroups = "Portgroups";
 }  // namespace
 
-std::shared_ptr<VirtualSwitchStandardList> VirtualSwitchStandardList::New() {
-  return std::shared_ptr<VirtualSwitchStandardList>(new VirtualSwitchStandardList());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchStandardList)
 
 VirtualSwitchStandardList::VirtualSwitchStandardList() {
   SetDescription("List the virtual switches current on the Haldeni host.");
@@ -45,8 +42,6 @@ VirtualSwitchStandardList::VirtualSwitchStandardList() {
                             "Beacon Enabled,Beacon Interval,Beacon Threshold,Beacon Required By,"
                             "Uplinks,Portgroups");
 }
-
-VirtualSwitchStandardList::~VirtualSwitchStandardList() = default;
 
 std::shared_ptr<MetaStruct> VirtualSwitchStandardList::GetOutputStructure() {
   auto result = MetaStruct::New("VirtualSwitch");
@@ -68,19 +63,14 @@ std::shared_ptr<MetaStruct> VirtualSwitchStandardList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardList::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kVswitchName, Toolbase::CallSpec::String);
-  name->SetRequired(false);
-  name->SetShortName("v");
-  name->SetDescription(
-      "Limit the output of this command to only virtual switches with the given name.");
-  spec->AddParameter(name);
+  spec->AddParameter(
+      Optional(kVswitchName, Toolbase::CallSpec::String, "v",
+               "Limit the output of this command to only virtual switches with the given name."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardList::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaList::New(Toolbase::MetaObj::Struct, GetOutputStructure()));
-  return spec;
+  return RootSpec(MetaList::New(Toolbase::MetaObj::Struct, GetOutputStructure()));
 }
 
 void VirtualSwitchStandardList::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -1,5 +1,3 @@
-#include "vswitch/VirtualSwitchStandardPolicyFailoverGet.h"
-
 #include <string>
 
 #include "hostctl/policy.h"
@@ -7,6 +5,7 @@
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 #include "vswitch/PolicyKit.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -15,14 +14,9 @@ using namespace Toolbase::MetaObj;
 
 namespace {
 const std::string kVswitchName = "vswitch-name";
-const std::string kNotFound = "Unable to find a legacy virtual switch with the name ";
 }  // namespace
 
-std::shared_ptr<VirtualSwitchStandardPolicyFailoverGet>
-VirtualSwitchStandardPolicyFailoverGet::New() {
-  return std::shared_ptr<VirtualSwitchStandardPolicyFailoverGet>(
-      new VirtualSwitchStandardPolicyFailoverGet());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicyFailoverGet)
 
 VirtualSwitchStandardPolicyFailoverGet::VirtualSwitchStandardPolicyFailoverGet() {
   SetDescription("Get the failover policy settings governing the given virtual switch");
@@ -33,8 +27,6 @@ VirtualSwitchStandardPolicyFailoverGet::VirtualSwitchStandardPolicyFailoverGet()
   SetDefaultOutputParameter("header:VirtualSwitchFailoverPolicy", "<NONE>");
 }
 
-VirtualSwitchStandardPolicyFailoverGet::~VirtualSwitchStandardPolicyFailoverGet() = default;
-
 std::shared_ptr<MetaStruct> VirtualSwitchStandardPolicyFailoverGet::GetOutputStructure() {
   auto result = MetaStruct::New("VirtualSwitchFailoverPolicy");
   AddFailoverFields(*result);
@@ -43,19 +35,14 @@ std::shared_ptr<MetaStruct> VirtualSwitchStandardPolicyFailoverGet::GetOutputStr
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardPolicyFailoverGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kVswitchName, Toolbase::CallSpec::String);
-  name->SetRequired(true);
-  name->SetShortName("v");
-  name->SetDescription(
-      "The name of the virtual switch to use when fetching the switch failover policy.");
-  spec->AddParameter(name);
+  spec->AddParameter(
+      Required(kVswitchName, Toolbase::CallSpec::String, "v",
+               "The name of the virtual switch to use when fetching the switch failover policy."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardPolicyFailoverGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(GetOutputStructure());
-  return spec;
+  return RootSpec(GetOutputStructure());
 }
 
 void VirtualSwitchStandardPolicyFailoverGet::ExecuteInternal(
@@ -63,15 +50,8 @@ void VirtualSwitchStandardPolicyFailoverGet::ExecuteInternal(
   try {
     OrvkCtl::Network::VirtualSwitchInfoImpl switchInfo;
     std::string const& name = input->GetParameter(kVswitchName);
-    if (!OrvkCtl::Network::PortsetImpl::IsValidVirtualSwitch(name)) {
-      output->AddErrorMessage(kNotFound + name);
-      return;
-    }
-    auto vswitch = switchInfo.GetVirtualSwitchByName(name);
-    if (!vswitch) {
-      output->AddErrorMessage(kNotFound + name);
-      return;
-    }
+    auto vswitch = FindPolicyStandardSwitch(switchInfo, name, *output);
+    if (!vswitch) return;
     auto result = GetOutputStructure();
     FillFailoverFields(*result, vswitch->GetEffectiveTeamingPolicy(),
                        vswitch->GetConnectedUplinks());

@@ -1,5 +1,3 @@
-#include "vswitch/VirtualSwitchStandardPolicyFailoverSet.h"
-
 #include <string>
 #include <vector>
 
@@ -8,6 +6,7 @@
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 #include "vswitch/PolicyKit.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -16,37 +15,25 @@ using namespace Toolbase::MetaObj;
 
 namespace {
 const std::string kVswitchName = "vswitch-name";
-const std::string kNotFound = "Unable to find a legacy virtual switch with the name ";
 }  // namespace
 
-std::shared_ptr<VirtualSwitchStandardPolicyFailoverSet>
-VirtualSwitchStandardPolicyFailoverSet::New() {
-  return std::shared_ptr<VirtualSwitchStandardPolicyFailoverSet>(
-      new VirtualSwitchStandardPolicyFailoverSet());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicyFailoverSet)
 
 VirtualSwitchStandardPolicyFailoverSet::VirtualSwitchStandardPolicyFailoverSet() {
   SetDescription("Configure the Failover policy for a virtual switch.");
 }
 
-VirtualSwitchStandardPolicyFailoverSet::~VirtualSwitchStandardPolicyFailoverSet() = default;
-
 std::shared_ptr<InputSpec> VirtualSwitchStandardPolicyFailoverSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kVswitchName, Toolbase::CallSpec::String);
-  name->SetRequired(true);
-  name->SetShortName("v");
-  name->SetDescription(
-      "The name of the virtual switch to use when configuring the switch failover policy.");
-  spec->AddParameter(name);
+  spec->AddParameter(Required(
+      kVswitchName, Toolbase::CallSpec::String, "v",
+      "The name of the virtual switch to use when configuring the switch failover policy."));
   AddFailoverParameters(spec);
   return spec;
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardPolicyFailoverSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchStandardPolicyFailoverSet::ExecuteInternal(
@@ -54,15 +41,8 @@ void VirtualSwitchStandardPolicyFailoverSet::ExecuteInternal(
   try {
     OrvkCtl::Network::VirtualSwitchInfoImpl switchInfo;
     std::string const& name = input->GetParameter(kVswitchName);
-    if (!OrvkCtl::Network::PortsetImpl::IsValidVirtualSwitch(name)) {
-      output->AddErrorMessage(kNotFound + name);
-      return;
-    }
-    auto vswitch = switchInfo.GetVirtualSwitchByName(name);
-    if (!vswitch) {
-      output->AddErrorMessage(kNotFound + name);
-      return;
-    }
+    auto vswitch = FindPolicyStandardSwitch(switchInfo, name, *output);
+    if (!vswitch) return;
     HostCtl::Network::NicTeamingPolicy current = vswitch->GetEffectiveTeamingPolicy();
     HostCtl::Network::NicTeamingPolicy target = vswitch->GetConfiguredTeamingPolicy();
     std::vector<std::string> uplinks = vswitch->GetConnectedUplinks();

@@ -1,5 +1,3 @@
-#include "vswitch/VirtualSwitchStandardPolicySecurityGet.h"
-
 #include <string>
 
 #include "hostctl/policy.h"
@@ -7,6 +5,7 @@
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 #include "vswitch/PolicyKit.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -15,14 +14,9 @@ using namespace Toolbase::MetaObj;
 
 namespace {
 const std::string kVswitchName = "vswitch-name";
-const std::string kNotFound = "Unable to find a legacy virtual switch with the name ";
 }  // namespace
 
-std::shared_ptr<VirtualSwitchStandardPolicySecurityGet>
-VirtualSwitchStandardPolicySecurityGet::New() {
-  return std::shared_ptr<VirtualSwitchStandardPolicySecurityGet>(
-      new VirtualSwitchStandardPolicySecurityGet());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicySecurityGet)
 
 VirtualSwitchStandardPolicySecurityGet::VirtualSwitchStandardPolicySecurityGet() {
   SetDescription("Get the Security Policy governing the given virtual switch.");
@@ -32,8 +26,6 @@ VirtualSwitchStandardPolicySecurityGet::VirtualSwitchStandardPolicySecurityGet()
   SetDefaultOutputParameter("header:VirtualSwitchSecurityPolicy", "<NONE>");
 }
 
-VirtualSwitchStandardPolicySecurityGet::~VirtualSwitchStandardPolicySecurityGet() = default;
-
 std::shared_ptr<MetaStruct> VirtualSwitchStandardPolicySecurityGet::GetOutputStructure() {
   auto result = MetaStruct::New("VirtualSwitchSecurityPolicy");
   AddSecurityFields(*result);
@@ -42,19 +34,14 @@ std::shared_ptr<MetaStruct> VirtualSwitchStandardPolicySecurityGet::GetOutputStr
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardPolicySecurityGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kVswitchName, Toolbase::CallSpec::String);
-  name->SetRequired(true);
-  name->SetShortName("v");
-  name->SetDescription(
-      "The name of the virtual switch to use when fetching the network security policy.");
-  spec->AddParameter(name);
+  spec->AddParameter(
+      Required(kVswitchName, Toolbase::CallSpec::String, "v",
+               "The name of the virtual switch to use when fetching the network security policy."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardPolicySecurityGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(GetOutputStructure());
-  return spec;
+  return RootSpec(GetOutputStructure());
 }
 
 void VirtualSwitchStandardPolicySecurityGet::ExecuteInternal(
@@ -62,15 +49,8 @@ void VirtualSwitchStandardPolicySecurityGet::ExecuteInternal(
   try {
     OrvkCtl::Network::VirtualSwitchInfoImpl switchInfo;
     std::string const& name = input->GetParameter(kVswitchName);
-    if (!OrvkCtl::Network::PortsetImpl::IsValidVirtualSwitch(name)) {
-      output->AddErrorMessage(kNotFound + name);
-      return;
-    }
-    auto vswitch = switchInfo.GetVirtualSwitchByName(name);
-    if (!vswitch) {
-      output->AddErrorMessage(kNotFound + name);
-      return;
-    }
+    auto vswitch = FindPolicyStandardSwitch(switchInfo, name, *output);
+    if (!vswitch) return;
     auto result = GetOutputStructure();
     FillSecurityFields(*result, vswitch->GetEffectiveSecurityPolicy());
     output->SetRootObject(result);

@@ -1,5 +1,3 @@
-#include "vswitch/VirtualSwitchStandardPolicyShapingGet.h"
-
 #include <string>
 
 #include "hostctl/policy.h"
@@ -7,6 +5,7 @@
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 #include "vswitch/PolicyKit.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -15,14 +14,9 @@ using namespace Toolbase::MetaObj;
 
 namespace {
 const std::string kVswitchName = "vswitch-name";
-const std::string kNotFound = "Unable to find a legacy virtual switch with the name ";
 }  // namespace
 
-std::shared_ptr<VirtualSwitchStandardPolicyShapingGet>
-VirtualSwitchStandardPolicyShapingGet::New() {
-  return std::shared_ptr<VirtualSwitchStandardPolicyShapingGet>(
-      new VirtualSwitchStandardPolicyShapingGet());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicyShapingGet)
 
 VirtualSwitchStandardPolicyShapingGet::VirtualSwitchStandardPolicyShapingGet() {
   SetDescription("Get the shaping policy settings for the given virtual switch");
@@ -35,8 +29,6 @@ VirtualSwitchStandardPolicyShapingGet::VirtualSwitchStandardPolicyShapingGet() {
   SetDefaultOutputParameter("units:VirtualSwitchTrafficShapingPolicy.Burst Size", "Kib");
 }
 
-VirtualSwitchStandardPolicyShapingGet::~VirtualSwitchStandardPolicyShapingGet() = default;
-
 std::shared_ptr<MetaStruct> VirtualSwitchStandardPolicyShapingGet::GetOutputStructure() {
   auto result = MetaStruct::New("VirtualSwitchTrafficShapingPolicy");
   AddShapingFields(*result);
@@ -45,19 +37,14 @@ std::shared_ptr<MetaStruct> VirtualSwitchStandardPolicyShapingGet::GetOutputStru
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardPolicyShapingGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kVswitchName, Toolbase::CallSpec::String);
-  name->SetRequired(true);
-  name->SetShortName("v");
-  name->SetDescription(
-      "The name of the virtual switch to use when fetching the switch shaping policy.");
-  spec->AddParameter(name);
+  spec->AddParameter(
+      Required(kVswitchName, Toolbase::CallSpec::String, "v",
+               "The name of the virtual switch to use when fetching the switch shaping policy."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardPolicyShapingGet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(GetOutputStructure());
-  return spec;
+  return RootSpec(GetOutputStructure());
 }
 
 void VirtualSwitchStandardPolicyShapingGet::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -65,15 +52,8 @@ void VirtualSwitchStandardPolicyShapingGet::ExecuteInternal(std::shared_ptr<Inpu
   try {
     OrvkCtl::Network::VirtualSwitchInfoImpl switchInfo;
     std::string const& name = input->GetParameter(kVswitchName);
-    if (!OrvkCtl::Network::PortsetImpl::IsValidVirtualSwitch(name)) {
-      output->AddErrorMessage(kNotFound + name);
-      return;
-    }
-    auto vswitch = switchInfo.GetVirtualSwitchByName(name);
-    if (!vswitch) {
-      output->AddErrorMessage(kNotFound + name);
-      return;
-    }
+    auto vswitch = FindPolicyStandardSwitch(switchInfo, name, *output);
+    if (!vswitch) return;
     auto result = GetOutputStructure();
     FillShapingFields(*result, vswitch->GetEffectiveShapingPolicy());
     output->SetRootObject(result);

@@ -1,5 +1,3 @@
-#include "vswitch/VirtualSwitchStandardPolicyShapingSet.h"
-
 #include <string>
 
 #include "hostctl/policy.h"
@@ -7,6 +5,7 @@
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 #include "vswitch/PolicyKit.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -15,37 +14,25 @@ using namespace Toolbase::MetaObj;
 
 namespace {
 const std::string kVswitchName = "vswitch-name";
-const std::string kNotFound = "Unable to find a legacy virtual switch with the name ";
 }  // namespace
 
-std::shared_ptr<VirtualSwitchStandardPolicyShapingSet>
-VirtualSwitchStandardPolicyShapingSet::New() {
-  return std::shared_ptr<VirtualSwitchStandardPolicyShapingSet>(
-      new VirtualSwitchStandardPolicyShapingSet());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicyShapingSet)
 
 VirtualSwitchStandardPolicyShapingSet::VirtualSwitchStandardPolicyShapingSet() {
   SetDescription("Set the shaping policy settings for the given virtual switch");
 }
 
-VirtualSwitchStandardPolicyShapingSet::~VirtualSwitchStandardPolicyShapingSet() = default;
-
 std::shared_ptr<InputSpec> VirtualSwitchStandardPolicyShapingSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kVswitchName, Toolbase::CallSpec::String);
-  name->SetRequired(true);
-  name->SetShortName("v");
-  name->SetDescription(
-      "The name of the virtual switch to use when setting the switch shaping policy.");
-  spec->AddParameter(name);
+  spec->AddParameter(
+      Required(kVswitchName, Toolbase::CallSpec::String, "v",
+               "The name of the virtual switch to use when setting the switch shaping policy."));
   AddShapingParameters(spec);
   return spec;
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardPolicyShapingSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchStandardPolicyShapingSet::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -53,15 +40,8 @@ void VirtualSwitchStandardPolicyShapingSet::ExecuteInternal(std::shared_ptr<Inpu
   try {
     OrvkCtl::Network::VirtualSwitchInfoImpl switchInfo;
     std::string const& name = input->GetParameter(kVswitchName);
-    if (!OrvkCtl::Network::PortsetImpl::IsValidVirtualSwitch(name)) {
-      output->AddErrorMessage(kNotFound + name);
-      return;
-    }
-    auto vswitch = switchInfo.GetVirtualSwitchByName(name);
-    if (!vswitch) {
-      output->AddErrorMessage(kNotFound + name);
-      return;
-    }
+    auto vswitch = FindPolicyStandardSwitch(switchInfo, name, *output);
+    if (!vswitch) return;
     HostCtl::Network::ShapingPolicy policy = vswitch->GetEffectiveShapingPolicy();
     SetShapingPolicy(input, output, policy, false);
     if (!output->HasError()) vswitch->ApplyShapingPolicy(policy);

@@ -1,11 +1,10 @@
-#include "vswitch/VirtualSwitchStandardRemove.h"
-
 #include <sstream>
 #include <string>
 
 #include "hostctl/virtual_switch.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -16,30 +15,21 @@ namespace {
 const std::string kVswitchName = "vswitch-name";
 }  // namespace
 
-std::shared_ptr<VirtualSwitchStandardRemove> VirtualSwitchStandardRemove::New() {
-  return std::shared_ptr<VirtualSwitchStandardRemove>(new VirtualSwitchStandardRemove());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchStandardRemove)
 
 VirtualSwitchStandardRemove::VirtualSwitchStandardRemove() {
   SetDescription("Remove a virtual switch from the Haldeni networking system.");
 }
 
-VirtualSwitchStandardRemove::~VirtualSwitchStandardRemove() = default;
-
 std::shared_ptr<InputSpec> VirtualSwitchStandardRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kVswitchName, Toolbase::CallSpec::String);
-  name->SetRequired(true);
-  name->SetShortName("v");
-  name->SetDescription("The name of the virtual switch to remove.");
-  spec->AddParameter(name);
+  spec->AddParameter(Required(kVswitchName, Toolbase::CallSpec::String, "v",
+                              "The name of the virtual switch to remove."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardRemove::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchStandardRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

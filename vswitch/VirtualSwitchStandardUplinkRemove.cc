@@ -1,11 +1,10 @@
-#include "vswitch/VirtualSwitchStandardUplinkRemove.h"
-
 #include <string>
 
 #include "hostctl/network_info.h"
 #include "hostctl/virtual_switch.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
+#include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -17,10 +16,7 @@ const std::string kVswitchName = "vswitch-name";
 const std::string kUplinkName = "uplink-name";
 }  // namespace
 
-std::shared_ptr<VirtualSwitchStandardUplinkRemove> VirtualSwitchStandardUplinkRemove::New() {
-  return std::shared_ptr<VirtualSwitchStandardUplinkRemove>(
-      new VirtualSwitchStandardUplinkRemove());
-}
+NETWORK_COMMAND_NEW(VirtualSwitchStandardUplinkRemove)
 
 VirtualSwitchStandardUplinkRemove::VirtualSwitchStandardUplinkRemove() {
   SetDescription(
@@ -29,27 +25,17 @@ VirtualSwitchStandardUplinkRemove::VirtualSwitchStandardUplinkRemove() {
       "uplink on this virtual switch");
 }
 
-VirtualSwitchStandardUplinkRemove::~VirtualSwitchStandardUplinkRemove() = default;
-
 std::shared_ptr<InputSpec> VirtualSwitchStandardUplinkRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  auto vswitchName = ParameterSpec::New(kVswitchName, Toolbase::CallSpec::String);
-  vswitchName->SetRequired(true);
-  vswitchName->SetShortName("v");
-  vswitchName->SetDescription("The name of the virtual switch to remove an uplink from.");
-  spec->AddParameter(vswitchName);
-  auto uplinkName = ParameterSpec::New(kUplinkName, Toolbase::CallSpec::String);
-  uplinkName->SetRequired(true);
-  uplinkName->SetShortName("u");
-  uplinkName->SetDescription("The name of the uplink to remove from the virtual switch.");
-  spec->AddParameter(uplinkName);
+  spec->AddParameter(Required(kVswitchName, Toolbase::CallSpec::String, "v",
+                              "The name of the virtual switch to remove an uplink from."));
+  spec->AddParameter(Required(kUplinkName, Toolbase::CallSpec::String, "u",
+                              "The name of the uplink to remove from the virtual switch."));
   return spec;
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardUplinkRemove::GetOutputSpecInternal() {
-  auto spec = OutputSpec::New();
-  spec->SetRootObject(MetaBool::New());
-  return spec;
+  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchStandardUplinkRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

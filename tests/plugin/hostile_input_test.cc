@@ -14,7 +14,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host_store.h"
 #include "support/harness.h"
 #include "toolbase/auto_cli.h"
 #include "toolbase/call_spec.h"
@@ -137,7 +136,7 @@ class HostileInputTest : public HostTest {
  protected:
   void SetUp() override {
     HostTest::SetUp();
-    OrvkCtl::Sim::ReadHost();  // seeds the state file
+    SeedHost();
     pristine_ = StateFileText();
   }
 

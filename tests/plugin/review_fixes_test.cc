@@ -5,19 +5,19 @@
 #include <string>
 #include <vector>
 
-#include "host_store.h"
 #include "support/harness.h"
 
 namespace {
 
 using TestSupport::HostTest;
-using Args = std::vector<std::string>;
+using TestSupport::Args;
+using TestSupport::Messages;
 
 class ReviewFixesTest : public HostTest {
  protected:
   void SetUp() override {
     HostTest::SetUp();
-    OrvkCtl::Sim::ReadHost();  // seeds the state file
+    SeedHost();
   }
 
   // Expects the command to fail with `status` and `message` on standard
@@ -62,41 +62,68 @@ TEST_F(ReviewFixesTest, TextThatIsNotUtf8IsAUsageErrorNamingTheParameter) {
                 2, "Parameter --portgroup-name expects UTF-8 text");
 }
 
-// Values that do not fit the host's field are refused by name and range
-// before anything changes, instead of wrapping.
-TEST_F(ReviewFixesTest, IntegersThatDoNotFitAreRefusedNotWrapped) {
-  std::string const uint32 = "it must be between 0 and 4294967295.";
+// A number read for a narrower host field goes to the host narrowed, as the
+// host record holds it, and the host decides: what it cannot take it refuses
+// with its own words, what fits after narrowing it takes.
+TEST_F(ReviewFixesTest, NumbersGoToTheHostNarrowed) {
   struct Case {
     Args args;
-    std::string message;
+    Messages messages;  // empty: the command succeeds
+    Args check = {};    // what shows the narrowed value, and its root
+    std::string shown = "";
   };
   std::vector<Case> const cases = {
-      {{"network", "nic", "coalesce", "high", "set", "-n", "ornic0", "-p", "-5"},
-       "Invalid value -5 for parameter 'pkt-rate': " + uint32},
+      {{"network", "ens", "lcore", "affinity", "set", "-l", "2", "-a", "4294967297"},
+       {},
+       {"network", "ens", "lcore", "affinity", "get", "-l", "2"},
+       "1"},
+      {{"network", "ens", "lcore", "affinity", "set", "-l", "2", "-a", "4294967295"},
+       {"NUMA node -1 does not exist: the host has 2 NUMA nodes"}},
+      {{"network", "vswitch", "dvs", "corvane", "lacp", "timeout", "set", "-t", "1",
+        "--lag-id=-1", "-s", "DSwitch-Prod"},
+       {"No running LAG with ID 4294967295 on DSwitch-Prod"}},
+      {{"network", "ip", "ipsec", "sp", "add", "-n", "sp-new", "-s", "2001:db8:10::21/128", "-d",
+        "2001:db8:10::/64", "--source-port=-1", "-P", "22", "-u", "tcp"},
+       {"Invalid port: ports must be between 0 and 65535"}},
+      {{"network", "nic", "ring", "current", "set", "-n", "ornic0", "-r", "4294967291"},
+       {"RX ring size 4294967291 of ornic0 exceeds the preset maximum of 4096"}},
       {{"network", "nic", "coalesce", "low", "set", "-n", "ornic0", "-t", "4294967296"},
-       "Invalid value 4294967296 for parameter 'tx-usecs': " + uint32},
+       {},
+       {"network", "nic", "coalesce", "low", "get", "-n", "ornic0"},
+       "TX delay time=0"},
       {{"network", "nic", "coalesce", "set", "-n", "ornic0", "-r", "-1"},
-       "Invalid value -1 for parameter 'rx-usecs': " + uint32},
-      {{"network", "nic", "ring", "current", "set", "-n", "ornic0", "-r", "4294969344"},
-       "Invalid value 4294969344 for parameter 'rx': " + uint32},
-      {{"network", "nic", "set", "-n", "ornic0", "-l", "-1"},
-       "Invalid value -1 for parameter 'message-level': " + uint32},
+       {"RX microseconds 4294967295 of ornic0 is beyond the maximum of 8191"}},
       {{"network", "nic", "set", "-n", "ornic0", "-P", "4294967297"},
-       "Invalid value 4294967297 for parameter 'phy-address': it must be between 1 and "
-       "4294967295."},
+       {},
+       {"network", "nic", "get", "-n", "ornic0"},
+       "PHY Address=1"},
       {{"network", "ip", "netstack", "set", "-N", "livehop", "-m", "4294968296"},
-       "Invalid value 4294968296 for parameter 'maxconn': " + uint32},
+       {},
+       {"network", "ip", "netstack", "get", "-N", "livehop"},
+       "Max Connections=1000"},
       {{"network", "ip", "interface", "set", "-i", "orvk0", "-m", "4294967297"},
-       "Invalid value 4294967297 for parameter 'mtu': " + uint32},
+       {"Invalid MTU 1 for orvk0: it must be between 1280 and 9000"}},
       {{"network", "vswitch", "standard", "set", "-v", "vSwitch0", "--mtu=4294968796"},
-       "Invalid value 4294968796 for parameter 'mtu': it must be between 0 and 2147483647."},
+       {},
+       {"network", "vswitch", "standard", "list", "-v", "vSwitch0"},
+       "MTU=1500"},
   };
-  for (auto const& c : cases) ExpectRefused(c.args, 1, c.message);
-  // The specified checks still come first.
-  ExpectRefused({"network", "ip", "interface", "set", "-i", "orvk0", "-m", "-4294967297"}, 1,
-                "MTU size should be a positive value");
-  ExpectRefused({"network", "nic", "coalesce", "high", "set", "-n", "nosuch", "-p", "-5"}, 1,
-                "Pnic with name nosuch not found");
+  for (auto const& c : cases) {
+    SCOPED_TRACE(testing::PrintToString(c.args));
+    if (!c.messages.empty()) {
+      Refused(c.args, c.messages);
+      continue;
+    }
+    EXPECT_EQ(Ok(c.args), "true");
+    Reload();
+    std::string const shown = Ok(c.check);
+    EXPECT_NE(shown.find(c.shown), std::string::npos) << shown;
+  }
+  // The checks the commands have of their own still come first.
+  Refused({"network", "ip", "interface", "set", "-i", "orvk0", "-m", "-4294967297"},
+          {"MTU size should be a positive value"});
+  Refused({"network", "nic", "coalesce", "high", "set", "-n", "nosuch", "-p", "-5"},
+          {"Pnic with name nosuch not found"});
 }
 
 TEST_F(ReviewFixesTest, ANicServesOneSwitchAtATime) {

@@ -15,8 +15,10 @@
 #include "fault.h"
 #include "host_store.h"
 #include "params.h"
+#include "support/meta_text.h"
 #include "toolbase/auto_cli.h"
 #include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
 
 namespace TestSupport {
 
@@ -142,5 +144,72 @@ std::string HostTest::StateFileText() const {
 void HostTest::ClearFaults() { OrvkCtl::Sim::ClearFaultsForTest(); }
 
 void HostTest::Reload() { OrvkCtl::Sim::ResetHostForTest(); }
+
+std::string HostTest::Ok(Args const& args) {
+  Messages messages;
+  std::string root = RootAndMessages(args, messages);
+  EXPECT_EQ(messages, Messages{});
+  return root;
+}
+
+std::string HostTest::RootAndMessages(Args const& args, Messages& messages) {
+  auto output = Execute(args);
+  messages = output->GetErrorMessages();
+  return MetaText(output->GetRootObject());
+}
+
+void HostTest::Refused(Args const& args, Messages const& messages, int status) {
+  SeedHost();
+  std::string const before = StateFileText();
+  auto output = Execute(args);
+  EXPECT_EQ(output->GetErrorMessages(), messages);
+  EXPECT_EQ(output->GetRootObject(), nullptr) << MetaText(output->GetRootObject());
+  Reload();
+  EXPECT_TRUE(StateFileText() == before) << "the command changed the state file";
+  // The same through the executable's path: the messages alone, one a line.
+  RunResult printed = Run(args);
+  std::string text;
+  for (auto const& message : messages) {
+    text += message;
+    if (message.empty() || message.back() != '\n') text += '\n';
+  }
+  EXPECT_EQ(printed.status, status);
+  EXPECT_EQ(printed.out, "");
+  EXPECT_EQ(printed.err, text);
+  Reload();
+  EXPECT_TRUE(StateFileText() == before) << "the command changed the state file";
+}
+
+std::vector<std::string> HostTest::Rows(Args const& args) {
+  std::vector<std::string> rows;
+  auto output = Execute(args);
+  EXPECT_EQ(output->GetErrorMessages(), Messages{});
+  auto list = std::dynamic_pointer_cast<Toolbase::MetaObj::MetaList>(output->GetRootObject());
+  EXPECT_NE(list, nullptr);
+  if (list) {
+    for (auto const& item : list->GetItems()) rows.push_back(MetaText(item));
+  }
+  return rows;
+}
+
+std::vector<std::map<std::string, std::string>> HostTest::Fields(Args const& args) {
+  using namespace Toolbase::MetaObj;
+  std::vector<std::map<std::string, std::string>> rows;
+  auto output = Execute(args);
+  EXPECT_EQ(output->GetErrorMessages(), Messages{});
+  auto list = std::dynamic_pointer_cast<MetaList>(output->GetRootObject());
+  EXPECT_NE(list, nullptr);
+  if (!list) return rows;
+  for (auto const& item : list->GetItems()) {
+    std::map<std::string, std::string> row;
+    for (auto const& [key, value] : static_cast<MetaStruct const&>(*item).GetFields()) {
+      row[key] = MetaText(value);
+    }
+    rows.push_back(row);
+  }
+  return rows;
+}
+
+void HostTest::SeedHost() { OrvkCtl::Sim::ReadHost(); }
 
 }  // namespace TestSupport

@@ -19,6 +19,12 @@ class Output;
 
 namespace TestSupport {
 
+using Args = std::vector<std::string>;
+using Messages = std::vector<std::string>;
+
+// The exit status of a command that reported an error.
+inline constexpr int kCommandFailed = 1;
+
 struct RunResult {
   int status = -1;
   std::string out;
@@ -49,6 +55,21 @@ class HostTest : public ::testing::Test {
   // back its Output (root object and messages) unprinted. Fails the test on a
   // usage error.
   std::shared_ptr<Toolbase::CallSpec::Output> Execute(std::vector<std::string> const& args);
+  // Runs `args`, expects no message, and gives the root as one line
+  // (MetaText; "(none)" without a root).
+  std::string Ok(Args const& args);
+  // The root as one line; the messages go to `messages`.
+  std::string RootAndMessages(Args const& args, Messages& messages);
+  // Expects `args` to print exactly `messages` and nothing else, to end with
+  // `status`, to set no root and to leave the state file as it was.
+  void Refused(Args const& args, Messages const& messages, int status = kCommandFailed);
+  // The rows of a list command, each as one line; expects no message.
+  std::vector<std::string> Rows(Args const& args);
+  // The rows of a list command, each field as text by its name.
+  std::vector<std::map<std::string, std::string>> Fields(Args const& args);
+  // Writes the state file of the default host if it is not there yet.
+  void SeedHost();
+
   // Makes the named host operation throw HostCtlException with `text`.
   void InjectFault(std::string const& operation, std::string const& text);
   void ClearFaults();

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "host_store.h"
-#include "plugin/meta_text.h"
 #include "support/harness.h"
+#include "support/meta_text.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -24,18 +24,7 @@ class FirewallRulesetTest : public HostTest {
  protected:
   void SetUp() override {
     HostTest::SetUp();
-    OrvkCtl::Sim::ReadHost();  // seeds the state file
-  }
-  // The rows of a list command, each as MetaText renders it.
-  std::vector<std::string> Rows(Args const& args) {
-    auto output = Execute(args);
-    EXPECT_EQ(output->GetErrorMessages(), Messages{});
-    std::vector<std::string> rows;
-    auto list = std::dynamic_pointer_cast<MetaList>(output->GetRootObject());
-    EXPECT_NE(list, nullptr);
-    if (!list) return rows;
-    for (auto const& item : list->GetItems()) rows.push_back(MetaText(item));
-    return rows;
+    SeedHost();
   }
   std::string Row(std::string const& command, std::string const& id) {
     auto rows = Rows({"network", "firewall", "ruleset", command, "list", "-r", id});
@@ -152,13 +141,13 @@ TEST_F(FirewallRulesetTest, SetNeedsAnOption) {
 
 TEST_F(FirewallRulesetTest, SetRefusesTheAllowedAllFlagAsItStands) {
   // ntpClient is enabled and allows all: the refusal leaves it enabled.
-  ExpectFailure({"network", "firewall", "ruleset", "set", "-r", "ntpClient", "-a", "true", "-e",
-                 "false"},
-                "Already allowed all ip");
+  ExpectFailure(
+      {"network", "firewall", "ruleset", "set", "-r", "ntpClient", "-a", "true", "-e", "false"},
+      "Already allowed all ip");
   EXPECT_EQ(Ruleset("ntpClient"), "{Name=ntpClient,Enabled=true}");
-  ExpectFailure({"network", "firewall", "ruleset", "set", "-r", "sshServer", "--allowed-all",
-                 "false"},
-                "Already use allowed ip list");
+  ExpectFailure(
+      {"network", "firewall", "ruleset", "set", "-r", "sshServer", "--allowed-all", "false"},
+      "Already use allowed ip list");
 }
 
 TEST_F(FirewallRulesetTest, SetToTheCurrentStateCallsNothing) {
@@ -169,8 +158,8 @@ TEST_F(FirewallRulesetTest, SetToTheCurrentStateCallsNothing) {
 }
 
 TEST_F(FirewallRulesetTest, SetChangesBothAndSurvivesAReload) {
-  ExpectTrue({"network", "firewall", "ruleset", "set", "-r", "sshClient", "-a", "false", "-e",
-              "true"});
+  ExpectTrue(
+      {"network", "firewall", "ruleset", "set", "-r", "sshClient", "-a", "false", "-e", "true"});
   Reload();
   EXPECT_EQ(Ruleset("sshClient"), "{Name=sshClient,Enabled=true}");
   EXPECT_EQ(AllowedIps("sshClient"), "{Ruleset=sshClient,Allowed IP Addresses=[]}");
@@ -180,9 +169,9 @@ TEST_F(FirewallRulesetTest, SetChangesBothAndSurvivesAReload) {
 
 TEST_F(FirewallRulesetTest, FlagChangeStaysWhenEnablingFails) {
   InjectFault("FirewallRulesetImpl::Enable", "ruleset busy");
-  ExpectFailure({"network", "firewall", "ruleset", "set", "-r", "sshClient", "-a", "false", "-e",
-                 "true"},
-                "ruleset busy");
+  ExpectFailure(
+      {"network", "firewall", "ruleset", "set", "-r", "sshClient", "-a", "false", "-e", "true"},
+      "ruleset busy");
   ClearFaults();
   EXPECT_EQ(Ruleset("sshClient"), "{Name=sshClient,Enabled=false}");
   EXPECT_EQ(AllowedIps("sshClient"), "{Ruleset=sshClient,Allowed IP Addresses=[]}");
@@ -213,8 +202,8 @@ TEST_F(FirewallRulesetTest, ClientGetPrintsTheCount) {
 
 TEST_F(FirewallRulesetTest, AllowedListOrderIsByKindNotByAdding) {
   for (char const* entry : {"2001:db8::/48", "10.9.0.0/16", "fe80::7", "10.1.1.1", "10.1.1.2"}) {
-    ExpectTrue({"network", "firewall", "ruleset", "allowedip", "add", "-r", "snmpAgent", "-i",
-                entry});
+    ExpectTrue(
+        {"network", "firewall", "ruleset", "allowedip", "add", "-r", "snmpAgent", "-i", entry});
   }
   Reload();
   EXPECT_EQ(AllowedIps("snmpAgent"),
@@ -232,9 +221,9 @@ TEST_F(FirewallRulesetTest, AllowedAllHidesTheListAndRefusesChanges) {
   for (char const* verb : {"add", "remove"}) {
     for (char const* text : {"192.168.10.0/24", "", "junk"}) {
       SCOPED_TRACE(std::string(verb) + " '" + text + "'");
-      ExpectFailure({"network", "firewall", "ruleset", "allowedip", verb, "-r", "sshServer", "-i",
-                     text},
-                    "Couldn't update allowed ip list when allowed-all flag is true.");
+      ExpectFailure(
+          {"network", "firewall", "ruleset", "allowedip", verb, "-r", "sshServer", "-i", text},
+          "Couldn't update allowed ip list when allowed-all flag is true.");
     }
   }
   // The list is kept and shows again with the flag off.
@@ -255,11 +244,17 @@ TEST_F(FirewallRulesetTest, AllowedIpChangesReportTheLibrarysWords) {
       {"add", "", {"Invalid allowedip parameter."}, true},
       {"remove", "", {"Invalid allowedip parameter."}, true},
       {"add", "10.0.0.300", {"Invalid ip address or network: '10.0.0.300'"}, false},
-      {"add", "10.50.0.12", {"Ip address 10.50.0.12 is already in the allowed ip list of sshServer"},
+      {"add",
+       "10.50.0.12",
+       {"Ip address 10.50.0.12 is already in the allowed ip list of sshServer"},
        false},
-      {"add", "192.168.10.77/24",
-       {"Ip address 192.168.10.0/24 is already in the allowed ip list of sshServer"}, false},
-      {"remove", "10.50.0.13", {"Ip address 10.50.0.13 is not in the allowed ip list of sshServer"},
+      {"add",
+       "192.168.10.77/24",
+       {"Ip address 192.168.10.0/24 is already in the allowed ip list of sshServer"},
+       false},
+      {"remove",
+       "10.50.0.13",
+       {"Ip address 10.50.0.13 is not in the allowed ip list of sshServer"},
        false},
   };
   std::string before = StateFileText();
@@ -321,9 +316,8 @@ TEST_F(FirewallRulesetTest, ToolPrintsTablesAndMachineFormats) {
   EXPECT_NE(result.out.find("\"192.168.10.0/24\""), std::string::npos) << result.out;
   // The tool waits for this process to let go of the host.
   Reload();
-  auto process = TestSupport::RunProcess(
-      {"network", "firewall", "ruleset", "list", "-r", "nosuch"},
-      {{"TOOLBASE_HOST_STATE", state_path_}});
+  auto process = TestSupport::RunProcess({"network", "firewall", "ruleset", "list", "-r", "nosuch"},
+                                         {{"TOOLBASE_HOST_STATE", state_path_}});
   EXPECT_EQ(process.status, 1);
   EXPECT_EQ(process.err, "Ruleset Not Found: nosuch\n");
   EXPECT_EQ(process.out, "");

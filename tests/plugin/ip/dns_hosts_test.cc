@@ -5,9 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "host_store.h"
-#include "plugin/meta_text.h"
 #include "support/harness.h"
+#include "support/meta_text.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -23,22 +22,17 @@ class DnsHostsTest : public HostTest {
  protected:
   void SetUp() override {
     HostTest::SetUp();
-    OrvkCtl::Sim::ReadHost();  // seeds the state file
-  }
-  std::string Root(Args const& args) {
-    auto output = Execute(args);
-    EXPECT_EQ(output->GetErrorMessages(), Messages{});
-    return MetaText(output->GetRootObject());
+    SeedHost();
   }
   std::string Servers(std::string const& netstack = "") {
     Args args = {"network", "ip", "dns", "server", "list"};
     if (!netstack.empty()) args.insert(args.end(), {"-N", netstack});
-    return Root(args);
+    return Ok(args);
   }
   std::string Domains(std::string const& netstack = "") {
     Args args = {"network", "ip", "dns", "search", "list"};
     if (!netstack.empty()) args.insert(args.end(), {"-N", netstack});
-    return Root(args);
+    return Ok(args);
   }
   void ExpectTrue(Args const& args) {
     auto output = Execute(args);
@@ -102,13 +96,13 @@ TEST_F(DnsHostsTest, EachNetstackHasItsOwnConfiguration) {
   EXPECT_EQ(Servers("livehop"), "{DNS Servers=[]}");
   EXPECT_EQ(Domains("livehop"), "{DNS Search Domains=[]}");
   ExpectTrue({"network", "ip", "dns", "server", "add", "-s", "10.50.0.53", "-N", "livehop"});
-  ExpectTrue({"network", "ip", "dns", "search", "add", "-d", "migration.example.com", "-N",
-              "livehop"});
+  ExpectTrue(
+      {"network", "ip", "dns", "search", "add", "-d", "migration.example.com", "-N", "livehop"});
   EXPECT_EQ(Servers("livehop"), "{DNS Servers=[10.50.0.53]}");
   EXPECT_EQ(Domains("livehop"), "{DNS Search Domains=[migration.example.com]}");
   // An empty --netstack means the default instance.
   EXPECT_EQ(Servers(""), "{DNS Servers=[192.168.10.2,192.168.10.3]}");
-  EXPECT_EQ(Root({"network", "ip", "dns", "search", "list", "-N", ""}),
+  EXPECT_EQ(Ok({"network", "ip", "dns", "search", "list", "-N", ""}),
             "{DNS Search Domains=[corp.example.com,example.com]}");
 }
 
@@ -129,11 +123,11 @@ TEST_F(DnsHostsTest, SearchDomainsAreAddedAndRemoved) {
 
 TEST_F(DnsHostsTest, FailedSaveKeepsTheOldConfiguration) {
   std::string before = StateFileText();
-  for (Args const& args : std::vector<Args>{
-           {"network", "ip", "dns", "server", "add", "-s", "10.1.1.1"},
-           {"network", "ip", "dns", "server", "remove", "-a"},
-           {"network", "ip", "dns", "search", "add", "-d", "x.example.com"},
-           {"network", "ip", "dns", "search", "remove", "-d", "example.com"}}) {
+  for (Args const& args :
+       std::vector<Args>{{"network", "ip", "dns", "server", "add", "-s", "10.1.1.1"},
+                         {"network", "ip", "dns", "server", "remove", "-a"},
+                         {"network", "ip", "dns", "search", "add", "-d", "x.example.com"},
+                         {"network", "ip", "dns", "search", "remove", "-d", "example.com"}}) {
     SCOPED_TRACE(args[3] + " " + args[4]);
     ClearFaults();
     InjectFault("DnsConfigImpl::SaveConfig", "resolver configuration is read-only");
@@ -153,8 +147,8 @@ TEST_F(DnsHostsTest, HostsEntriesAreAddedListedAndRemoved) {
   EXPECT_EQ(MetaText(list->GetItems()[1]),
             "{IP address=192.168.10.60,HostName=backup01.corp.example.com,Aliases=[backup01,bkp],"
             "Comment=}");
-  ExpectTrue({"network", "ip", "hosts", "add", "-I", "10.50.0.7", "-H", "nas01", "-A", "nas",
-              "-A", "files", "-C", "filer"});
+  ExpectTrue({"network", "ip", "hosts", "add", "-I", "10.50.0.7", "-H", "nas01", "-A", "nas", "-A",
+              "files", "-C", "filer"});
   ExpectTrue({"network", "ip", "hosts", "add", "--ip", "2001:db8::7", "--hostname", "nas02"});
   Reload();
   output = Execute({"network", "ip", "hosts", "list"});
@@ -181,8 +175,7 @@ TEST_F(DnsHostsTest, HostsFailuresCarryTheirPrefix) {
        "Error adding etc host item:Invalid IP address 'nas01'"},
       {{"network", "ip", "hosts", "add", "-I", "10.0.0.1", "-H", "bad_name"},
        "Error adding etc host item:Invalid host name 'bad_name'"},
-      {{"network", "ip", "hosts", "add", "-I", "192.168.10.60", "-H",
-        "backup01.corp.example.com"},
+      {{"network", "ip", "hosts", "add", "-I", "192.168.10.60", "-H", "backup01.corp.example.com"},
        "Error adding etc host item:An entry for 192.168.10.60 backup01.corp.example.com already "
        "exists"},
       {{"network", "ip", "hosts", "remove", "-I", "10.9.9.9", "-H", "ghost"},

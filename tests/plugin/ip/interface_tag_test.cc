@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "host_store.h"
-#include "plugin/meta_text.h"
 #include "support/harness.h"
+#include "support/meta_text.h"
 #include "toolbase/call_spec.h"
 
 namespace {
@@ -75,7 +75,7 @@ TEST_F(InterfaceTagTest, AddRemoveAndGetPersist) {
 }
 
 TEST_F(InterfaceTagTest, BadNamesAndMissingInterfacesChangeNothing) {
-  OrvkCtl::Sim::ChangeHost([](OrvkCtl::Sim::HostModel&) {});  // writes the state file
+  SeedHost();
   std::string before = StateFileText();
   ExpectFailure(Tag("add", "orvk0", "nonsense"), {"Invalid tag name nonsense", kSupported});
   // The name is checked before the interface is looked for.

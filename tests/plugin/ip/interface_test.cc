@@ -9,6 +9,7 @@
 #include "host_store.h"
 #include "hostctl/orvk_nic.h"
 #include "support/harness.h"
+#include "support/host_probe.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -44,7 +45,7 @@ class InterfaceTest : public HostTest {
  protected:
   void SetUp() override {
     HostTest::SetUp();
-    OrvkCtl::Sim::ReadHost();  // seeds the state file
+    SeedHost();
   }
   // The rows of a list command, each field as text.
   std::vector<Row> Rows(Args const& args) {
@@ -75,17 +76,7 @@ class InterfaceTest : public HostTest {
     ASSERT_NE(root, nullptr);
     EXPECT_TRUE(root->GetValue());
   }
-  // Expects these messages, no root, and no change to the host.
-  void ExpectRefused(Args const& args, Messages const& messages) {
-    std::string const before = StateFileText();
-    auto output = Execute(args);
-    EXPECT_EQ(output->GetErrorMessages(), messages);
-    EXPECT_EQ(output->GetRootObject(), nullptr);
-    EXPECT_TRUE(StateFileText() == before);
-  }
-  std::vector<int> Tags(std::string const& name) {
-    return OrvkCtl::Sim::FindInterface(OrvkCtl::Sim::ReadHost().ip, name)->tags;
-  }
+  std::vector<int> Tags(std::string const& name) { return TestSupport::Probe::InterfaceTags(name); }
   void AddNetstack(std::string const& key) {
     ExpectTrue({"network", "ip", "netstack", "add", "--netstack", key});
   }
@@ -302,7 +293,7 @@ TEST_F(InterfaceTest, RemoveRefusesAmbiguousOrMissingTargets) {
   };
   for (auto const& c : cases) {
     SCOPED_TRACE(c.message);
-    ExpectRefused(With({"network", "ip", "interface", "remove"}, c.args), {c.message});
+    Refused(With({"network", "ip", "interface", "remove"}, c.args), {c.message});
   }
   // The one failure with a root: an unknown name.
   std::string const before = StateFileText();
@@ -332,10 +323,10 @@ TEST_F(InterfaceTest, SetEnablesAndChangesMtu) {
   ExpectTrue({"network", "ip", "interface", "set", "-i", "orvk0", "-e", "true"});
   EXPECT_EQ(Rows(kList)[0].at("Enabled"), "true");
 
-  ExpectRefused({"network", "ip", "interface", "set", "-i", "orvk5", "-e", "false"},
-                {"Unable to find an interface with name orvk5"});
-  ExpectRefused({"network", "ip", "interface", "set", "-i", "orvk0", "-m", "100"},
-                {"Invalid MTU 100 for orvk0: it must be between 1280 and 9000"});
+  Refused({"network", "ip", "interface", "set", "-i", "orvk5", "-e", "false"},
+          {"Unable to find an interface with name orvk5"});
+  Refused({"network", "ip", "interface", "set", "-i", "orvk0", "-m", "100"},
+          {"Invalid MTU 100 for orvk0: it must be between 1280 and 9000"});
   // A negative MTU is refused after --enabled has acted.
   auto output =
       Execute({"network", "ip", "interface", "set", "-i", "orvk0", "-e", "false", "-m", "-1"});
@@ -375,10 +366,10 @@ TEST_F(InterfaceTest, Ipv4SetRefusesBadCombinations) {
   };
   for (auto const& c : cases) {
     SCOPED_TRACE(c.messages[0]);
-    ExpectRefused(With(set, c.args), c.messages);
+    Refused(With(set, c.args), c.messages);
   }
-  ExpectRefused({"network", "ip", "interface", "ipv4", "set", "-i", "orvk3", "-t", "dhcp"},
-                {"Unable to find a Orvik interface with the name orvk3"});
+  Refused({"network", "ip", "interface", "ipv4", "set", "-i", "orvk3", "-t", "dhcp"},
+          {"Unable to find a Orvik interface with the name orvk3"});
 }
 
 TEST_F(InterfaceTest, Ipv4SetChangesModes) {
@@ -408,8 +399,8 @@ TEST_F(InterfaceTest, Ipv4SetChangesModes) {
 }
 
 TEST_F(InterfaceTest, Ipv4GetSelection) {
-  ExpectRefused(With(kIpv4Get, {"-i", "orvk4"}),
-                {"Unable to find a Orvik interface with the name orvk4"});
+  Refused(With(kIpv4Get, {"-i", "orvk4"}),
+          {"Unable to find a Orvik interface with the name orvk4"});
   EXPECT_EQ(Column(With(kIpv4Get, {"-N", "livehop"}), "Name"), std::vector<std::string>{});
   EXPECT_EQ(Column(With(kIpv4Get, {"-i", "orvk0", "-N", "livehop"}), "Name"),
             std::vector<std::string>{"orvk0"});
@@ -421,12 +412,12 @@ TEST_F(InterfaceTest, Ipv4GetSelection) {
 
 TEST_F(InterfaceTest, Ipv6SetFollowsItsOptionOrder) {
   Args const set = {"network", "ip", "interface", "ipv6", "set", "-i", "orvk0"};
-  ExpectRefused(With(set, {"-P", "true"}),
-                {"-P|--peer-dns can be specified only if DHCPv6 or RA is enabled"});
-  ExpectRefused(With(set, {"-g", "fe80::zz"}),
-                {"Invalid --gateway option provided.This address is not a valid IPv6 address"});
-  ExpectRefused(With(set, {"-r", "true", "-g", "fe80::1"}),
-                {"Cannot set an interface gateway when Router Advertisement is enabled."});
+  Refused(With(set, {"-P", "true"}),
+          {"-P|--peer-dns can be specified only if DHCPv6 or RA is enabled"});
+  Refused(With(set, {"-g", "fe80::zz"}),
+          {"Invalid --gateway option provided.This address is not a valid IPv6 address"});
+  Refused(With(set, {"-r", "true", "-g", "fe80::1"}),
+          {"Cannot set an interface gateway when Router Advertisement is enabled."});
 
   ExpectTrue(With(set, {"-g", "fe80::1"}));
   EXPECT_EQ(Rows(kIpv6Get)[0].at("Gateway"), "fe80::1");
@@ -451,13 +442,13 @@ TEST_F(InterfaceTest, Ipv6AddressesAddAndRemove) {
       "Invalid format for IPv6 address. Address must be in the format "
       "<ipv6-address>/<prefix-length>   Example: 1:2:3:4::/64";
   for (auto const* verb : {&add, &remove}) {
-    ExpectRefused(With(*verb, {"-i", "orvk9", "-I", "2001:db8::1"}), {format});
-    ExpectRefused(With(*verb, {"-i", "orvk9", "-I", "2001:db8::1/64"}),
-                  {"Unable to find a Orvik interface with the name orvk9"});
+    Refused(With(*verb, {"-i", "orvk9", "-I", "2001:db8::1"}), {format});
+    Refused(With(*verb, {"-i", "orvk9", "-I", "2001:db8::1/64"}),
+            {"Unable to find a Orvik interface with the name orvk9"});
   }
-  ExpectRefused(With(add, {"-i", "orvk0", "-I", "2001:db8:10::21/64"}),
-                {"Error adding IPv6 address for the interface orvk0. Error was : " +
-                 std::string("IPv6 address already configured: 2001:db8:10::21/64")});
+  Refused(With(add, {"-i", "orvk0", "-I", "2001:db8:10::21/64"}),
+          {"Error adding IPv6 address for the interface orvk0. Error was : " +
+           std::string("IPv6 address already configured: 2001:db8:10::21/64")});
   ExpectTrue(With(add, {"-i", "orvk0", "-I", "2001:db8:20::5/48"}));
   ExpectTrue(With(remove, {"-i", "orvk0", "-I", "2001:db8:10::21/64"}));
   auto rows = Rows(With(kIpv6List, {"-i", "orvk0"}));
@@ -473,9 +464,9 @@ TEST_F(InterfaceTest, Ipv6AddressesAddAndRemove) {
     networks.push_back(route.network);
   }
   EXPECT_EQ(networks, (std::vector<std::string>{"::/0", "fe80::/64", "2001:db8:20::/48"}));
-  ExpectRefused(With(remove, {"-i", "orvk0", "-I", "2001:db8:10::21/64"}),
-                {"Error removing IPv6 address for the interface orvk0. Error was : " +
-                 std::string("IPv6 address not configured: 2001:db8:10::21/64")});
+  Refused(With(remove, {"-i", "orvk0", "-I", "2001:db8:10::21/64"}),
+          {"Error removing IPv6 address for the interface orvk0. Error was : " +
+           std::string("IPv6 address not configured: 2001:db8:10::21/64")});
 }
 
 TEST_F(InterfaceTest, HostFailuresAreWordedPerCommand) {

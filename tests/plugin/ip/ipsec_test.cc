@@ -6,9 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "host_store.h"
-#include "plugin/meta_text.h"
 #include "support/harness.h"
+#include "support/meta_text.h"
 #include "toolbase/call_spec.h"
 // The SPI and lifetime helpers are free functions of the plug-in, which the
 // tests do not link: compiled in here.
@@ -79,8 +78,9 @@ Args SaRemove(Args const& options) {
 
 // A valid SP add, with `options` added or put in place of the defaults.
 Args SpAdd(Args const& options) {
-  Args const defaults = {"-n", "sp-new", "-s", "2001:db8:10::21/128", "-d", "2001:db8:10::/64",
-                         "-p", "0", "-P", "22", "-u", "tcp"};
+  Args const defaults = {
+      "-n", "sp-new", "-s", "2001:db8:10::21/128", "-d", "2001:db8:10::/64", "-p", "0", "-P",
+      "22", "-u",     "tcp"};
   Args args = {"network", "ip", "ipsec", "sp", "add"};
   for (size_t i = 0; i < defaults.size(); i += 2) {
     bool overridden = false;
@@ -161,7 +161,7 @@ TEST_F(IpsecTest, SaAddParsesSpiAndAddresses) {
 }
 
 TEST_F(IpsecTest, SaAddRefusalsChangeNothing) {
-  OrvkCtl::Sim::ChangeHost([](OrvkCtl::Sim::HostModel&) {});  // writes the state file
+  SeedHost();
   std::string before = StateFileText();
   for (char const* spi : {"100g", "", "0x", "100000000", "zz", "1 2"}) {
     SCOPED_TRACE(spi);
@@ -215,7 +215,7 @@ TEST_F(IpsecTest, SaRemoveByNameAutoOrAll) {
 }
 
 TEST_F(IpsecTest, SaRemoveNeedsOneExactOptionSet) {
-  OrvkCtl::Sim::ChangeHost([](OrvkCtl::Sim::HostModel&) {});  // writes the state file
+  SeedHost();
   std::string before = StateFileText();
   for (Args const& options : {Args{}, Args{"-n", "sa-mgmt", "-p", "1"}, Args{"-n", "auto"},
                               Args{"-n", "auto", "-s", "::1", "-d", "::2"}, Args{"-a", "-s", "::1"},
@@ -244,7 +244,7 @@ TEST_F(IpsecTest, SpAddKeepsModeAndSaForIpsecOnly) {
 }
 
 TEST_F(IpsecTest, SpAddRefusalsChangeNothing) {
-  OrvkCtl::Sim::ChangeHost([](OrvkCtl::Sim::HostModel&) {});  // writes the state file
+  SeedHost();
   std::string before = StateFileText();
   struct Case {
     Args args;
@@ -254,9 +254,7 @@ TEST_F(IpsecTest, SpAddRefusalsChangeNothing) {
            Case{SpAdd({"-A", "ipsec", "-a", "sa-none"}), "Security Association sa-none not found"},
            Case{SpAdd({"-A", "ipsec", "-P", "70000"}),
                 "Invalid port: ports must be between 0 and 65535"},
-           Case{SpAdd({"-p", "-1"}),
-                "Invalid value -1 for parameter 'source-port': it must be between 0 and "
-                "4294967295."},
+           Case{SpAdd({"-p", "-1"}), "Invalid port: ports must be between 0 and 65535"},
        }) {
     SCOPED_TRACE(c.message);
     ExpectFailure(c.args, c.message);
@@ -268,7 +266,7 @@ TEST_F(IpsecTest, SpAddRefusalsChangeNothing) {
 }
 
 TEST_F(IpsecTest, SpRemove) {
-  OrvkCtl::Sim::ChangeHost([](OrvkCtl::Sim::HostModel&) {});  // writes the state file
+  SeedHost();
   std::string before = StateFileText();
   for (Args const& args : {Args{"network", "ip", "ipsec", "sp", "remove"},
                            Args{"network", "ip", "ipsec", "sp", "remove", "-n", "sp-mgmt", "-a"}}) {

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "host_store.h"
-#include "plugin/meta_text.h"
 #include "support/harness.h"
+#include "support/meta_text.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -22,17 +22,7 @@ class NeighborConnectionTest : public HostTest {
  protected:
   void SetUp() override {
     HostTest::SetUp();
-    OrvkCtl::Sim::ReadHost();  // seeds the state file
-  }
-  std::vector<std::string> Rows(Args const& args) {
-    auto output = Execute(args);
-    EXPECT_EQ(output->GetErrorMessages(), Messages{});
-    std::vector<std::string> rows;
-    auto list = std::dynamic_pointer_cast<Toolbase::MetaObj::MetaList>(output->GetRootObject());
-    EXPECT_NE(list, nullptr);
-    if (!list) return rows;
-    for (auto const& item : list->GetItems()) rows.push_back(MetaText(item));
-    return rows;
+    SeedHost();
   }
   // The first field of each row.
   std::vector<std::string> Firsts(Args const& args) {
@@ -49,7 +39,8 @@ class NeighborConnectionTest : public HostTest {
     return Firsts(args);
   }
   void SetHostIpv6(bool enabled) {
-    OrvkCtl::Sim::ChangeHost([&](OrvkCtl::Sim::HostModel& host) { host.ip.ipv6_enabled = enabled; });
+    OrvkCtl::Sim::ChangeHost(
+        [&](OrvkCtl::Sim::HostModel& host) { host.ip.ipv6_enabled = enabled; });
   }
   void ExpectTrue(Args const& args) {
     auto output = Execute(args);
@@ -119,9 +110,9 @@ TEST_F(NeighborConnectionTest, ExpiryKeepsTheSignednessOfEachFamily) {
 TEST_F(NeighborConnectionTest, NeighborCommandsRefuseAnUnknownInterface) {
   ExpectFailure({"network", "ip", "neighbor", "list", "-i", "nosuch"},
                 "Unable to find a Orvik interface with the name nosuch");
-  ExpectFailure({"network", "ip", "neighbor", "remove", "-v", "4", "-a", "192.168.10.1", "-i",
-                 "nosuch"},
-                "Unable to find a Orvik interface with the name nosuch");
+  ExpectFailure(
+      {"network", "ip", "neighbor", "remove", "-v", "4", "-a", "192.168.10.1", "-i", "nosuch"},
+      "Unable to find a Orvik interface with the name nosuch");
 }
 
 TEST_F(NeighborConnectionTest, NeighborListHasNoHandler) {
@@ -143,14 +134,13 @@ TEST_F(NeighborConnectionTest, NeighborRemoveTakesEntriesAway) {
   ExpectTrue({"network", "ip", "neighbor", "remove", "-v", "6", "-a", "FE80::1", "-i", "orvk0",
               "-N", "livehop"});
   Reload();
-  EXPECT_EQ(Neighbors(), (std::vector<std::string>{"192.168.10.1", "192.168.10.3",
-                                                   "192.168.10.254", "2001:db8:10::2",
-                                                   "fe80::5054:ff:fe0a:1003"}));
+  EXPECT_EQ(Neighbors(), (std::vector<std::string>{"192.168.10.1", "192.168.10.3", "192.168.10.254",
+                                                   "2001:db8:10::2", "fe80::5054:ff:fe0a:1003"}));
   ExpectFailure({"network", "ip", "neighbor", "remove", "-v", "4", "-a", "192.168.10.2"},
                 "No neighbor entry for 192.168.10.2");
-  ExpectFailure({"network", "ip", "neighbor", "remove", "-v", "4", "-a", "192.168.10.1", "-N",
-                 "livehop"},
-                "No neighbor entry for 192.168.10.1");
+  ExpectFailure(
+      {"network", "ip", "neighbor", "remove", "-v", "4", "-a", "192.168.10.1", "-N", "livehop"},
+      "No neighbor entry for 192.168.10.1");
   ExpectFailure({"network", "ip", "neighbor", "remove", "-v", "4", "-a", "fe80::1"},
                 "Invalid IPv4 address: fe80::1");
 }
@@ -176,8 +166,8 @@ TEST_F(NeighborConnectionTest, ConnectionListShowsEveryProtocolInOrder) {
             "Foreign Address=127.0.0.1:8307,State=TIME_WAIT,World ID=0,CC Algo=newreno,"
             "World Name=}");
   EXPECT_EQ(Firsts({"network", "ip", "connection", "list"}),
-            (std::vector<std::string>{"tcp", "tcp", "tcp", "tcp", "tcp", "tcp", "tcp", "tcp",
-                                      "tcp", "udp", "udp", "udp", "ip"}));
+            (std::vector<std::string>{"tcp", "tcp", "tcp", "tcp", "tcp", "tcp", "tcp", "tcp", "tcp",
+                                      "udp", "udp", "udp", "ip"}));
   EXPECT_EQ(Firsts({"network", "ip", "connection", "list", "-t", "udp"}),
             (std::vector<std::string>{"udp", "udp", "udp"}));
   EXPECT_EQ(Firsts({"network", "ip", "connection", "list", "--type", "ip"}),
@@ -190,9 +180,10 @@ TEST_F(NeighborConnectionTest, ConnectionListShowsEveryProtocolInOrder) {
 }
 
 TEST_F(NeighborConnectionTest, StateWordsFollowTheTcpTable) {
-  std::vector<std::string> words = {"CLOSED",     "LISTEN",     "SYN_SENT", "RCVD",
-                                    "ESTABLISHED", "CLOSE_WAIT", "FIN_WAIT_1", "CLOSING",
-                                    "LAST_ACK",   "FIN_WAIT_2", "TIME_WAIT", "", ""};
+  std::vector<std::string> words = {
+      "CLOSED",     "LISTEN",     "SYN_SENT", "RCVD",     "ESTABLISHED",
+      "CLOSE_WAIT", "FIN_WAIT_1", "CLOSING",  "LAST_ACK", "FIN_WAIT_2",
+      "TIME_WAIT",  "",           ""};
   OrvkCtl::Sim::ChangeHost([&](OrvkCtl::Sim::HostModel& host) {
     host.ip.connections.clear();
     for (uint32_t state = 0; state < words.size(); ++state) {
@@ -204,15 +195,16 @@ TEST_F(NeighborConnectionTest, StateWordsFollowTheTcpTable) {
   ASSERT_EQ(rows.size(), words.size());
   for (size_t i = 0; i < words.size(); ++i) {
     SCOPED_TRACE(i);
-    EXPECT_EQ(rows[i], "{Proto=tcp,Recv Q=1,Send Q=2,Local Address=[::1]:22,"
-                       "Foreign Address=10.0.0.1:65535,State=" +
-                           words[i] + ",World ID=77,CC Algo=,World Name=}");
+    EXPECT_EQ(rows[i],
+              "{Proto=tcp,Recv Q=1,Send Q=2,Local Address=[::1]:22,"
+              "Foreign Address=10.0.0.1:65535,State=" +
+                  words[i] + ",World ID=77,CC Algo=,World Name=}");
   }
 }
 
 TEST_F(NeighborConnectionTest, ConnectionFailureDropsAllRows) {
-  for (char const* operation : {"NetworkInfoImpl::GetCurrentUdpOrvikConnections",
-                                "ResourceInfoImpl::GetWorldName"}) {
+  for (char const* operation :
+       {"NetworkInfoImpl::GetCurrentUdpOrvikConnections", "ResourceInfoImpl::GetWorldName"}) {
     SCOPED_TRACE(operation);
     ClearFaults();
     InjectFault(operation, "socket table busy");

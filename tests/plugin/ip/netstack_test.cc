@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "host_store.h"
-#include "plugin/meta_text.h"
 #include "support/harness.h"
+#include "support/meta_text.h"
 #include "toolbase/call_spec.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "host_store.h"
-#include "plugin/meta_text.h"
 #include "support/harness.h"
+#include "support/meta_text.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -21,23 +21,6 @@ const std::string kSeededAttachment =
 
 class AttachmentSriovTest : public HostTest {
  protected:
-  std::string Root(std::vector<std::string> const& args) {
-    auto output = Execute(args);
-    EXPECT_TRUE(output->GetErrorMessages().empty())
-        << (output->GetErrorMessages().empty() ? "" : output->GetErrorMessages()[0]);
-    return MetaText(output->GetRootObject());
-  }
-
-  void ExpectRefused(std::vector<std::string> const& args, std::string const& message) {
-    OrvkCtl::Sim::ReadHost();  // the state file exists from here on
-    std::string before = StateFileText();
-    auto output = Execute(args);
-    EXPECT_EQ(output->GetErrorMessages(), std::vector<std::string>{message});
-    EXPECT_EQ(output->GetRootObject(), nullptr);
-    Reload();
-    EXPECT_EQ(StateFileText(), before);
-  }
-
   static std::vector<std::string> Add(std::string const& trunk, std::string const& branch,
                                       std::string const& vlan) {
     return {"network", "nic", "attachment", "add", "-t", trunk, "-b", branch, "-v", vlan};
@@ -48,23 +31,23 @@ class AttachmentSriovTest : public HostTest {
 };
 
 TEST_F(AttachmentSriovTest, AttachmentsPersistInAttachOrder) {
-  EXPECT_EQ(Root({"network", "nic", "attachment", "list"}), "[" + kSeededAttachment + "]");
-  EXPECT_EQ(Root(Add("ornic0", "ornic4", "4094")), "true");
-  EXPECT_EQ(Root(Add("ornic0", "ornic1", "0")), "true");
+  EXPECT_EQ(Ok({"network", "nic", "attachment", "list"}), "[" + kSeededAttachment + "]");
+  EXPECT_EQ(Ok(Add("ornic0", "ornic4", "4094")), "true");
+  EXPECT_EQ(Ok(Add("ornic0", "ornic1", "0")), "true");
   Reload();
   std::string const ornic0 =
       "{Trunk=ornic0,Branch=ornic4,Branch MAC=d2:6e:a0:7c:00:31,VLAN ID=4094},"
       "{Trunk=ornic0,Branch=ornic1,Branch MAC=d2:6e:a0:00:10:01,VLAN ID=0}";
-  EXPECT_EQ(Root({"network", "nic", "attachment", "list"}),
+  EXPECT_EQ(Ok({"network", "nic", "attachment", "list"}),
             "[" + ornic0 + "," + kSeededAttachment + "]");
-  EXPECT_EQ(Root({"network", "nic", "attachment", "list", "-t", "ornic0"}), "[" + ornic0 + "]");
+  EXPECT_EQ(Ok({"network", "nic", "attachment", "list", "-t", "ornic0"}), "[" + ornic0 + "]");
   // A NIC without branches lists nothing and reports nothing.
-  EXPECT_EQ(Root({"network", "nic", "attachment", "list", "--trunk", "ornic3"}), "[]");
+  EXPECT_EQ(Ok({"network", "nic", "attachment", "list", "--trunk", "ornic3"}), "[]");
 
-  EXPECT_EQ(Root(Remove("ornic0", "ornic4")), "true");
-  EXPECT_EQ(Root(Remove("ornic2", "ornic3")), "true");
+  EXPECT_EQ(Ok(Remove("ornic0", "ornic4")), "true");
+  EXPECT_EQ(Ok(Remove("ornic2", "ornic3")), "true");
   Reload();
-  EXPECT_EQ(Root({"network", "nic", "attachment", "list"}),
+  EXPECT_EQ(Ok({"network", "nic", "attachment", "list"}),
             "[{Trunk=ornic0,Branch=ornic1,Branch MAC=d2:6e:a0:00:10:01,VLAN ID=0}]");
 }
 
@@ -100,7 +83,7 @@ TEST_F(AttachmentSriovTest, AttachmentRefusals) {
   };
   for (auto const& c : cases) {
     SCOPED_TRACE(c.message);
-    ExpectRefused(c.args, c.message);
+    Refused(c.args, {c.message});
   }
   // The top of a port group's range is refused by the constraint.
   auto result = Run(Add("ornic0", "ornic4", "4095"));
@@ -131,13 +114,13 @@ TEST_F(AttachmentSriovTest, AttachmentFaultsCarryTheirPrefix) {
   for (auto const& c : cases) {
     SCOPED_TRACE(c.operation);
     InjectFault(c.operation, "bus error");
-    ExpectRefused(c.args, c.message);
+    Refused(c.args, {c.message});
     ClearFaults();
   }
 }
 
 TEST_F(AttachmentSriovTest, SriovNicListShowsThePhysicalFunctions) {
-  EXPECT_EQ(Root({"network", "sriovnic", "list"}),
+  EXPECT_EQ(Ok({"network", "sriovnic", "list"}),
             "[{Name=ornic2,PCI Device=0000:3b:00.0,Driver=kmnet,Link=Up,Speed=25000,Duplex=Full,"
             "MAC Address=d2:6e:a0:00:25:00,MTU=9000,Description=Kestrel Microsystems KM-2500 Dual "
             "Port 25GbE SFP28 Adapter}]");
@@ -145,7 +128,7 @@ TEST_F(AttachmentSriovTest, SriovNicListShowsThePhysicalFunctions) {
   OrvkCtl::Sim::ChangeHost([](OrvkCtl::Sim::HostModel& host) {
     OrvkCtl::Sim::FindPnic(host.nic, "ornic4")->sriov.enabled = true;
   });
-  EXPECT_NE(Root({"network", "sriovnic", "list"})
+  EXPECT_NE(Ok({"network", "sriovnic", "list"})
                 .find("{Name=ornic4,PCI Device=Pseudo,Driver=olusb,Link=Down,Speed=0,Duplex=Half,"
                       "MAC Address=d2:6e:a0:7c:00:31,MTU=1500,Description=Unknown Unknown}"),
             std::string::npos);
@@ -160,12 +143,12 @@ TEST_F(AttachmentSriovTest, SriovNicListShowsThePhysicalFunctions) {
 }
 
 TEST_F(AttachmentSriovTest, VirtualFunctionsAndTheirCounters) {
-  EXPECT_EQ(Root({"network", "sriovnic", "vf", "list", "-n", "ornic2"}),
+  EXPECT_EQ(Ok({"network", "sriovnic", "vf", "list", "-n", "ornic2"}),
             "[{VF ID=0,Active=true,PCI Address=0000:3b:02.0,Owner World ID=1000412},"
             "{VF ID=1,Active=true,PCI Address=0000:3b:02.1,Owner World ID=1000458},"
             "{VF ID=2,Active=false,PCI Address=0000:3b:02.2,Owner World ID=0},"
             "{VF ID=3,Active=false,PCI Address=0000:3b:02.3,Owner World ID=0}]");
-  auto stats = Root({"network", "sriovnic", "vf", "stats", "-n", "ornic2", "-v", "1"});
+  auto stats = Ok({"network", "sriovnic", "vf", "stats", "-n", "ornic2", "-v", "1"});
   EXPECT_EQ(
       stats.find("[{NIC Name=ornic2,VF ID=1,Rx Unicast Pkt=882104,Rx Unicast Bytes=711209983,"), 0u)
       << stats;

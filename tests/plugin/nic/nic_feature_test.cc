@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "host_store.h"
-#include "plugin/meta_text.h"
 #include "support/harness.h"
+#include "support/meta_text.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -17,25 +17,7 @@ using Args = std::vector<std::string>;
 using TestSupport::HostTest;
 using TestSupport::MetaText;
 
-class NicFeatureTest : public HostTest {
- protected:
-  std::string Root(Args const& args) {
-    auto output = Execute(args);
-    EXPECT_TRUE(output->GetErrorMessages().empty())
-        << (output->GetErrorMessages().empty() ? "" : output->GetErrorMessages()[0]);
-    return MetaText(output->GetRootObject());
-  }
-
-  void ExpectRefused(Args const& args, std::string const& message) {
-    Root({"network", "nic", "software", "list"});  // the state file exists from here on
-    std::string before = StateFileText();
-    auto output = Execute(args);
-    EXPECT_EQ(output->GetErrorMessages(), std::vector<std::string>{message});
-    EXPECT_EQ(output->GetRootObject(), nullptr);
-    Reload();
-    EXPECT_EQ(StateFileText(), before);
-  }
-};
+using NicFeatureTest = HostTest;
 
 const std::string kAllOff =
     "IPv4 CSO=off,IPv4 TSO=off,Scatter Gather=off,Offset Based Offload=off,VXLAN Encap=off,"
@@ -44,7 +26,7 @@ const std::string kAllOff =
 
 TEST_F(NicFeatureTest, SoftwareListFollowsTheNamesGiven) {
   EXPECT_EQ(
-      Root({"network", "nic", "software", "list", "-n", "ornic2", "-n", "ornic0", "-n", "ornic2"}),
+      Ok({"network", "nic", "software", "list", "-n", "ornic2", "-n", "ornic0", "-n", "ornic2"}),
       "[{NIC=ornic2," + kAllOff +
           "},{NIC=ornic0,IPv4 CSO=off,IPv4 TSO=off,Scatter Gather=off,"
           "Offset Based Offload=on,VXLAN Encap=on,Geneve Offload=on,IPv6 TSO=off,"
@@ -58,7 +40,7 @@ TEST_F(NicFeatureTest, SoftwareListFollowsTheNamesGiven) {
   EXPECT_EQ(output->GetRootObject(), nullptr);
   // A device whose read fails shows N/A and the run goes on.
   InjectFault("PnicImpl::GetSoftwareSimulation", "driver busy");
-  auto rows = Root({"network", "nic", "software", "list"});
+  auto rows = Ok({"network", "nic", "software", "list"});
   EXPECT_NE(rows.find("{NIC=ornic4,IPv4 CSO=N/A,IPv4 TSO=N/A,Scatter Gather=N/A,"),
             std::string::npos)
       << rows;
@@ -67,43 +49,43 @@ TEST_F(NicFeatureTest, SoftwareListFollowsTheNamesGiven) {
 
 TEST_F(NicFeatureTest, SoftwareSetPersists) {
   // Geneve is the last bool of the record though the sixth parameter.
-  EXPECT_EQ(Root({"network", "nic", "software", "set", "-n", "ornic2", "--geneveoffload", "true",
-                  "--ipv4cso", "true"}),
+  EXPECT_EQ(Ok({"network", "nic", "software", "set", "-n", "ornic2", "--geneveoffload", "true",
+                "--ipv4cso", "true"}),
             "true");
-  EXPECT_EQ(Root({"network", "nic", "software", "set", "-n", "ornic0", "--ipv6csoext", "false"}),
+  EXPECT_EQ(Ok({"network", "nic", "software", "set", "-n", "ornic0", "--ipv6csoext", "false"}),
             "true");
   Reload();
   auto const& pnics = OrvkCtl::Sim::ReadHost().nic.pnics;
   EXPECT_EQ(pnics[2].software_simulation.simulated, 0x2001u);
-  EXPECT_EQ(Root({"network", "nic", "software", "list", "-n", "ornic2"}),
+  EXPECT_EQ(Ok({"network", "nic", "software", "list", "-n", "ornic2"}),
             "[{NIC=ornic2,IPv4 CSO=on,IPv4 TSO=off,Scatter Gather=off,Offset Based Offload=off,"
             "VXLAN Encap=off,Geneve Offload=on,IPv6 TSO=off,IPv6 TSO Ext=off,IPv6 CSO=off,"
             "IPv6 CSO Ext=off,High DMA=off,Scatter Gather MP=off,VLAN Tagging=off,"
             "VLAN Untagging=off}]");
-  EXPECT_NE(Root({"network", "nic", "software", "list", "-n", "ornic0"}).find("IPv6 CSO Ext=off"),
+  EXPECT_NE(Ok({"network", "nic", "software", "list", "-n", "ornic0"}).find("IPv6 CSO Ext=off"),
             std::string::npos);
 }
 
 TEST_F(NicFeatureTest, SoftwareSetRefusals) {
-  ExpectRefused({"network", "nic", "software", "set", "-n", "ornic9", "--sg", "true"},
-                "Pnic with name ornic9 not found");
-  ExpectRefused(
+  Refused({"network", "nic", "software", "set", "-n", "ornic9", "--sg", "true"},
+          {"Pnic with name ornic9 not found"});
+  Refused(
       {"network", "nic", "software", "set", "-n", "ornic4", "--highdma", "true", "--sg", "false"},
-      "Software simulation of scatter gather cannot be disabled on ornic4: the device "
-      "has no hardware support for it");
+      {"Software simulation of scatter gather cannot be disabled on ornic4: the device "
+       "has no hardware support for it"});
   // Nothing to apply: no write at all.
   InjectFault("PnicImpl::SetSoftwareSimulation", "must not be called");
-  EXPECT_EQ(Root({"network", "nic", "software", "set", "-n", "ornic4"}), "true");
+  EXPECT_EQ(Ok({"network", "nic", "software", "set", "-n", "ornic4"}), "true");
 }
 
 TEST_F(NicFeatureTest, HardwareCapabilitiesStopAtBit30) {
   // ornic2 supports bits 31, 33 and 35 too; they are never named.
-  EXPECT_EQ(Root({"network", "nic", "hwCap", "supported", "list", "-n", "ornic2"}),
+  EXPECT_EQ(Ok({"network", "nic", "hwCap", "supported", "list", "-n", "ornic2"}),
             "[{NIC=ornic2,Device Hardware Cap Supported=SG   IP_CSO   HIGH_DMA   SG_SPAN_PAGES   "
             "HW_TX_VLAN   HW_RX_VLAN   TSO   IP6_CSO   TSO6   TSO6_EXT_HDR   IP6_CSO_EXT   "
             "ENCAP   OFFSET_ENCAP   VXLAN_OFFLOAD   GENEVE_OFFLOAD   NETQUEUE   RSS   LRO   DCB   "
             "PTP   PAUSE_FRAMES   JUMBO_FRAMES   SRIOV   MAC_FILTER   VLAN_FILTER   FEC   }]");
-  EXPECT_EQ(Root({"network", "nic", "hwCap", "activated", "list", "-n", "ornic0", "-n", "ornic4"}),
+  EXPECT_EQ(Ok({"network", "nic", "hwCap", "activated", "list", "-n", "ornic0", "-n", "ornic4"}),
             "[{NIC=ornic0,Device Hardware Cap Activated=SG   IP_CSO   HIGH_DMA   HW_TX_VLAN   "
             "HW_RX_VLAN   TSO   IP6_CSO   TSO6   NETQUEUE   PAUSE_FRAMES   JUMBO_FRAMES   },"
             "{NIC=ornic4,Device Hardware Cap Activated=N/A}]");
@@ -140,7 +122,7 @@ TEST_F(NicFeatureTest, DcbWordsAndBitStrings) {
       dcb.pfc_config = c.mask;
       dcb.pfc_sent[0] = c.firstSent;
     });
-    auto status = Root({"network", "nic", "dcb", "status", "get", "-n", "ornic2"});
+    auto status = Ok({"network", "nic", "dcb", "status", "get", "-n", "ornic2"});
     EXPECT_NE(status.find(std::string(",Mode=") + c.modeText + ","), std::string::npos) << status;
     EXPECT_NE(status.find(std::string("PFC Enabled=true,PFC Configuration=") + c.maskText + ","),
               std::string::npos)
@@ -151,7 +133,7 @@ TEST_F(NicFeatureTest, DcbWordsAndBitStrings) {
 }
 
 TEST_F(NicFeatureTest, DcbStatusOfTheStoragePort) {
-  EXPECT_EQ(Root({"network", "nic", "dcb", "status", "get", "-n", "ornic2"}),
+  EXPECT_EQ(Ok({"network", "nic", "dcb", "status", "get", "-n", "ornic2"}),
             "{Nic Name=ornic2,Mode=3 - IEEE Mode,Enabled=true,"
             "Capabilities={Priority Group=true,Priority Flow Control=true,UP to TC Map=true,"
             "PG Traffic Classes=8,PFC Traffic Classes=8},PFC Enabled=true,"
@@ -171,7 +153,7 @@ TEST_F(NicFeatureTest, DcbStatusOfTheStoragePort) {
             "DCB Apps=[{App Type=Ethertype,Protocol ID=0x8906,User Priority=3},"
             "{App Type=TCP/UDP port,Protocol ID=4791,User Priority=3}]}");
   // No application table: an empty list, the rest stands.
-  auto second = Root({"network", "nic", "dcb", "status", "get", "-n", "ornic3"});
+  auto second = Ok({"network", "nic", "dcb", "status", "get", "-n", "ornic3"});
   EXPECT_EQ(second.substr(0, 50), "{Nic Name=ornic3,Mode=2 - CEE Mode,Enabled=false,C");
   EXPECT_EQ(second.substr(second.size() - 12), "DCB Apps=[]}");
 }

@@ -47,7 +47,7 @@ std::string Text(std::shared_ptr<MetaObject> const& value) {
   return "?";
 }
 
-std::map<std::string, std::string> Fields(std::shared_ptr<MetaObject> const& value) {
+std::map<std::string, std::string> FieldsOf(std::shared_ptr<MetaObject> const& value) {
   std::map<std::string, std::string> fields;
   auto record = std::dynamic_pointer_cast<MetaStruct>(value);
   if (!record) return fields;
@@ -68,14 +68,14 @@ class NicInventoryTest : public HostTest {
     std::vector<std::map<std::string, std::string>> rows;
     auto list = std::dynamic_pointer_cast<MetaList>(output->GetRootObject());
     if (!list) return rows;
-    for (auto const& item : list->GetItems()) rows.push_back(Fields(item));
+    for (auto const& item : list->GetItems()) rows.push_back(FieldsOf(item));
     return rows;
   }
 
   std::map<std::string, std::string> GetNic(std::string const& name) {
     auto output = Execute({"network", "nic", "get", "-n", name});
     EXPECT_TRUE(output->GetErrorMessages().empty());
-    return Fields(output->GetRootObject());
+    return FieldsOf(output->GetRootObject());
   }
 };
 

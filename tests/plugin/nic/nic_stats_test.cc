@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "host_store.h"
-#include "plugin/meta_text.h"
 #include "support/harness.h"
+#include "support/meta_text.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -17,13 +17,6 @@ using TestSupport::MetaText;
 
 class NicStatsTest : public HostTest {
  protected:
-  std::string Root(std::vector<std::string> const& args) {
-    auto output = Execute(args);
-    EXPECT_TRUE(output->GetErrorMessages().empty())
-        << (output->GetErrorMessages().empty() ? "" : output->GetErrorMessages()[0]);
-    return MetaText(output->GetRootObject());
-  }
-
   std::vector<std::string> Errors(std::vector<std::string> const& args) {
     auto output = Execute(args);
     EXPECT_EQ(output->GetRootObject(), nullptr);
@@ -52,7 +45,7 @@ TEST_F(NicStatsTest, CountersArePrintedUnderTheirHeading) {
     at = found;
   }
 
-  auto usb = Root({"network", "nic", "stats", "get", "-n", "ornic4"});
+  auto usb = Ok({"network", "nic", "stats", "get", "-n", "ornic4"});
   EXPECT_NE(usb.find("NIC Name=ornic4,"), std::string::npos) << usb;
   EXPECT_NE(usb.find("Total transmit errors=4,Transmit aborted errors=0,"
                      "Transmit carrier errors=4,Transmit FIFO errors=0"),
@@ -93,8 +86,8 @@ TEST_F(NicStatsTest, VlanStatsOfTheDefaultHost) {
 }
 
 TEST_F(NicStatsTest, EnablingStartsCountersForTheSwitchVlans) {
-  EXPECT_EQ(Root({"network", "nic", "vlan", "stats", "set", "-n", "ornic1", "-e", "true"}), "true");
-  EXPECT_EQ(Root({"network", "nic", "vlan", "stats", "get", "-n", "ornic1"}),
+  EXPECT_EQ(Ok({"network", "nic", "vlan", "stats", "set", "-n", "ornic1", "-e", "true"}), "true");
+  EXPECT_EQ(Ok({"network", "nic", "vlan", "stats", "get", "-n", "ornic1"}),
             "[{VLAN ID=0,Packets received=0,Packets sent=0}]");
 
   // A port group on another VLAN is counted from the next start.
@@ -106,13 +99,12 @@ TEST_F(NicStatsTest, EnablingStartsCountersForTheSwitchVlans) {
                  "300"})
                 .status,
             0);
-  EXPECT_EQ(Root({"network", "nic", "vlan", "stats", "set", "-n", "ornic0", "-e", "false"}),
-            "true");
+  EXPECT_EQ(Ok({"network", "nic", "vlan", "stats", "set", "-n", "ornic0", "-e", "false"}), "true");
   EXPECT_EQ(
       Errors({"network", "nic", "vlan", "stats", "get", "-n", "ornic0"}),
       std::vector<std::string>{"VLAN stats are disabled for ornic0 please enable them first."});
-  EXPECT_EQ(Root({"network", "nic", "vlan", "stats", "set", "-n", "ornic0", "-e", "true"}), "true");
-  EXPECT_EQ(Root({"network", "nic", "vlan", "stats", "get", "-n", "ornic0"}),
+  EXPECT_EQ(Ok({"network", "nic", "vlan", "stats", "set", "-n", "ornic0", "-e", "true"}), "true");
+  EXPECT_EQ(Ok({"network", "nic", "vlan", "stats", "get", "-n", "ornic0"}),
             "[{VLAN ID=0,Packets received=0,Packets sent=0},"
             "{VLAN ID=300,Packets received=0,Packets sent=0}]");
 

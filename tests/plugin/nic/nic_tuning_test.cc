@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "host_store.h"
-#include "plugin/meta_text.h"
 #include "support/harness.h"
+#include "support/meta_text.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -18,42 +18,21 @@ using TestSupport::MetaText;
 
 PnicState const& Nic(char const* name) { return *FindPnic(OrvkCtl::Sim::ReadHost().nic, name); }
 
-class NicTuningTest : public HostTest {
- protected:
-  // The root of a successful command as one line; fails on error messages.
-  std::string Root(std::vector<std::string> const& args) {
-    auto output = Execute(args);
-    EXPECT_TRUE(output->GetErrorMessages().empty())
-        << (output->GetErrorMessages().empty() ? "" : output->GetErrorMessages()[0]);
-    return MetaText(output->GetRootObject());
-  }
-
-  // Runs a command that must fail with `message` alone, without a root, and
-  // leave the host as it was.
-  void ExpectRefused(std::vector<std::string> const& args, std::string const& message) {
-    Root({"network", "nic", "cso", "get"});  // the state file exists from here on
-    std::string before = StateFileText();
-    auto output = Execute(args);
-    EXPECT_EQ(output->GetErrorMessages(), std::vector<std::string>{message});
-    EXPECT_EQ(output->GetRootObject(), nullptr);
-    Reload();
-    EXPECT_EQ(StateFileText(), before);
-  }
-};
+using NicTuningTest = HostTest;
 
 TEST_F(NicTuningTest, OffloadTablesOfTheDefaultHost) {
   auto result = Run({"network", "nic", "cso", "get"});
   ASSERT_EQ(result.status, 0) << result.err;
   EXPECT_EQ(result.out.substr(0, result.out.find('\n')),
             "NIC     RX Checksum Offload  TX Checksum Offload");
-  EXPECT_EQ(Root({"network", "nic", "cso", "get"}),
+  EXPECT_EQ(Ok({"network", "nic", "cso", "get"}),
             "[{NIC=ornic0,RX Checksum Offload=on,TX Checksum Offload=on},"
             "{NIC=ornic1,RX Checksum Offload=on,TX Checksum Offload=on},"
             "{NIC=ornic2,RX Checksum Offload=on,TX Checksum Offload=on},"
             "{NIC=ornic3,RX Checksum Offload=on,TX Checksum Offload=on},"
             "{NIC=ornic4,RX Checksum Offload=on,TX Checksum Offload=on}]");
-  EXPECT_EQ(Root({"network", "nic", "tso", "get", "-n", "ornic4"}), "[{NIC=ornic4,Value=off}]");
-  EXPECT_EQ(Root({"network", "nic", "sg", "get", "--ornic", "ornic2"}), "[{NIC=ornic2,Value=on}]");
+  EXPECT_EQ(Ok({"network", "nic", "tso", "get", "-n", "ornic4"}), "[{NIC=ornic4,Value=off}]");
+  EXPECT_EQ(Ok({"network", "nic", "sg", "get", "--ornic", "ornic2"}), "[{NIC=ornic2,Value=on}]");
 }
 
 TEST_F(NicTuningTest, OffloadWritesChangeOnlyTheirOwnSetting) {
@@ -72,9 +51,9 @@ TEST_F(NicTuningTest, OffloadWritesChangeOnlyTheirOwnSetting) {
   for (auto const& c : cases) {
     SCOPED_TRACE(std::string(c.family) + " " + c.nic + " " + c.enable);
     auto before = Nic(c.nic).offload;
-    EXPECT_EQ(Root({"network", "nic", c.family, "set", "-n", c.nic, "-e", c.enable}), "true");
+    EXPECT_EQ(Ok({"network", "nic", c.family, "set", "-n", c.nic, "-e", c.enable}), "true");
     Reload();
-    EXPECT_EQ(Root({"network", "nic", c.family, "get", "-n", c.nic}), c.get);
+    EXPECT_EQ(Ok({"network", "nic", c.family, "get", "-n", c.nic}), c.get);
     // The bools the command does not own travel back unchanged.
     auto after = Nic(c.nic).offload;
     EXPECT_EQ(after.large_receive, before.large_receive);
@@ -87,12 +66,12 @@ TEST_F(NicTuningTest, OffloadWritesChangeOnlyTheirOwnSetting) {
 
 TEST_F(NicTuningTest, OffloadReadToleratesOneFailingDevice) {
   InjectFault("PnicImpl::GetOffloadParams", "driver busy");
-  EXPECT_EQ(Root({"network", "nic", "cso", "get", "-n", "ornic0"}),
+  EXPECT_EQ(Ok({"network", "nic", "cso", "get", "-n", "ornic0"}),
             "[{NIC=ornic0,RX Checksum Offload=N/A,TX Checksum Offload=N/A}]");
-  EXPECT_EQ(Root({"network", "nic", "sg", "get", "-n", "ornic0"}), "[{NIC=ornic0,Value=N/A}]");
+  EXPECT_EQ(Ok({"network", "nic", "sg", "get", "-n", "ornic0"}), "[{NIC=ornic0,Value=N/A}]");
   // The USB adapter cannot coalesce: its row shows N/A, the others values.
   ClearFaults();
-  auto rows = Root({"network", "nic", "coalesce", "get"});
+  auto rows = Ok({"network", "nic", "coalesce", "get"});
   EXPECT_NE(rows.find("{NIC=ornic4,RX microseconds=N/A,RX maximum frames=N/A,TX microseconds=N/A,"
                       "TX Maximum frames=N/A,Adaptive RX=N/A,Adaptive TX=N/A,"
                       "Sample interval seconds=N/A}"),
@@ -133,7 +112,7 @@ TEST_F(NicTuningTest, UnknownUplinkIsWordedByFamily) {
   };
   for (auto const& c : cases) {
     SCOPED_TRACE(c.args[2] + " " + c.args[3]);
-    ExpectRefused(c.args, c.message);
+    Refused(c.args, {c.message});
   }
 }
 
@@ -168,28 +147,28 @@ TEST_F(NicTuningTest, LibraryRefusalsComeThroughUnchanged) {
   };
   for (auto const& c : cases) {
     SCOPED_TRACE(c.message);
-    ExpectRefused(c.args, c.message);
+    Refused(c.args, {c.message});
   }
 }
 
 TEST_F(NicTuningTest, CoalesceWritesKeepWhatWasNotGiven) {
-  EXPECT_EQ(Root({"network", "nic", "coalesce", "set", "-n", "ornic0", "-t", "20", "-A", "true",
-                  "-i", "3600"}),
+  EXPECT_EQ(Ok({"network", "nic", "coalesce", "set", "-n", "ornic0", "-t", "20", "-A", "true", "-i",
+                "3600"}),
             "true");
-  EXPECT_EQ(Root({"network", "nic", "coalesce", "get", "-n", "ornic0"}),
+  EXPECT_EQ(Ok({"network", "nic", "coalesce", "get", "-n", "ornic0"}),
             "[{NIC=ornic0,RX microseconds=3,RX maximum frames=32,TX microseconds=20,"
             "TX Maximum frames=32,Adaptive RX=On,Adaptive TX=On,Sample interval seconds=3600}]");
 
   EXPECT_EQ(
-      Root({"network", "nic", "coalesce", "low", "set", "-n", "ornic2", "-p", "30000", "-r", "12"}),
+      Ok({"network", "nic", "coalesce", "low", "set", "-n", "ornic2", "-p", "30000", "-r", "12"}),
       "true");
-  EXPECT_EQ(Root({"network", "nic", "coalesce", "low", "get", "-n", "ornic2"}),
+  EXPECT_EQ(Ok({"network", "nic", "coalesce", "low", "get", "-n", "ornic2"}),
             "{NIC=ornic2,Packet rate=30000,RX delay time=12,RX delay packets=4,TX delay time=16,"
             "TX delay packets=4}");
   EXPECT_EQ(
-      Root({"network", "nic", "coalesce", "high", "set", "-n", "ornic2", "-R", "200", "-t", "300"}),
+      Ok({"network", "nic", "coalesce", "high", "set", "-n", "ornic2", "-R", "200", "-t", "300"}),
       "true");
-  EXPECT_EQ(Root({"network", "nic", "coalesce", "high", "get", "-n", "ornic2"}),
+  EXPECT_EQ(Ok({"network", "nic", "coalesce", "high", "get", "-n", "ornic2"}),
             "{NIC=ornic2,Packet rate=1000000,RX delay time=200,RX delay packets=200,"
             "TX delay time=300,TX delay packets=255}");
   // The high set leaves the low one alone.
@@ -197,7 +176,7 @@ TEST_F(NicTuningTest, CoalesceWritesKeepWhatWasNotGiven) {
 
   // With the NIC alone, the record read is written back unchanged.
   auto before = Nic("ornic1").coalesce;
-  EXPECT_EQ(Root({"network", "nic", "coalesce", "set", "-n", "ornic1"}), "true");
+  EXPECT_EQ(Ok({"network", "nic", "coalesce", "set", "-n", "ornic1"}), "true");
   Reload();
   EXPECT_EQ(Nic("ornic1").coalesce, before);
 }
@@ -222,7 +201,7 @@ TEST_F(NicTuningTest, SampleIntervalAndEnableAreCheckedBeforeTheCommand) {
 }
 
 TEST_F(NicTuningTest, PauseRowsFollowSupportAndResolution) {
-  EXPECT_EQ(Root({"network", "nic", "pauseParams", "list", "-n", "ornic0"}),
+  EXPECT_EQ(Ok({"network", "nic", "pauseParams", "list", "-n", "ornic0"}),
             "[{NIC=ornic0,Pause Params Supported=true,Auto Negotiation=true,Pause RX=true,"
             "Pause TX=true,Auto Negotiation Resolution Avail=true,"
             "RX Auto Negotiation Resolution=true,TX Auto Negotiation Resolution=true}]");
@@ -260,26 +239,25 @@ TEST_F(NicTuningTest, PauseRowsFollowSupportAndResolution) {
 }
 
 TEST_F(NicTuningTest, PauseWriteNegotiatesWhatIsAsked) {
-  EXPECT_EQ(Root({"network", "nic", "pauseParams", "set", "-n", "ornic0", "-t", "false"}), "true");
-  EXPECT_EQ(Root({"network", "nic", "pauseParams", "list", "-n", "ornic0"}),
+  EXPECT_EQ(Ok({"network", "nic", "pauseParams", "set", "-n", "ornic0", "-t", "false"}), "true");
+  EXPECT_EQ(Ok({"network", "nic", "pauseParams", "list", "-n", "ornic0"}),
             "[{NIC=ornic0,Pause Params Supported=true,Auto Negotiation=true,Pause RX=true,"
             "Pause TX=false,Auto Negotiation Resolution Avail=true,"
             "RX Auto Negotiation Resolution=true,TX Auto Negotiation Resolution=false}]");
-  EXPECT_EQ(Root({"network", "nic", "pauseParams", "set", "-n", "ornic0", "-a", "false"}), "true");
+  EXPECT_EQ(Ok({"network", "nic", "pauseParams", "set", "-n", "ornic0", "-a", "false"}), "true");
   EXPECT_EQ(Nic("ornic0").pause.rx_resolution, 0u);
   EXPECT_FALSE(Nic("ornic0").pause.auto_negotiation);
   EXPECT_FALSE(Nic("ornic0").pause.tx);
 }
 
 TEST_F(NicTuningTest, RingsShowMaximumsAndResizeOnlyWhatIsGiven) {
-  EXPECT_EQ(Root({"network", "nic", "ring", "preset", "get", "-n", "ornic2"}),
+  EXPECT_EQ(Ok({"network", "nic", "ring", "preset", "get", "-n", "ornic2"}),
             "{RX=8192,RX Mini=0,RX Jumbo=4096,TX=8192,Max RX=8192,Max RX Mini=0,"
             "Max RX Jumbo=4096,Max TX=8192}");
-  EXPECT_EQ(Root({"network", "nic", "ring", "current", "get", "-n", "ornic2"}),
+  EXPECT_EQ(Ok({"network", "nic", "ring", "current", "get", "-n", "ornic2"}),
             "{RX=4096,RX Mini=0,RX Jumbo=1024,TX=4096}");
-  EXPECT_EQ(Root({"network", "nic", "ring", "current", "set", "-n", "ornic2", "-t", "8192"}),
-            "true");
-  EXPECT_EQ(Root({"network", "nic", "ring", "current", "get", "-n", "ornic2"}),
+  EXPECT_EQ(Ok({"network", "nic", "ring", "current", "set", "-n", "ornic2", "-t", "8192"}), "true");
+  EXPECT_EQ(Ok({"network", "nic", "ring", "current", "get", "-n", "ornic2"}),
             "{RX=4096,RX Mini=0,RX Jumbo=1024,TX=8192}");
 
   auto result = Run({"network", "nic", "ring", "preset", "get", "-n", "ornic0"});
@@ -289,7 +267,7 @@ TEST_F(NicTuningTest, RingsShowMaximumsAndResizeOnlyWhatIsGiven) {
 
   // Nothing given: nothing written, even on a device without rings.
   InjectFault("PnicImpl::SetRingParams", "must not be called");
-  EXPECT_EQ(Root({"network", "nic", "ring", "current", "set", "-n", "ornic0"}), "true");
+  EXPECT_EQ(Ok({"network", "nic", "ring", "current", "set", "-n", "ornic0"}), "true");
 }
 
 TEST_F(NicTuningTest, HandlersAddTheHostTextAlone) {

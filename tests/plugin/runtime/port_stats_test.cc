@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "hostctl/port.h"
-#include "plugin/meta_text.h"
+#include "support/meta_text.h"
 // The comparator is a free function of the plug-in, which the tests do not
 // link: compiled in here.
 #include "runtime/PortFilterStatsGet.cc"

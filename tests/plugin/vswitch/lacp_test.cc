@@ -10,8 +10,8 @@
 
 #include "host_store.h"
 #include "hostctl/dvswitch.h"
-#include "plugin/meta_text.h"
 #include "support/harness.h"
+#include "support/meta_text.h"
 #include "toolbase/call_spec.h"
 // The record's words are free functions of the plug-in, which the tests do
 // not link: compiled in here.
@@ -99,12 +99,13 @@ TEST_F(LacpTest, TimeoutChangesTheActorStateAndPersists) {
   EXPECT_EQ(Result(one), "true");
   EXPECT_EQ(Result(Lacp("status")), StatusRow("ACT,AGG,SYN,COL,DIST,", "SA"));
 
-  OrvkCtl::Sim::ChangeHost([](OrvkCtl::Sim::HostModel&) {});  // writes the state file
+  SeedHost();
   std::string before = StateFileText();
   ExpectFailure(Timeout("true", "7", "DSwitch-Prod"), "No running LAG with ID 7 on DSwitch-Prod");
   ExpectFailure(Timeout("true", "1", "DSwitch-Lab"), "Distributed switch DSwitch-Lab not found");
+  // The LAG ID goes to the host as 32 unsigned bits.
   ExpectFailure(Timeout("true", "-1", "DSwitch-Prod"),
-                "Invalid value -1 for parameter 'lag-id': it must be between 0 and 4294967295.");
+                "No running LAG with ID 4294967295 on DSwitch-Prod");
   Args stranger = Timeout("true", "1", "DSwitch-Prod");
   stranger.insert(stranger.end(), {"--nic-name", "ornic2"});
   ExpectFailure(stranger, "Uplink ornic2 is not in LAG 1");

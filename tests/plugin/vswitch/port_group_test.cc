@@ -24,7 +24,7 @@ class PortGroupTest : public TestSupport::HostTest {
   // Loads the default host, so that the state file exists from the start.
   void SetUp() override {
     HostTest::SetUp();
-    OrvkCtl::Sim::ReadHost();
+    SeedHost();
   }
 
   std::string Get(std::string const& policy, std::string const& group, std::string const& field) {

@@ -24,7 +24,7 @@ class StandardSwitchTest : public TestSupport::HostTest {
   // Loads the default host, so that the state file exists from the start.
   void SetUp() override {
     HostTest::SetUp();
-    OrvkCtl::Sim::ReadHost();
+    SeedHost();
   }
 
   // One field of the switch's record in `list`.

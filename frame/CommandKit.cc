@@ -1,0 +1,45 @@
+#include "frame/CommandKit.h"
+
+#include <utility>
+
+#include "toolbase/meta_obj.h"
+
+namespace CorvaneCli::NetworkNamespace {
+
+using namespace Toolbase::CallSpec;
+
+namespace {
+std::shared_ptr<ParameterSpec> NewParameter(std::string const& name, ParameterType type,
+                                            bool required, char const* shortName,
+                                            std::string description) {
+  auto parameter = ParameterSpec::New(name, type);
+  parameter->SetRequired(required);
+  if (shortName) parameter->SetShortName(shortName);
+  parameter->SetDescription(std::move(description));
+  return parameter;
+}
+}  // namespace
+
+std::shared_ptr<ParameterSpec> Required(std::string const& name, ParameterType type,
+                                        char const* shortName, std::string description) {
+  return NewParameter(name, type, true, shortName, std::move(description));
+}
+
+std::shared_ptr<ParameterSpec> Optional(std::string const& name, ParameterType type,
+                                        char const* shortName, std::string description) {
+  return NewParameter(name, type, false, shortName, std::move(description));
+}
+
+bool TakeUint32(Input const& input, std::string const& name, uint32_t& field) {
+  if (!input.HasParameter(name)) return false;
+  field = static_cast<uint32_t>(input.GetParameterInt(name));
+  return true;
+}
+
+std::shared_ptr<OutputSpec> RootSpec(std::shared_ptr<Toolbase::MetaObj::MetaObject> const& root) {
+  auto spec = OutputSpec::New();
+  spec->SetRootObject(root);
+  return spec;
+}
+
+}  // namespace CorvaneCli::NetworkNamespace

@@ -1,0 +1,60 @@
+// What every command class of the plug-in shares: its declaration, its New()
+// and the building blocks of its specifications.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "toolbase/auto_cli.h"
+#include "toolbase/call_spec.h"
+
+namespace Toolbase::MetaObj {
+class MetaList;
+class MetaObject;
+class MetaStruct;
+}  // namespace Toolbase::MetaObj
+
+// The members of a command class, written first inside its braces. The
+// constructor stays private: a command is made only by its static New(),
+// which links the node's self reference. The rest is public, and so is what
+// the class declares after it.
+#define NETWORK_COMMAND(Class)                                                      \
+  Class();                                                                          \
+                                                                                    \
+ public:                                                                            \
+  static std::shared_ptr<Class> New();                                              \
+  ~Class() override;                                                                \
+  std::shared_ptr<Toolbase::CallSpec::InputSpec> GetInputSpecInternal() override;   \
+  std::shared_ptr<Toolbase::CallSpec::OutputSpec> GetOutputSpecInternal() override; \
+  void ExecuteInternal(std::shared_ptr<Toolbase::CallSpec::Input> const& input,     \
+                       std::shared_ptr<Toolbase::CallSpec::Output> const& output) override;
+
+// New() and the destructor of a command class, in its source file.
+#define NETWORK_COMMAND_NEW(Class)                                                    \
+  std::shared_ptr<Class> Class::New() { return std::shared_ptr<Class>(new Class()); } \
+  Class::~Class() = default;
+
+namespace CorvaneCli::NetworkNamespace {
+
+// A parameter that must be given, or one that may be left out: long name,
+// kind, short name (null for none) and help text.
+std::shared_ptr<Toolbase::CallSpec::ParameterSpec> Required(std::string const& name,
+                                                            Toolbase::CallSpec::ParameterType type,
+                                                            char const* shortName,
+                                                            std::string description);
+std::shared_ptr<Toolbase::CallSpec::ParameterSpec> Optional(std::string const& name,
+                                                            Toolbase::CallSpec::ParameterType type,
+                                                            char const* shortName,
+                                                            std::string description);
+
+// When `name` was given, its value narrowed to the 32 bits of the host field
+// `field`, as the host record takes it: the range is the library's matter.
+// Returns whether it was given.
+bool TakeUint32(Toolbase::CallSpec::Input const& input, std::string const& name, uint32_t& field);
+
+// A new output specification whose root is the prototype `root`.
+std::shared_ptr<Toolbase::CallSpec::OutputSpec> RootSpec(
+    std::shared_ptr<Toolbase::MetaObj::MetaObject> const& root);
+
+}  // namespace CorvaneCli::NetworkNamespace
