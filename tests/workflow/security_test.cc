@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <pwd.h>
 #include <signal.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -237,6 +238,24 @@ TEST_F(SecurityTest, AnIdleBatchOnStandardInputHoldsNoLockAndNoCoreFile) {
   EXPECT_EQ(WaitFor(batch.pid, 10), 0);
   auto state = Run({"network", "firewall", "get"});
   EXPECT_NE(state.out.find("Enabled: false"), std::string::npos) << state.out;
+}
+
+TEST_F(SecurityTest, ACommandWaitingForTheLockSaysSoAfterASecond) {
+  std::string const state = dir_ + "/host.json";
+  ASSERT_EQ(Run({"network", "firewall", "get"}).status, 0);
+  int lock = open((state + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+  ASSERT_GE(lock, 0);
+  ASSERT_EQ(flock(lock, LOCK_EX), 0);
+  std::thread release([lock] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    close(lock);
+  });
+  auto run = Run({"network", "firewall", "set", "--enabled", "false"});
+  release.join();
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_NE(run.err.find("Waiting for another command to release the lock on " + state),
+            std::string::npos)
+      << run.err;
 }
 
 TEST_F(SecurityTest, AnUnclosedQuoteInABatchIsReadOnceAndNamesItsLine) {
