@@ -90,9 +90,9 @@ std::string Untrusted(struct stat const& info) {
 // The name of an ELF machine number, for a plug-in built for another one.
 std::string MachineName(unsigned machine) {
   switch (machine) {
-    case EM_386: return "x86 (32-bit)";
+    case EM_386: return "x86";
     case EM_X86_64: return "x86-64";
-    case EM_ARM: return "ARM (32-bit)";
+    case EM_ARM: return "ARM";
     case EM_AARCH64: return "AArch64";
     case EM_PPC64: return "PowerPC 64";
     case EM_S390: return "S/390";
@@ -178,7 +178,7 @@ void LoadOne(std::filesystem::path const& file, AutoCli::NamespaceNode& root,
   }
   auto session = reinterpret_cast<AutoCliRegisterSessionFn>(dlsym(handle, "AutoCli_RegisterSession"));
   auto own_root = AutoCli::Namespace::New();
-  void* word = own_root.get();
+  void* word = static_cast<AutoCli::NamespaceNode*>(own_root.get());
   std::string const failed = "plug-in " + file.string() + " failed to register: ";
   try {
     entry(&word);
@@ -400,7 +400,7 @@ void LoadPlugins(std::vector<std::string> const& folders, AutoCli::NamespaceNode
     if (::stat(folder.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) continue;
     if (auto why = Untrusted(info); !why.empty()) {
       pending << "Warning: plug-in folder " << folder << " is not trusted: " << why
-               << "; its plug-ins are skipped\n";
+              << "; its plug-ins are skipped\n";
       continue;
     }
     std::error_code error;
