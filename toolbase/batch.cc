@@ -265,6 +265,7 @@ int RunBatch(BatchOptions const& options, std::istream& standard_input,
       line_status = RunBatchLine(command.words, root, line_out, line_err, ran.outcome);
     }
     err << line_err.str();
+    if (!ran.outcome.shown_line.empty()) ran.entry.command = ran.outcome.shown_line;
     ran.entry.status = line_status;
     ran.entry.result = ran.outcome.result;
     ran.entry.text = line_out.str();

@@ -226,6 +226,13 @@ int RunCommand(AutoCli::Command& command, std::vector<std::string> const& args,
                std::ostream& err) {
   std::string path = command.GetPathString(' ');
   auto spec = command.GetInputSpec();
+  if (context.outcome) {
+    auto const& parameters = spec->GetParameters();
+    if (std::any_of(parameters.begin(), parameters.end(),
+                    [](auto const& parameter) { return parameter->IsSecret(); })) {
+      context.outcome->shown_line = path + " (parameters not shown: they may hold secrets)";
+    }
+  }
   // Global options may also follow the words, unless the command has a
   // parameter of the same name.
   GlobalOptions options = global;

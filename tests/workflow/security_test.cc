@@ -168,6 +168,17 @@ TEST_F(SecurityTest, UsageErrorsNeverShowASecretKey) {
   EXPECT_NE(run.err.find("Unexpected argument number 11"), std::string::npos) << run.err;
   EXPECT_EQ(run.err.find("SECRET"), std::string::npos) << run.err;
 
+  // Nor does a batch document, which repeats each line.
+  std::string const batch = dir_ + "/keys.txt";
+  std::ofstream(batch) << "network ip ipsec sa add -n sa1 -s any -d any -p 100 -e aes128-cbc -k "
+                       << key << " -i hmac-sha1 -K " << key << "\n";
+  auto document = Run({"--formatter", "json", "--batch", batch});
+  EXPECT_NE(document.out.find("\"network ip ipsec sa add (parameters not shown"),
+            std::string::npos)
+      << document.out;
+  EXPECT_EQ(document.out.find("SECRET"), std::string::npos) << document.out;
+  EXPECT_EQ(document.err.find("SECRET"), std::string::npos) << document.err;
+
   // Other values are shown escaped and cut.
   auto odd = Run({"network", "nic", std::string("li\nst\x01") + std::string(200, 'x')});
   EXPECT_EQ(odd.status, 2);
