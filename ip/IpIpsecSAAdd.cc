@@ -64,6 +64,8 @@ std::shared_ptr<InputSpec> IpIpsecSAAdd::GetInputSpecInternal() {
   spec->AddParameter(NewIpsecParameter(
       kIntegrityKey, "K", ParameterType::String, true,
       "Integrity key(ASCII or hex). Length of hex key is dependent upon algorithm used."));
+  spec->FindParameter(kEncryptionKey)->SetSecret(true);
+  spec->FindParameter(kIntegrityKey)->SetSecret(true);
   return spec;
 }
 

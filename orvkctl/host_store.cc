@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -187,8 +188,21 @@ void Lock(Store& store) {
   std::string lock_path = store.path + ".lock";
   int fd = open(lock_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
   if (fd < 0) Fail("Cannot lock host state file " + store.path + ": cannot open", lock_path, errno);
-  while (flock(fd, LOCK_EX) != 0) {
-    if (errno == EINTR) continue;
+  // Another command may hold the lock: wait for it, and after a second say
+  // what is waited for, so that the wait is not taken for a hang.
+  int locked = flock(fd, LOCK_EX | LOCK_NB);
+  for (int tries = 0; locked != 0 && (errno == EWOULDBLOCK || errno == EINTR) && tries < 20;
+       ++tries) {
+    usleep(50 * 1000);
+    locked = flock(fd, LOCK_EX | LOCK_NB);
+  }
+  if (locked != 0 && errno == EWOULDBLOCK) {
+    std::fprintf(stderr, "Waiting for another command to release the lock on %s ...\n",
+                 store.path.c_str());
+    while ((locked = flock(fd, LOCK_EX)) != 0 && errno == EINTR) {
+    }
+  }
+  if (locked != 0) {
     int lock_error = errno;
     close(fd);
     Fail("Cannot lock host state file " + store.path + ": cannot lock", lock_path, lock_error);

@@ -14,11 +14,76 @@
 namespace Toolbase::Cli {
 namespace {
 
-// One command of the batch: its words and the line it starts on.
+// One command of the batch: its words and the line it starts on, or why it
+// cannot run (a quote never closed).
 struct BatchLine {
   int number = 0;
   std::vector<std::string> words;
-  bool complete = true;
+  std::string problem;
+};
+
+// Follows a command's text line by line, looking at each character once, to
+// tell whether it ends inside quotes or after a backslash that joins the
+// next line; only a complete text is split into words (once).
+class QuoteScanner {
+ public:
+  // Scans what was appended to `text` since the last call, `line` being the
+  // number of the line appended. True when the text is complete.
+  bool Complete(std::string const& text, int line) {
+    while (at_ < text.size()) {
+      char const c = text[at_];
+      if (mode_ == Mode::Comment) {
+        if (c == '\n') mode_ = Mode::Plain;
+        ++at_;
+      } else if (mode_ == Mode::Single) {
+        if (c == '\'') mode_ = Mode::Plain;
+        ++at_;
+      } else if (mode_ == Mode::Double) {
+        if (c == '"') mode_ = Mode::Plain;
+        if (c == '\\' && at_ + 1 < text.size()) ++at_;
+        ++at_;
+      } else if (c == '\\') {
+        if (at_ + 1 >= text.size()) {
+          open_ = '\\';
+          opened_on_ = line;
+          return false;
+        }
+        in_word_ = text[at_ + 1] != '\n' || in_word_;
+        at_ += 2;
+      } else if (c == ' ' || c == '\t' || c == '\n' || c == '\r') {
+        in_word_ = false;
+        ++at_;
+      } else {
+        if (c == '#' && !in_word_) mode_ = Mode::Comment;
+        if (c == '\'' || c == '"') {
+          mode_ = c == '"' ? Mode::Double : Mode::Single;
+          open_ = c;
+          opened_on_ = line;
+        }
+        in_word_ = mode_ != Mode::Comment;
+        ++at_;
+      }
+    }
+    return mode_ == Mode::Plain || mode_ == Mode::Comment;
+  }
+
+  // Why an incomplete text cannot run, for the user.
+  std::string Problem() const {
+    if (open_ == '\\' && mode_ == Mode::Plain) {
+      return "the backslash at the end of line " + std::to_string(opened_on_) +
+             " continues the command past the end of the batch";
+    }
+    return std::string("the quote (") + open_ + ") opened on line " +
+           std::to_string(opened_on_) + " is never closed";
+  }
+
+ private:
+  enum class Mode { Plain, Single, Double, Comment };
+  Mode mode_ = Mode::Plain;
+  bool in_word_ = false;
+  size_t at_ = 0;
+  char open_ = 0;
+  int opened_on_ = 0;
 };
 
 // Reads the next command from `in`, joining lines that end inside quotes or
@@ -26,15 +91,17 @@ struct BatchLine {
 bool ReadCommand(std::istream& in, int& line_number, BatchLine& command) {
   std::string text;
   std::string line;
+  QuoteScanner scanner;
   command = BatchLine{};
   while (std::getline(in, line)) {
     ++line_number;
     if (text.empty()) command.number = line_number;
     text += line;
-    command.words.clear();
-    if (SplitWords(text, command.words)) {
+    if (scanner.Complete(text, line_number)) {
+      SplitWords(text, command.words);
       if (command.words.empty()) {
         text.clear();
+        scanner = QuoteScanner{};
         continue;
       }
       return true;
@@ -42,7 +109,7 @@ bool ReadCommand(std::istream& in, int& line_number, BatchLine& command) {
     text += '\n';
   }
   if (text.empty()) return false;
-  command.complete = false;
+  command.problem = scanner.Problem();
   return true;
 }
 
@@ -153,6 +220,18 @@ int RunBatch(BatchOptions const& options, std::istream& standard_input,
     }
     in = &file;
   }
+  // The whole batch is read before any lock is taken: a batch on a standard
+  // input that stays idle must not keep other commands waiting.
+  std::vector<BatchLine> commands;
+  int line_number = 0;
+  for (BatchLine command; ReadCommand(*in, line_number, command);) {
+    commands.push_back(std::move(command));
+  }
+  if (in->bad()) {
+    err << "Error: cannot read batch " << (options.file == "-" ? "from standard input" : "file " + options.file)
+        << ": " << std::strerror(errno) << '\n';
+    return kUsageError;
+  }
   auto transactions = PluginTransactions();
   if (transactions.empty()) {
     err << "Error: --batch needs a plug-in that can hold changes back; none of the loaded "
@@ -169,9 +248,8 @@ int RunBatch(BatchOptions const& options, std::istream& standard_input,
 
   std::vector<Ran> lines;
   int status = kSuccess;
-  int line_number = 0;
-  BatchLine command;
-  while (ReadCommand(*in, line_number, command)) {
+  int failed_line = 0;
+  for (auto const& command : commands) {
     if (options.keep_going) each(&AutoCli::Transaction::savepoint);
     Ran& ran = lines.emplace_back();
     ran.entry.line = command.number;
@@ -180,13 +258,14 @@ int RunBatch(BatchOptions const& options, std::istream& standard_input,
     std::ostringstream line_out;
     std::ostringstream line_err;
     int line_status;
-    if (!command.complete) {
-      line_err << "Error: unterminated quote or trailing backslash\n";
+    if (!command.problem.empty()) {
+      line_err << "Error: " << command.problem << '\n';
       line_status = kUsageError;
     } else {
       line_status = RunBatchLine(command.words, root, line_out, line_err, ran.outcome);
     }
     err << line_err.str();
+    if (!ran.outcome.shown_line.empty()) ran.entry.command = ran.outcome.shown_line;
     ran.entry.status = line_status;
     ran.entry.result = ran.outcome.result;
     ran.entry.text = line_out.str();
@@ -196,6 +275,7 @@ int RunBatch(BatchOptions const& options, std::istream& standard_input,
     if (line_status == kSuccess) continue;
     if (!options.keep_going) {
       status = line_status;
+      failed_line = command.number;
       break;
     }
     each(&AutoCli::Transaction::rollback);
@@ -207,7 +287,7 @@ int RunBatch(BatchOptions const& options, std::istream& standard_input,
   if (options.dry_run || (status != kSuccess && !options.keep_going)) {
     each(&AutoCli::Transaction::abort);
     if (!options.dry_run) {
-      err << "Error: batch line " << command.number
+      err << "Error: batch line " << failed_line
           << " failed; no change of the batch was applied.\n";
     }
   } else {

@@ -23,6 +23,7 @@
 #include "toolbase/auto_cli.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
+#include "utf8.h"
 
 namespace Toolbase::Cli {
 namespace {
@@ -122,7 +123,7 @@ size_t ParseGlobalOptions(std::vector<std::string> const& args, GlobalOptions& o
     } else if (plugin_option) {
       options.plugin_values.emplace_back(plugin_option, value_of(name));
     } else {
-      throw UsageError("Unknown option '" + name + "'." + DidYouMean(name, GlobalOptionNames()) +
+      throw UsageError("Unknown option " + Text::Quoted(name) + "." + DidYouMean(name, GlobalOptionNames()) +
                        " Run 'toolbase --help' for the options.");
     }
   }
@@ -154,7 +155,7 @@ void CollectCommands(NamespaceNode& node, std::string const& prefix,
 std::string UnknownFormatter(std::string const& name) {
   std::string names;
   for (auto const& known : Format::FormatterNames()) names += (names.empty() ? "" : ", ") + known;
-  return "Unknown formatter '" + name + "'." + DidYouMean(name, Format::FormatterNames()) +
+  return "Unknown formatter " + Text::Quoted(name) + "." + DidYouMean(name, Format::FormatterNames()) +
          " Valid formatters: " + names;
 }
 
@@ -225,6 +226,13 @@ int RunCommand(AutoCli::Command& command, std::vector<std::string> const& args,
                std::ostream& err) {
   std::string path = command.GetPathString(' ');
   auto spec = command.GetInputSpec();
+  if (context.outcome) {
+    auto const& parameters = spec->GetParameters();
+    if (std::any_of(parameters.begin(), parameters.end(),
+                    [](auto const& parameter) { return parameter->IsSecret(); })) {
+      context.outcome->shown_line = path + " (parameters not shown: they may hold secrets)";
+    }
+  }
   // Global options may also follow the words, unless the command has a
   // parameter of the same name.
   GlobalOptions options = global;
@@ -349,7 +357,7 @@ int RunWorkflow(GlobalOptions const& options, NamespaceNode& root, std::ostream&
   }
   if (!options.completion.empty()) {
     if (PrintCompletionScript(options.completion, out)) return kSuccess;
-    return Usage("Unknown shell '" + options.completion + "' for --completion; valid: bash, zsh",
+    return Usage("Unknown shell " + Text::Quoted(options.completion) + " for --completion; valid: bash, zsh",
                  "", err);
   }
   if (options.batch.empty()) return Usage("Option --batch-continue needs --batch FILE", "", err);
@@ -374,7 +382,7 @@ int UnknownWord(std::string const& word, NamespaceNode& node, std::ostream& err)
   std::string valid;
   for (auto const& name : names) valid += (valid.empty() ? "" : ", ") + name;
   std::string where = known.empty() ? "at the top level" : "under '" + known + "'";
-  return Usage("Unknown word '" + word + "' " + where +
+  return Usage("Unknown word " + Text::Quoted(word) + " " + where +
                    (valid.empty() ? std::string(": it takes no further words")
                                   : "." + DidYouMean(word, names) + " Valid words: " + valid),
                known, err);
@@ -399,8 +407,8 @@ int RunLine(std::vector<std::string> const& args, NamespaceNode& root, std::ostr
                    "", err);
     }
     if (!options.complete && first_word < args.size()) {
-      return Usage("'" + args[first_word] +
-                       "' cannot follow --batch, --batch-continue, --completion or --version",
+      return Usage(Text::Quoted(args[first_word]) +
+                       " cannot follow --batch, --batch-continue, --completion or --version",
                    "", err);
     }
     if (!options.help || !options.batch.empty()) return RunWorkflow(options, root, out, err);
@@ -452,7 +460,8 @@ int RunLine(std::vector<std::string> const& args, NamespaceNode& root, std::ostr
     }
     if (!rest.empty()) {
       return Usage("'" + JoinWords(words) + "' is a namespace, not a command; it takes no "
-                   "parameters such as '" + rest.front() + "'", JoinWords(words), err);
+                   "parameters such as " + Text::Quoted(OptionName(rest.front())),
+                   JoinWords(words), err);
     }
     PrintNamespaceHelp(*node, err);
     return kUsageError;

@@ -49,6 +49,9 @@ struct LineOutcome {
   std::string formatter;
   // Whether the line's default formatter prints nothing for a result of true.
   bool quiet_success = false;
+  // Set for a command that takes secrets: the line as a batch document shows
+  // it (the command's words only), since its parameters may hold a secret.
+  std::string shown_line;
 };
 
 // Runs one command line (`args` without the program name) against `root`.

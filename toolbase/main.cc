@@ -1,4 +1,7 @@
 // toolbase: loads the command plug-ins and runs one command line.
+#include <sys/prctl.h>
+#include <sys/resource.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -44,13 +47,24 @@ namespace {
 #endif
 }
 
+// Commands handle secrets (keys among them): a crash must not leave them in
+// a core file, and other processes of the user may not read this one's
+// memory. Done first, before anything is read.
+void KeepMemoryPrivate() {
+  rlimit const none{0, 0};
+  setrlimit(RLIMIT_CORE, &none);
+  prctl(PR_SET_DUMPABLE, 0, 0, 0, 0);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  KeepMemoryPrivate();
   std::vector<std::string> args(argv + 1, argv + argc);
   // The tree lives as long as the process (see Finish).
   static auto* const root = new std::shared_ptr<Toolbase::AutoCli::NamespaceNode>(
       Toolbase::Cli::NewRoot());
+  Toolbase::Cli::RestartWithoutCrashedPlugins(argv);
   Toolbase::Cli::LoadPlugins(Toolbase::Cli::PluginSearchPath(), **root, std::cerr);
   Finish(Toolbase::Cli::Run(args, **root, std::cout, std::cerr));
 }

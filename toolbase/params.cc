@@ -66,6 +66,17 @@ std::string ReplaceAll(std::string text, std::string const& tag, std::string con
 
 std::string Option(ParameterSpec const& parameter) { return "--" + parameter.GetName(); }
 
+// An option name as typed, quoted only when it needs escaping or cutting.
+std::string AsTyped(std::string const& typed) {
+  std::string quoted = Text::Quoted(typed);
+  return quoted.compare(1, quoted.size() - 2, typed) == 0 ? typed : quoted;
+}
+
+// A value as a message shows it: quoted and cut, or not at all for a secret.
+std::string Shown(ParameterSpec const& parameter, std::string const& value) {
+  return parameter.IsSecret() ? "(secret, not shown)" : Text::Quoted(value);
+}
+
 // Edits (insert, delete, replace, swap of neighbours) from `a` to `b`.
 std::size_t EditDistance(std::string_view a, std::string_view b) {
   std::vector<std::vector<std::size_t>> d(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
@@ -113,11 +124,11 @@ std::string CheckValue(ParameterSpec const& parameter, std::string const& value)
   long number = 0;
   switch (parameter.GetType()) {
     case CallSpec::Int:
-      if (!ParseLong(value, number)) return "expects an integer, got '" + value + "'";
+      if (!ParseLong(value, number)) return "expects an integer, got " + Shown(parameter, value);
       break;
     case CallSpec::Bool:
       if (!ParseBoolWord(value)) {
-        return "expects true or false (also yes/no, 1/0), got '" + value + "'";
+        return "expects true or false (also yes/no, 1/0), got " + Shown(parameter, value);
       }
       return "";
     case CallSpec::Flag:
@@ -131,13 +142,13 @@ std::string CheckValue(ParameterSpec const& parameter, std::string const& value)
   switch (constraint->GetType()) {
     case CallSpec::IntRange:
       if (parameter.GetType() != CallSpec::Int && !ParseLong(value, number)) {
-        return "expects an integer, got '" + value + "'";
+        return "expects an integer, got " + Shown(parameter, value);
       }
       allowed = number >= constraint->GetLow() && number <= constraint->GetHigh();
       break;
     case CallSpec::IntEnum:
       if (parameter.GetType() != CallSpec::Int && !ParseLong(value, number)) {
-        return "expects an integer, got '" + value + "'";
+        return "expects an integer, got " + Shown(parameter, value);
       }
       allowed = false;
       for (long candidate : constraint->GetIntEnums()) allowed = allowed || candidate == number;
@@ -156,7 +167,8 @@ std::string CheckValue(ParameterSpec const& parameter, std::string const& value)
   }
   if (allowed) return "";
   if (constraint->GetType() == CallSpec::IntRange) {
-    return "value " + value + " is out of range: allowed " + AllowedValues(*constraint).front();
+    return "value " + (parameter.IsSecret() ? Shown(parameter, value) : value) +
+           " is out of range: allowed " + AllowedValues(*constraint).front();
   }
   if (constraint->GetType() == CallSpec::StringRegex) {
     // What the pattern stands for, in the parameter's own words (not when
@@ -167,11 +179,11 @@ std::string CheckValue(ParameterSpec const& parameter, std::string const& value)
     }
     if (expected.empty() || expected.find("%ENUM%") != std::string::npos ||
         expected.find("%FULLENUM%") != std::string::npos) {
-      return "value '" + value + "' does not have the expected form";
+      return "value " + Shown(parameter, value) + " does not have the expected form";
     }
-    return "value '" + value + "' does not have the expected form: " + expected;
+    return "value " + Shown(parameter, value) + " does not have the expected form: " + expected;
   }
-  return "value '" + value + "' is not allowed: allowed values are " +
+  return "value " + Shown(parameter, value) + " is not allowed: allowed values are " +
          Join(AllowedValues(*constraint), ", ");
 }
 
@@ -210,10 +222,17 @@ std::shared_ptr<CallSpec::Input> ParseParameters(CallSpec::InputSpec const& spec
                                                  std::vector<std::string> const& args) {
   auto input = CallSpec::Input::New();
   std::map<std::string, int> seen;
+  bool const has_secret = std::any_of(spec.GetParameters().begin(), spec.GetParameters().end(),
+                                      [](auto const& parameter) { return parameter->IsSecret(); });
   for (size_t i = 0; i < args.size(); ++i) {
     std::string const& arg = args[i];
     if (arg.size() < 2 || arg[0] != '-' || arg == "--") {
-      throw UsageError("Unexpected argument '" + arg + "'");
+      if (has_secret) {
+        throw UsageError("Unexpected argument number " + std::to_string(i + 1) +
+                         " after the command (not shown: this command takes secrets, and a "
+                         "value without its option may be one)");
+      }
+      throw UsageError("Unexpected argument " + Text::Quoted(arg));
     }
     bool is_long = arg[1] == '-';
     std::string name = arg.substr(is_long ? 2 : 1);
@@ -236,7 +255,7 @@ std::shared_ptr<CallSpec::Input> ParseParameters(CallSpec::InputSpec const& spec
       std::vector<std::string> names;
       for (auto const& candidate : spec.GetParameters()) names.push_back(Option(*candidate));
       std::string const typed = std::string(is_long ? "--" : "-") + name;
-      throw UsageError("Unknown parameter " + typed +
+      throw UsageError("Unknown parameter " + AsTyped(typed) +
                        (names.empty() ? ": this command takes no parameters"
                                       : "." + DidYouMean(is_long ? typed : "--" + name, names) +
                                             " Valid parameters: " + Join(names, ", ")));

@@ -39,10 +39,20 @@ std::vector<std::string> PluginSearchPath();
 
 // Loads every shared object (*.so) of each folder, in name order, folder by
 // folder; a file name already loaded from an earlier folder is passed over,
-// and so is a missing folder. A plug-in that cannot be loaded (or whose
-// entries fail) is skipped with one line on `warnings`; the others load.
+// and so is a missing folder. Only folders and files that belong to root or
+// to the user running toolbase, and that no one else may write, are used. A
+// plug-in that cannot be loaded, is not trusted, is a file already loaded
+// under another name, or whose registration fails or takes a word another
+// plug-in registered, is skipped with one line on `warnings` naming the file
+// and why; the others load.
 void LoadPlugins(std::vector<std::string> const& folders, AutoCli::NamespaceNode& root,
                  std::ostream& warnings);
+
+// Lets LoadPlugins survive a plug-in that crashes while it loads: the
+// process names it on standard error and starts again from `argv` (as main
+// received it) without that plug-in. Without this call such a crash ends the
+// process. Call before LoadPlugins, before anything is read or printed.
+void RestartWithoutCrashedPlugins(char** argv);
 
 // Loads every shared object of `directory` as above, but throws
 // std::runtime_error naming the file when one cannot be loaded or lacks the

@@ -107,4 +107,38 @@ std::size_t PrefixForWidth(std::string_view text, std::size_t width) {
   return at;
 }
 
+std::string Quoted(std::string_view text, std::size_t limit) {
+  std::string_view shown = text;
+  if (shown.size() > limit) {
+    std::size_t cut = limit;
+    while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80) --cut;
+    shown = text.substr(0, cut);
+  }
+  bool const valid = IsValidUtf8(shown);
+  std::string quoted = "'";
+  for (char const c : shown) {
+    auto const byte = static_cast<unsigned char>(c);
+    if (byte >= 0x20 && byte != 0x7F && (byte < 0x80 || valid)) {
+      quoted += c;
+    } else if (c == '\n') {
+      quoted += "\\n";
+    } else if (c == '\t') {
+      quoted += "\\t";
+    } else if (c == '\r') {
+      quoted += "\\r";
+    } else if (c == '\0') {
+      quoted += "\\0";
+    } else {
+      char const* const digits = "0123456789abcdef";
+      quoted += "\\x";
+      quoted += digits[byte >> 4];
+      quoted += digits[byte & 0xF];
+    }
+  }
+  if (shown.size() < text.size()) {
+    return quoted + "\u2026' (" + std::to_string(text.size()) + " bytes)";
+  }
+  return quoted + "'";
+}
+
 }  // namespace Toolbase::Text

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace Toolbase::Text {
@@ -19,5 +20,11 @@ std::size_t DisplayWidth(std::string_view text);
 // `width` columns; at least one character when `text` is not empty, so that a
 // caller cutting text into lines always makes progress.
 std::size_t PrefixForWidth(std::string_view text, std::size_t width);
+
+// `text` as a message shows a value the user gave, in single quotes: control
+// characters, NUL bytes and bytes that are not UTF-8 escaped (\n, \t, \0,
+// \xNN), and a value longer than `limit` bytes cut at a character boundary
+// with its full length said, e.g. 'aaaa…' (5000 bytes).
+std::string Quoted(std::string_view text, std::size_t limit = 60);
 
 }  // namespace Toolbase::Text

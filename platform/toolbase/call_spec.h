@@ -60,6 +60,10 @@ class ParameterSpec {
   static std::shared_ptr<ParameterSpec> New(std::string const& name, ParameterType type);
 
   void SetRequired(bool required) { required_ = required; }
+  // A secret (a key, a password): no message ever shows its value, and a
+  // command with one shows no stray argument either, which may be a secret
+  // that lost its option.
+  void SetSecret(bool secret) { secret_ = secret; }
   void SetShortName(char const* short_name);
   void SetDescription(char const* description);
   void SetDescription(std::string description);
@@ -70,6 +74,7 @@ class ParameterSpec {
   std::string const& GetName() const { return name_; }
   ParameterType GetType() const { return type_; }
   bool IsRequired() const { return required_; }
+  bool IsSecret() const { return secret_; }
   std::string const& GetShortName() const { return short_name_; }
   std::string const& GetDescription() const { return description_; }
   std::shared_ptr<ParameterConstraint> const& GetConstraint() const { return constraint_; }
@@ -79,6 +84,7 @@ class ParameterSpec {
   std::string name_;
   ParameterType type_;
   bool required_ = false;
+  bool secret_ = false;
   std::string short_name_;
   std::string description_;
   std::shared_ptr<ParameterConstraint> constraint_;

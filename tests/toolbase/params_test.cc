@@ -107,6 +107,10 @@ TEST(ParseParametersTest, RejectsBadLinesWithAClearMessage) {
       {{"-n"}, "Parameter --name needs a value"},
       {{"-n", "x", "-n", "y"}, "Parameter --name is given more than once"},
       {{"-n", "x", "stray"}, "Unexpected argument 'stray'"},
+      {{"-n", "x", std::string("a\0b\x1b", 4)}, "Unexpected argument 'a\\0b\\x1b'"},
+      {{"-n", "x", "--enabled", std::string(100, 'y')},
+       "Parameter --enabled expects true or false (also yes/no, 1/0), got "
+       "'yyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyyy\u2026' (100 bytes)"},
       {{"-n", "x", "--mtu", "15x"}, "Parameter --mtu expects an integer, got '15x'"},
       {{"-n", "x", "--mtu", ""}, "Parameter --mtu expects an integer, got ''"},
       {{"-n", "x", "--mtu", "99999999999999999999"},
@@ -136,6 +140,40 @@ TEST(ParseParametersTest, RejectsBadLinesWithAClearMessage) {
       EXPECT_EQ(std::string(error.what()), c.message);
     }
   }
+}
+
+TEST(ParseParametersTest, NeverShowsASecretValue) {
+  auto spec = InputSpec::New();
+  auto name = ParameterSpec::New("name", String);
+  spec->AddParameter(name);
+  auto key = ParameterSpec::New("key", String);
+  auto hex = ParameterConstraint::New(StringRegex);
+  hex->SetStringRegex("[0-9a-f]+");
+  key->SetConstraint(hex);
+  key->SetSecret(true);
+  spec->AddParameter(key);
+  struct Case {
+    std::vector<std::string> args;
+    char const* message;
+  };
+  std::vector<Case> cases = {
+      {{"--key", "SECRETzz"},
+       "Parameter --key value (secret, not shown) does not have the expected form"},
+      // A key whose option was forgotten is a stray word: not shown either.
+      {{"--name", "a", "SECRETzz"},
+       "Unexpected argument number 3 after the command (not shown: this command takes secrets, "
+       "and a value without its option may be one)"},
+  };
+  for (auto const& c : cases) {
+    SCOPED_TRACE(c.message);
+    try {
+      ParseParameters(*spec, c.args);
+      ADD_FAILURE() << "accepted";
+    } catch (UsageError const& error) {
+      EXPECT_EQ(std::string(error.what()), c.message);
+    }
+  }
+  EXPECT_EQ(ParseParameters(*spec, {"--key=00ff"})->GetParameter("key"), "00ff");
 }
 
 TEST(ExpandDescriptionTest, FillsValueListsFromTheConstraint) {

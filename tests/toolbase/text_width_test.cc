@@ -52,4 +52,24 @@ TEST(TextWidth, WideAndInvalidText) {
   EXPECT_EQ(PrefixForWidth("abcdef", 0), 1u);  // never an empty first piece
 }
 
+TEST(TextWidth, QuotedValuesAreEscapedAndCut) {
+  using Toolbase::Text::Quoted;
+  struct Case {
+    std::string text;
+    std::string quoted;
+  };
+  Case const cases[] = {
+      {"plain", "'plain'"},
+      {std::string("tab\tnl\ncr\rnul\0del\x7f", 18), "'tab\\tnl\\ncr\\rnul\\0del\\x7f'"},
+      {"bad\xff", "'bad\\xff'"},
+      {std::string(kAccent) + "ok", "'\xC3\xA9ok'"},
+      // Cut at 60 bytes, never inside a character.
+      {std::string(59, 'a') + kAccent, "'" + std::string(59, 'a') + "\u2026' (61 bytes)"},
+  };
+  for (auto const& row : cases) {
+    SCOPED_TRACE(row.quoted);
+    EXPECT_EQ(Quoted(row.text), row.quoted);
+  }
+}
+
 }  // namespace

@@ -79,7 +79,7 @@ TEST_F(BatchTest, FailingLastLineLeavesTheStateFileUntouched) {
            {"command error", "network vswitch standard add --vswitch-name vSwitch2", 1, ""},
            {"usage error", "network vswitch standard frobnicate", 2, "Unknown word 'frobnicate'"},
            {"open quote", "network vswitch standard list --vswitch-name 'vSwitch2", 2,
-            "unterminated quote"},
+            "the quote (') opened on line 12 is never closed"},
        }) {
     SCOPED_TRACE(c.name);
     std::string state = Seeded(c.name);
