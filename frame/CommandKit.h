@@ -15,14 +15,12 @@ class MetaObject;
 class MetaStruct;
 }  // namespace Toolbase::MetaObj
 
-// The members of a command class, written first inside its braces. The
-// constructor stays private: a command is made only by its static New(),
-// which links the node's self reference. The rest is public, and so is what
-// the class declares after it.
+// The members of a command class, written first inside its braces, all
+// public; what the class declares after it is public too. A command is made
+// only by its static New(), which links the node's self reference.
 #define NETWORK_COMMAND(Class)                                                      \
-  Class();                                                                          \
-                                                                                    \
  public:                                                                            \
+  Class();                                                                          \
   static std::shared_ptr<Class> New();                                              \
   ~Class() override;                                                                \
   std::shared_ptr<Toolbase::CallSpec::InputSpec> GetInputSpecInternal() override;   \
