@@ -8,7 +8,7 @@
 namespace HostCtl::Network {
 
 std::unique_ptr<VirtualSwitch> NetworkFactory::GetVirtualSwitchById(std::string const& name) {
-  OrvkCtl::Sim::CheckFault("NetworkFactory::GetVirtualSwitchById");
+  OrvkCtl::Sim::CheckFault(OrvkCtl::Sim::Operation::NetworkFactory_GetVirtualSwitchById);
   if (!OrvkCtl::Sim::FindStandardSwitch(OrvkCtl::Sim::ReadHost(OrvkCtl::Sim::kAreaVswitch).vswitch, name)) {
     throw Lib::HostCtlException("Virtual switch " + name + " not found");
   }
@@ -16,7 +16,7 @@ std::unique_ptr<VirtualSwitch> NetworkFactory::GetVirtualSwitchById(std::string 
 }
 
 std::unique_ptr<PortGroup> NetworkFactory::GetPortGroupByName(std::string const& name) {
-  OrvkCtl::Sim::CheckFault("NetworkFactory::GetPortGroupByName");
+  OrvkCtl::Sim::CheckFault(OrvkCtl::Sim::Operation::NetworkFactory_GetPortGroupByName);
   if (!OrvkCtl::Sim::FindPortGroup(OrvkCtl::Sim::ReadHost(OrvkCtl::Sim::kAreaVswitch).vswitch, name)) return nullptr;
   return std::make_unique<OrvkCtl::Network::PortGroupImpl>(name);
 }

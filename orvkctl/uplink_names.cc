@@ -16,7 +16,7 @@ bool IsPhysicalNic(HostModel const& host, std::string const& name) {
 namespace OrvkCtl::Network {
 
 bool PnicImpl::IsValidPnic(std::string const& name) {
-  Sim::CheckFault("PnicImpl::IsValidPnic");
+  Sim::CheckFault(Sim::Operation::PnicImpl_IsValidPnic);
   return Sim::IsPhysicalNic(Sim::ReadHost(Sim::kAreaNic), name);
 }
 

@@ -9,7 +9,7 @@ namespace OrvkCtl::Util {
 
 int OrvkCtl_Exec(std::string const& commandLine, bool, bool, bool) {
   try {
-    Sim::CheckFault("OrvkCtl_Exec");
+    Sim::CheckFault(Sim::Operation::Exec);
     Sim::ChangeHost(Sim::kAreaIp, [&](Sim::HostModel& host) {
       host.ip.executed_commands.push_back(commandLine);
     });

@@ -19,12 +19,12 @@ WorldImpl::WorldImpl(unsigned long id) : id_(id) {}
 WorldImpl::~WorldImpl() = default;
 
 void WorldImpl::Refresh() {
-  Sim::CheckFault("WorldImpl::Refresh");
+  Sim::CheckFault(Sim::Operation::WorldImpl_Refresh);
   ReadWorld(id_);
 }
 
 std::string WorldImpl::GetWorldName() {
-  Sim::CheckFault("WorldImpl::GetWorldName");
+  Sim::CheckFault(Sim::Operation::WorldImpl_GetWorldName);
   return ReadWorld(id_).name;
 }
 
