@@ -1,7 +1,7 @@
 // Open sockets of the simulated host's netstack instances, and the names of
 // the worlds that own them.
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/network_info.h"
 #include "hostctl/resource.h"
 

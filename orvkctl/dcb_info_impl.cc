@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/dcb.h"
 
 namespace OrvkCtl::Network {

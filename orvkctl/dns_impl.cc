@@ -5,8 +5,8 @@
 #include <cctype>
 
 #include "fault.h"
+#include "host_backend.h"
 #include "host_rules.h"
-#include "host_store.h"
 #include "hostctl/dns.h"
 #include "hostctl/network_types.h"
 

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/dvswitch.h"
 #include "hostctl/network_info.h"
 #include "hostctl/port.h"

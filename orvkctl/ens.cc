@@ -4,7 +4,7 @@
 #include <string>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/network_info.h"
 
 namespace HostCtl::Network {

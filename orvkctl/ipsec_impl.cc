@@ -4,8 +4,8 @@
 #include <cctype>
 
 #include "fault.h"
+#include "host_backend.h"
 #include "host_rules.h"
-#include "host_store.h"
 #include "hostctl/ipsec.h"
 
 namespace OrvkCtl::Network {

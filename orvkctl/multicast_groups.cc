@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/network_info.h"
 #include "hostctl/orvk_nic.h"
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/routing.h"
 
 namespace OrvkCtl::Network {

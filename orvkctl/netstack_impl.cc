@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/netstack.h"
 #include "hostctl/network_info.h"
 

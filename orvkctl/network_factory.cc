@@ -1,6 +1,6 @@
 // The network factory's look-ups of switches and port groups.
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/network_info.h"
 #include "hostctl/port_group_impl.h"
 #include "hostctl/virtual_switch.h"

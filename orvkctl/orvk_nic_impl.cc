@@ -5,8 +5,8 @@
 #include <regex>
 
 #include "fault.h"
+#include "host_backend.h"
 #include "host_rules.h"
-#include "host_store.h"
 #include "hostctl/orvk_nic.h"
 #include "hostctl/port_group_impl.h"
 

@@ -9,8 +9,8 @@
 #include <string>
 
 #include "fault.h"
+#include "host_backend.h"
 #include "host_rules.h"
-#include "host_store.h"
 #include "hostctl/pnic.h"
 
 namespace OrvkCtl::Network {

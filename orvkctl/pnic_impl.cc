@@ -2,8 +2,8 @@
 #include <iterator>
 
 #include "fault.h"
+#include "host_backend.h"
 #include "host_rules.h"
-#include "host_store.h"
 #include "hostctl/pnic.h"
 #include "hostctl/port.h"
 

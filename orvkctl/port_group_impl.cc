@@ -2,7 +2,7 @@
 #include "hostctl/port_group_impl.h"
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/network_info.h"
 #include "hostctl/virtual_switch.h"
 #include "vswitch_policy.h"

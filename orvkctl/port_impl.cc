@@ -1,7 +1,7 @@
 // Switch ports of the simulated host, with their counters and filters.
 #include "fault.h"
+#include "host_backend.h"
 #include "host_rules.h"
-#include "host_store.h"
 #include "hostctl/port.h"
 #include "hostctl/virtual_switch.h"
 

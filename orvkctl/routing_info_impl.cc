@@ -2,7 +2,7 @@
 #include <functional>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/routing.h"
 
 namespace OrvkCtl::Network {

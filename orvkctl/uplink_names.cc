@@ -1,7 +1,7 @@
 // Whether a name is that of a physical NIC: the test behind every uplink name
 // a switch takes.
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/pnic.h"
 #include "vswitch_policy.h"
 

@@ -4,7 +4,7 @@
 #include <set>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/portset.h"
 
 namespace HostCtl::Network {

@@ -1,7 +1,7 @@
 // Host programs: the simulated host records the command lines it is asked to
 // run. A fault injected for "OrvkCtl_Exec" makes the run fail with status 1.
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/lib.h"
 #include "hostctl/util.h"
 

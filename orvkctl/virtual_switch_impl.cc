@@ -2,8 +2,8 @@
 #include <algorithm>
 
 #include "fault.h"
+#include "host_backend.h"
 #include "host_rules.h"
-#include "host_store.h"
 #include "hostctl/dvswitch.h"
 #include "hostctl/orvk_nic.h"
 #include "hostctl/port_group_impl.h"

@@ -1,6 +1,6 @@
 // Worlds of the simulated host: the VMs that lead switch ports.
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/world.h"
 
 namespace OrvkCtl::Resource {
