@@ -1,5 +1,8 @@
 #include "host_backend.h"
 
+#include <stdlib.h>
+#include <sys/stat.h>
+
 #include <memory>
 #include <string>
 
@@ -37,5 +40,19 @@ void OrvkCtl_RollbackToSavepoint() { OrvkCtl::Sim::Backend().RollbackToSavepoint
 const char* OrvkCtl_CommitTransaction() { return Message(OrvkCtl::Sim::Backend().CommitTransaction()); }
 
 void OrvkCtl_AbortTransaction() { OrvkCtl::Sim::Backend().AbortTransaction(); }
+
+const char* OrvkCtl_SetHostState(const char* path) {
+  std::string const name = path ? path : "";
+  if (name.empty()) return Message("Option --host-state needs a file path, got an empty one");
+  struct stat info {};
+  if (stat(name.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) {
+    return Message("Option --host-state needs a file path, but " + name + " is a folder");
+  }
+  // StatePath() and the default-path checks read the variable.
+  setenv("TOOLBASE_HOST_STATE", name.c_str(), 1);
+  return nullptr;
+}
+
+void OrvkCtl_ReadOnly() { OrvkCtl::Sim::Backend().SetReadOnly(); }
 
 }  // extern "C"

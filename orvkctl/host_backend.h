@@ -59,7 +59,13 @@ class HostBackend {
   virtual std::string CommitTransaction() = 0;
   virtual void AbortTransaction() = 0;
 
-  // Forgets what was loaded and ends any transaction, so that the next Load
+  // From now on nothing is stored: a change outside a transaction throws
+  // HostCtlException, one inside stays in memory and CommitTransaction
+  // refuses it; the state file backend makes no lock file and does not seed
+  // a missing file (it reads as the default host).
+  virtual void SetReadOnly() = 0;
+
+  // Forgets what was loaded, ends any transaction and the read-only mode, so that the next Load
   // reads the host again (for tests, which also change the state's path).
   virtual void Reset() = 0;
 };

@@ -56,6 +56,8 @@ struct Store {
   bool changed_in_transaction = false;
   Snapshot begin;
   Snapshot savepoint;
+  // Only read: no lock, no seeded file, no change (SetReadOnly).
+  bool read_only = false;
 };
 
 Store& TheStore() {
@@ -327,14 +329,16 @@ void Read(Store& store, AreaSet areas) {
 void Open(Store& store, AreaSet areas = 0) {
   if (store.open) return;
   store.path = StatePath();
-  if (store.lock_fd < 0) Lock(store);
-  RemoveStaleTemporaries(store.path);
+  if (store.lock_fd < 0 && !store.read_only) Lock(store);
+  if (!store.read_only) RemoveStaleTemporaries(store.path);
   struct stat info {};
   if (stat(store.path.c_str(), &info) != 0 && errno == ENOENT) {
     HostModel host = DefaultHost();
-    HostDocument document;
-    document.text = HostToJson(host);
-    Save(store, std::move(document));
+    if (!store.read_only) {
+      HostDocument document;
+      document.text = HostToJson(host);
+      Save(store, std::move(document));
+    }
     Replace(store, {std::move(host), kAreaAll});
   } else {
     try {
@@ -401,11 +405,15 @@ class StateFileBackend final : public HostBackend {
   void RollbackToSavepoint() override;
   std::string CommitTransaction() override;
   void AbortTransaction() override;
+  void SetReadOnly() override;
   void Reset() override;
 };
 
 void StateFileBackend::Commit(AreaSet areas, std::function<void(HostModel&)> const& change) {
   Store& store = TheStore();
+  if (store.read_only && !store.in_transaction) {
+    throw HostCtlException("The host is only read here; nothing was changed");
+  }
   HostModel& host = Loaded(areas);
   if (store.in_transaction) {
     // The host holds the transaction's changes, which the file does not: a
@@ -458,6 +466,7 @@ void StateFileBackend::Commit(AreaSet areas, std::function<void(HostModel&)> con
 void StateFileBackend::Reset() {
   Store& store = TheStore();
   store.open = false;
+  store.read_only = false;
   Replace(store, {});  // the parses point into the texts
   CloseFile(store);
   store.texts.clear();
@@ -500,6 +509,10 @@ std::string StateFileBackend::CommitTransaction() {
   if (!store.in_transaction) return {};
   store.in_transaction = false;
   if (!store.changed_in_transaction) return {};
+  if (store.read_only) {
+    Replace(store, store.begin);
+    return "The host is only read here; no change was written";
+  }
   try {
     Save(store, Compose(store, store.current.host, store.current.loaded));
   } catch (std::exception const& error) {
@@ -508,6 +521,8 @@ std::string StateFileBackend::CommitTransaction() {
   }
   return {};
 }
+
+void StateFileBackend::SetReadOnly() { TheStore().read_only = true; }
 
 void StateFileBackend::AbortTransaction() {
   Store& store = TheStore();

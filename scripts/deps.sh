@@ -4,7 +4,7 @@
 # and packaging take the second list as well.
 BUILD_PACKAGES=(cmake g++ make pkg-config nlohmann-json3-dev rapidjson-dev libboost-regex-dev
                 ccache)
-TEST_PACKAGES=(libgtest-dev libgmock-dev libbenchmark-dev dpkg-dev clang libclang-rt-14-dev)
+TEST_PACKAGES=(libgtest-dev libgmock-dev libbenchmark-dev dpkg-dev clang libclang-rt-14-dev lintian man-db)
 
 # ensure_deps [build]: every package, or with "build" the first list only.
 ensure_deps() {

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs what is missing, then builds and runs every test twice: a normal
 # build in build/, and one under AddressSanitizer and UndefinedBehaviorSanitizer
-# in build-asan/, then a short run of every fuzz target.
+# in build-asan/, then a short run of every fuzz target. Between the two, the
+# Debian packages are built, checked, installed and purged.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/deps.sh
@@ -10,6 +11,8 @@ jobs=$(nproc)
 
 build_into build -DCMAKE_BUILD_TYPE=RelWithDebInfo -DTOOLBASE_TESTS=ON -DTOOLBASE_BENCH=ON
 (cd build && ctest --output-on-failure -j"$jobs")
+# The Debian packages: lintian, install, a command, purge (needs root).
+bash scripts/package_test.sh build .
 
 build_into build-asan -DCMAKE_BUILD_TYPE=Debug -DTOOLBASE_SANITIZE=ON -DTOOLBASE_BENCH=OFF
 (cd build-asan &&

@@ -1,7 +1,5 @@
 #include "batch.h"
 
-#include <dlfcn.h>
-
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -10,45 +8,11 @@
 #include <sstream>
 
 #include "cli.h"
+#include "format.h"
+#include "toolbase/meta_obj.h"
 
 namespace Toolbase::Cli {
 namespace {
-
-// The host library's transaction entries (hostctl/transaction.h), found
-// through the plug-ins that link it. The framework does not link it itself.
-struct Transaction {
-  using Step = void (*)();
-  using Checked = char const* (*)();
-  Checked begin = nullptr;
-  Step savepoint = nullptr;
-  Step rollback = nullptr;
-  Checked commit = nullptr;
-  Step abort = nullptr;
-
-  bool Complete() const { return begin && savepoint && rollback && commit && abort; }
-};
-
-// The entries of every loaded plug-in that has all five, each library once
-// (plug-ins that link the same library resolve to the same functions).
-std::vector<Transaction> FindTransactions() {
-  std::vector<Transaction> found;
-  for (auto const& plugin : LoadedPlugins()) {
-    Transaction hooks;
-    hooks.begin = reinterpret_cast<Transaction::Checked>(
-        dlsym(plugin.handle, "OrvkCtl_BeginTransaction"));
-    hooks.savepoint = reinterpret_cast<Transaction::Step>(dlsym(plugin.handle, "OrvkCtl_Savepoint"));
-    hooks.rollback =
-        reinterpret_cast<Transaction::Step>(dlsym(plugin.handle, "OrvkCtl_RollbackToSavepoint"));
-    hooks.commit = reinterpret_cast<Transaction::Checked>(
-        dlsym(plugin.handle, "OrvkCtl_CommitTransaction"));
-    hooks.abort = reinterpret_cast<Transaction::Step>(dlsym(plugin.handle, "OrvkCtl_AbortTransaction"));
-    if (!hooks.Complete()) continue;
-    bool known = false;
-    for (auto const& other : found) known = known || other.begin == hooks.begin;
-    if (!known) found.push_back(hooks);
-  }
-  return found;
-}
 
 // One command of the batch: its words and the line it starts on.
 struct BatchLine {
@@ -82,26 +46,43 @@ bool ReadCommand(std::istream& in, int& line_number, BatchLine& command) {
   return true;
 }
 
-bool NamesHostState(std::vector<std::string> const& words) {
-  for (auto const& word : words) {
-    if (word == "--host-state" || word.rfind("--host-state=", 0) == 0) return true;
-  }
-  return false;
+std::string Joined(std::vector<std::string> const& words) {
+  std::string text;
+  for (auto const& word : words) text += (text.empty() ? "" : " ") + word;
+  return text;
 }
 
-// Indents every line of `text` by two blanks and drops its final newline.
-std::string AsArrayElement(std::string const& text) {
-  if (text.empty()) return "  null";
-  std::string element = "  ";
-  for (size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '\n') {
-      if (i + 1 == text.size()) break;
-      element += "\n  ";
-    } else {
-      element += text[i];
+std::vector<std::string> Lines(std::string const& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) lines.push_back(line);
+  return lines;
+}
+
+// One line as run: what its document entry tells, and how it prints.
+struct Ran {
+  Format::BatchEntry entry;
+  LineOutcome outcome;
+};
+
+// Prints the lines one after the other as each prints on its own, except
+// that a result of true that was not applied prints as false.
+void PrintLines(std::vector<Ran> const& lines, std::ostream& out) {
+  Format::Options format_options;
+  format_options.width = OutputWidth(out);
+  for (auto const& [entry, outcome] : lines) {
+    auto result = entry.result;
+    if (!result) {
+      out << entry.text;
+      continue;
     }
+    if (outcome.quiet_success) continue;
+    if (!entry.applied && result->GetKind() == MetaObj::Kind::Bool &&
+        static_cast<MetaObj::MetaBool const&>(*result).GetValue()) {
+      result = MetaObj::MetaBool::New(false);
+    }
+    Format::Print(outcome.formatter, result, outcome.directives, format_options, out);
   }
-  return element;
 }
 
 }  // namespace
@@ -172,72 +153,81 @@ int RunBatch(BatchOptions const& options, std::istream& standard_input,
     }
     in = &file;
   }
-  auto transactions = FindTransactions();
+  auto transactions = PluginTransactions();
   if (transactions.empty()) {
-    err << "Error: --batch needs a plug-in whose host library can hold changes back; none of "
-           "the loaded plug-ins can\n";
+    err << "Error: --batch needs a plug-in that can hold changes back; none of the loaded "
+           "plug-ins can\n";
     return kUsageError;
   }
-  for (size_t i = 0; i < transactions.size(); ++i) {
-    if (char const* failure = transactions[i].begin()) {
-      for (size_t j = 0; j < i; ++j) transactions[j].abort();
-      err << "Error: " << failure << '\n';
-      return kCommandError;
-    }
+  if (char const* failure = BeginTransactions(transactions, options.dry_run)) {
+    err << "Error: " << failure << '\n';
+    return kCommandError;
   }
   auto each = [&](auto step) {
     for (auto const& hooks : transactions) (hooks.*step)();
   };
 
-  bool json = options.formatter == "json";
-  std::vector<std::string> elements;
+  std::vector<Ran> lines;
   int status = kSuccess;
   int line_number = 0;
   BatchLine command;
   while (ReadCommand(*in, line_number, command)) {
-    if (options.keep_going) each(&Transaction::savepoint);
+    if (options.keep_going) each(&AutoCli::Transaction::savepoint);
+    Ran& ran = lines.emplace_back();
+    ran.entry.line = command.number;
+    ran.entry.command = Joined(command.words);
+    ran.outcome.batch_formatter = options.formatter;
     std::ostringstream line_out;
+    std::ostringstream line_err;
     int line_status;
     if (!command.complete) {
-      err << "Error: unterminated quote or trailing backslash\n";
-      line_status = kUsageError;
-    } else if (NamesHostState(command.words)) {
-      // The host is loaded once for the whole batch, from one file.
-      err << "Error: --host-state cannot stand on a batch line; give it before --batch\n";
+      line_err << "Error: unterminated quote or trailing backslash\n";
       line_status = kUsageError;
     } else {
-      std::vector<std::string> args;
-      if (!options.formatter.empty()) args = {"--formatter", options.formatter};
-      args.insert(args.end(), command.words.begin(), command.words.end());
-      line_status = RunBatchLine(args, root, json ? line_out : out, err);
+      line_status = RunBatchLine(command.words, root, line_out, line_err, ran.outcome);
     }
-    if (json) elements.push_back(AsArrayElement(line_out.str()));
+    err << line_err.str();
+    ran.entry.status = line_status;
+    ran.entry.result = ran.outcome.result;
+    ran.entry.text = line_out.str();
+    ran.entry.messages = Lines(line_err.str());
+    // Applied unless it fails or the batch is not written (settled below).
+    ran.entry.applied = line_status == kSuccess;
     if (line_status == kSuccess) continue;
     if (!options.keep_going) {
       status = line_status;
       break;
     }
-    each(&Transaction::rollback);
+    each(&AutoCli::Transaction::rollback);
     err << "Error: batch line " << command.number << " failed; its changes were not applied.\n";
     if (status == kSuccess) status = line_status;
   }
 
-  if (json) {
-    out << '[';
-    for (size_t i = 0; i < elements.size(); ++i) out << (i ? ",\n" : "\n") << elements[i];
-    out << (elements.empty() ? "]\n" : "\n]\n");
-  }
-  if (status != kSuccess && !options.keep_going) {
-    each(&Transaction::abort);
-    err << "Error: batch line " << command.number
-        << " failed; no change of the batch was applied.\n";
-    return status;
-  }
-  for (auto const& hooks : transactions) {
-    if (char const* failure = hooks.commit()) {
-      err << "Error: " << failure << '\n';
-      return kCommandError;
+  bool written = false;
+  if (options.dry_run || (status != kSuccess && !options.keep_going)) {
+    each(&AutoCli::Transaction::abort);
+    if (!options.dry_run) {
+      err << "Error: batch line " << command.number
+          << " failed; no change of the batch was applied.\n";
     }
+  } else {
+    written = true;
+    for (auto const& hooks : transactions) {
+      if (char const* failure = hooks.commit()) {
+        err << "Error: " << failure << '\n';
+        status = kCommandError;
+        written = false;
+      }
+    }
+  }
+  for (auto& ran : lines) ran.entry.applied = ran.entry.applied && written;
+
+  if (Format::IsDocumentFormatter(options.formatter)) {
+    std::vector<Format::BatchEntry> entries;
+    for (auto const& ran : lines) entries.push_back(ran.entry);
+    Format::PrintBatch(options.formatter, entries, out);
+  } else {
+    PrintLines(lines, out);
   }
   return status;
 }

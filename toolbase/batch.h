@@ -22,20 +22,27 @@ namespace Toolbase::Cli {
 bool SplitWords(std::string const& text, std::vector<std::string>& words);
 
 struct BatchOptions {
-  // Global options every line inherits (a line's own come after them).
+  // The formatter of every line: json and xml print the batch as one
+  // document; the others print each line as it prints on its own (a line may
+  // name its own simple, table or csv).
   std::string formatter;
   // "-": standard input.
   std::string file;
   // Run every line; keep the changes of each line that succeeds.
   bool keep_going = false;
+  // Run and print everything, write nothing.
+  bool dry_run = false;
 };
 
 // Runs the lines of `options.file` (one command a line; blank lines and
-// comments skipped) against `root`. Without keep_going the first failing line
-// stops the batch, nothing of it reaches the host's state file, and its status
-// is returned; else every line runs on its own, all or nothing, and the status
-// of the first failing line is returned. With the json formatter the outputs
-// form one JSON array, an element per line (null for a line without output).
+// comments skipped) against `root`, inside the transactions of the loaded
+// plug-ins. Without keep_going the first failing line stops the batch,
+// nothing of it is written, and its status is returned; else every line runs
+// on its own, all or nothing, and the status of the first failing line is
+// returned. Messages go to `err` as each line runs; results are printed when
+// the batch is over, when it is known what was applied: as one document
+// (Format::PrintBatch) for json and xml, else line by line, a result of true
+// printed as false for a line whose changes were not applied.
 int RunBatch(BatchOptions const& options, std::istream& standard_input,
              AutoCli::NamespaceNode& root, std::ostream& out, std::ostream& err);
 

@@ -1,7 +1,6 @@
 #include "cli.h"
 
-#include <dlfcn.h>
-#include <sys/stat.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -18,6 +17,8 @@
 #include "completion.h"
 #include "format.h"
 #include "help.h"
+#include "manual.h"
+#include "options.h"
 #include "params.h"
 #include "toolbase/auto_cli.h"
 #include "toolbase/call_spec.h"
@@ -31,10 +32,9 @@ using AutoCli::NamespaceNode;
 // Options that stand before the command's words.
 struct GlobalOptions {
   std::string formatter;
-  std::string host_state;
-  bool host_state_given = false;
   bool help = false;
   bool list_commands = false;
+  bool dry_run = false;
   // Workflow options: a batch file, the completion script, the version, and
   // the candidates the completion script asks for (all words after it).
   std::string batch;
@@ -42,17 +42,18 @@ struct GlobalOptions {
   std::string completion;
   bool version = false;
   bool complete = false;
+  bool describe = false;
+  // The folder to write the manual pages into (used by the build).
+  std::string manual_folder;
   std::vector<std::string> complete_words;
+  // The plug-ins' own options, in the order given.
+  std::vector<std::pair<AutoCli::GlobalOption const*, std::string>> plugin_values;
 
   bool Workflow() const {
-    return !batch.empty() || batch_continue || !completion.empty() || version || complete;
+    return !batch.empty() || batch_continue || !completion.empty() || version || complete ||
+           !manual_folder.empty();
   }
 };
-
-std::vector<LoadedPlugin>& Plugins() {
-  static std::vector<LoadedPlugin> plugins;
-  return plugins;
-}
 
 std::string JoinWords(std::list<std::string> const& words) {
   std::string text;
@@ -60,8 +61,21 @@ std::string JoinWords(std::list<std::string> const& words) {
   return text;
 }
 
+// The names of every global option, "--" included, for suggestions.
+std::vector<std::string> GlobalOptionNames() {
+  std::vector<std::string> names;
+  for (auto const& option : kFrameworkOptions) names.push_back(std::string("--") + option.name);
+  for (auto const& plugin : LoadedPlugins()) {
+    for (auto const& option : plugin.options) names.push_back(std::string("--") + option.name);
+  }
+  return names;
+}
+
+// The name of an option argument: "--name" of "--name" or "--name=value".
+std::string OptionName(std::string const& arg) { return arg.substr(0, arg.find('=')); }
+
 // Takes the global options from the front of `args`; returns the index of the
-// first argument that is not one.
+// first argument that is not one. An unknown option there is a usage error.
 size_t ParseGlobalOptions(std::vector<std::string> const& args, GlobalOptions& options) {
   size_t i = 0;
   auto value_of = [&](std::string const& name) -> std::string {
@@ -72,56 +86,67 @@ size_t ParseGlobalOptions(std::vector<std::string> const& args, GlobalOptions& o
   };
   for (; i < args.size(); ++i) {
     std::string const& arg = args[i];
+    if (arg.empty() || arg[0] != '-') break;
+    std::string const name = OptionName(arg);
+    AutoCli::GlobalOption const* plugin_option =
+        name.rfind("--", 0) == 0 ? FindPluginOption(name.substr(2)) : nullptr;
     if (arg == "--help" || arg == "-h") {
       options.help = true;
     } else if (arg == "--list-commands") {
       options.list_commands = true;
-    } else if (arg.rfind("--formatter", 0) == 0 && (arg.size() == 11 || arg[11] == '=')) {
-      options.formatter = value_of("--formatter");
-    } else if (arg.rfind("--host-state", 0) == 0 && (arg.size() == 12 || arg[12] == '=')) {
-      options.host_state = value_of("--host-state");
-      options.host_state_given = true;
-    } else if (arg == "--batch" || arg.rfind("--batch=", 0) == 0) {
-      options.batch = value_of("--batch");
+    } else if (arg == "--dry-run") {
+      options.dry_run = true;
+    } else if (name == "--formatter") {
+      options.formatter = value_of(name);
+    } else if (name == "--batch") {
+      options.batch = value_of(name);
       if (options.batch.empty()) throw UsageError("Option --batch needs a file name or -");
     } else if (arg == "--batch-continue") {
       options.batch_continue = true;
-    } else if (arg == "--completion" || arg.rfind("--completion=", 0) == 0) {
-      options.completion = value_of("--completion");
+    } else if (name == "--completion") {
+      options.completion = value_of(name);
+    } else if (name == "--manual-pages") {
+      options.manual_folder = value_of(name);
     } else if (arg == "--version") {
       options.version = true;
     } else if (arg == "--complete") {
       options.complete = true;
-      size_t first = i + 1 < args.size() && args[i + 1] == "--" ? i + 2 : i + 1;
+      size_t first = i + 1;
+      if (first < args.size() && args[first] == "--describe") {
+        options.describe = true;
+        ++first;
+      }
+      if (first < args.size() && args[first] == "--") ++first;
       options.complete_words.assign(args.begin() + static_cast<long>(first), args.end());
       return args.size();
+    } else if (plugin_option) {
+      options.plugin_values.emplace_back(plugin_option, value_of(name));
     } else {
-      break;
+      throw UsageError("Unknown option '" + name + "'." + DidYouMean(name, GlobalOptionNames()) +
+                       " Run 'toolbase --help' for the options.");
     }
   }
   return i;
 }
 
-// A state path must name a file (which need not exist yet): an empty one
-// would silently fall back to the user's default host.
-void CheckHostStatePath(std::string const& path) {
-  if (path.empty()) throw UsageError("Option --host-state needs a file path, got an empty one");
-  struct stat info {};
-  if (stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) {
-    throw UsageError("Option --host-state needs a file path, but " + path + " is a folder");
+// Hands each plug-in option to its plug-in; throws UsageError with the
+// plug-in's message for a value it refuses.
+void ApplyPluginOptions(GlobalOptions const& options) {
+  for (auto const& [option, value] : options.plugin_values) {
+    if (char const* problem = option->apply(value.c_str())) throw UsageError(problem);
   }
 }
 
 // The paths of the commands under `node`, whose own path is `prefix`.
 void CollectCommands(NamespaceNode& node, std::string const& prefix,
                      std::vector<std::string>& paths) {
+  if (node.GetType() == AutoCli::NodeType::Command) {
+    paths.push_back(prefix);
+    return;
+  }
   for (auto const& child : node.GetNamespaceNodes()) {
-    std::string path = prefix.empty() ? child->GetName() : prefix + ' ' + child->GetName();
-    if (child->GetType() == AutoCli::NodeType::Command) {
-      paths.push_back(std::move(path));
-    } else {
-      CollectCommands(*child, path, paths);
-    }
+    CollectCommands(*child, prefix.empty() ? child->GetName() : prefix + ' ' + child->GetName(),
+                    paths);
   }
 }
 
@@ -129,7 +154,8 @@ void CollectCommands(NamespaceNode& node, std::string const& prefix,
 std::string UnknownFormatter(std::string const& name) {
   std::string names;
   for (auto const& known : Format::FormatterNames()) names += (names.empty() ? "" : ", ") + known;
-  return "Unknown formatter '" + name + "'. Valid formatters: " + names;
+  return "Unknown formatter '" + name + "'." + DidYouMean(name, Format::FormatterNames()) +
+         " Valid formatters: " + names;
 }
 
 // True when `args` asks for help: --help anywhere, or -h unless the command
@@ -158,8 +184,45 @@ void PrintMessages(std::vector<std::string> const& messages, std::ostream& err) 
   }
 }
 
+// Runs `body` inside a transaction of every plug-in that offers one, and
+// drops every change afterwards. A plug-in that cannot begin fails the run.
+int WithoutWriting(std::function<int()> const& body, std::ostream& err) {
+  auto transactions = PluginTransactions();
+  if (transactions.empty()) {
+    return Usage("--dry-run needs a plug-in that can hold changes back; none of the loaded "
+                 "plug-ins can", "", err);
+  }
+  if (char const* failure = BeginTransactions(transactions, true)) {
+    err << "Error: " << failure << '\n';
+    return kCommandError;
+  }
+  int status = body();
+  for (auto const& transaction : transactions) transaction.abort();
+  return status;
+}
+
+// Where a line runs: on its own (`outcome` null) or in a batch.
+struct LineContext {
+  LineOutcome* outcome = nullptr;
+};
+
+// The formatter a line prints with: in a batch that prints one JSON or XML
+// document, the batch's (a line's own cannot break the document); else the
+// line's own, the batch's, or the command's default (empty: simple).
+std::string ChooseFormatter(std::string const& own, LineContext const& context) {
+  if (!context.outcome) return own;
+  std::string const& batch = context.outcome->batch_formatter;
+  if (batch == "json" || batch == "xml") return batch;
+  if (own == "json" || own == "xml") {
+    throw UsageError("A batch prints one document: give --formatter " + own +
+                     " before --batch, not on a line");
+  }
+  return own.empty() ? batch : own;
+}
+
 int RunCommand(AutoCli::Command& command, std::vector<std::string> const& args,
-               GlobalOptions const& global, std::ostream& out, std::ostream& err) {
+               GlobalOptions const& global, LineContext const& context, std::ostream& out,
+               std::ostream& err) {
   std::string path = command.GetPathString(' ');
   auto spec = command.GetInputSpec();
   // Global options may also follow the words, unless the command has a
@@ -167,131 +230,95 @@ int RunCommand(AutoCli::Command& command, std::vector<std::string> const& args,
   GlobalOptions options = global;
   std::vector<std::string> own;
   std::shared_ptr<CallSpec::Input> input;
+  std::string formatter;
   try {
     for (size_t i = 0; i < args.size(); ++i) {
       std::string const& arg = args[i];
-      std::string* target = nullptr;
-      std::string name;
-      for (auto [option, field] : {std::pair{"formatter", &options.formatter},
-                                   std::pair{"host-state", &options.host_state}}) {
-        std::string flag = std::string("--") + option;
-        if ((arg == flag || arg.rfind(flag + "=", 0) == 0) && !spec->FindParameter(option)) {
-          target = field;
-          name = flag;
-          if (field == &options.host_state) options.host_state_given = true;
-        }
-      }
-      if (!target) {
+      std::string const name = OptionName(arg);
+      std::string const bare = name.rfind("--", 0) == 0 ? name.substr(2) : "";
+      auto const* plugin_option = bare.empty() ? nullptr : FindPluginOption(bare);
+      bool const global_option =
+          (bare == "formatter" || bare == "dry-run" || plugin_option) && !spec->FindParameter(bare);
+      if (!global_option) {
         own.push_back(arg);
-      } else if (arg.size() > name.size()) {
-        *target = arg.substr(name.size() + 1);
+        continue;
+      }
+      if (bare == "dry-run") {
+        if (arg != name) throw UsageError("Option --dry-run takes no value");
+        options.dry_run = true;
+        continue;
+      }
+      std::string value;
+      if (arg.size() > name.size()) {
+        value = arg.substr(name.size() + 1);
       } else if (i + 1 < args.size()) {
-        *target = args[++i];
+        value = args[++i];
       } else {
         throw UsageError("Option " + name + " needs a value");
+      }
+      if (plugin_option) {
+        options.plugin_values.emplace_back(plugin_option, value);
+      } else {
+        options.formatter = value;
       }
     }
     if (!options.formatter.empty() && !Format::IsFormatter(options.formatter)) {
       throw UsageError(UnknownFormatter(options.formatter));
     }
-    if (options.host_state_given) CheckHostStatePath(options.host_state);
+    if (context.outcome && !options.plugin_values.empty()) {
+      throw UsageError("--" + std::string(options.plugin_values.front().first->name) +
+                       " cannot stand on a batch line; give it before --batch");
+    }
+    if (context.outcome && options.dry_run) {
+      throw UsageError("--dry-run cannot stand on a batch line; give it before --batch");
+    }
+    formatter = ChooseFormatter(options.formatter, context);
     input = ParseParameters(*spec, own);
+    ApplyPluginOptions(options);
   } catch (UsageError const& error) {
     return Usage(error.what(), path, err);
   }
-  if (!options.host_state.empty()) setenv("TOOLBASE_HOST_STATE", options.host_state.c_str(), 1);
 
   auto output = CallSpec::Output::New();
-  try {
-    command.Execute(input, output);
-  } catch (std::exception const& error) {
-    // The command failed outside its own handling: its partial result is not shown.
-    PrintMessages(output->GetErrorMessages(), err);
-    err << "Error: " << error.what() << '\n';
-    return kCommandError;
-  }
+  auto execute = [&]() -> int {
+    try {
+      command.Execute(input, output);
+    } catch (std::exception const& error) {
+      // The command failed outside its own handling: its partial result is not shown.
+      PrintMessages(output->GetErrorMessages(), err);
+      err << "Error: " << error.what() << '\n';
+      return kCommandError;
+    }
+    return kSuccess;
+  };
+  int const status = options.dry_run ? WithoutWriting(execute, err) : execute();
+  if (status != kSuccess) return status;
 
   auto const& root = output->GetRootObject();
-  std::string formatter = options.formatter;
   if (formatter.empty()) formatter = command.GetDefaultOutputFormatter();
   bool quiet_success = formatter.empty() && root &&
                        root->GetKind() == MetaObj::Kind::Bool &&
                        static_cast<MetaObj::MetaBool const&>(*root).GetValue();
   if (formatter.empty()) formatter = "simple";
-  if (root && !quiet_success) {
+  if (context.outcome) {
+    context.outcome->result = root;
+    context.outcome->directives = command.GetDefaultOutputParameters();
+    context.outcome->formatter = formatter;
+    context.outcome->quiet_success = quiet_success;
+  } else if (root && !quiet_success) {
     Format::Options format_options;
-    if (char const* columns = std::getenv("COLUMNS")) {
-      format_options.width = std::max(40, std::atoi(columns));
-    }
+    format_options.width = OutputWidth(out);
     Format::Print(formatter, root, command.GetDefaultOutputParameters(), format_options, out);
   }
   PrintMessages(output->GetErrorMessages(), err);
   return output->HasError() ? kCommandError : kSuccess;
 }
 
-}  // namespace
-
-std::shared_ptr<NamespaceNode> NewRoot() { return AutoCli::Namespace::New(); }
-
-void LoadPlugins(std::string const& directory, NamespaceNode& root) {
-  std::vector<std::filesystem::path> files;
-  std::error_code error;
-  for (auto const& entry : std::filesystem::directory_iterator(directory, error)) {
-    if (entry.path().extension() == ".so") files.push_back(entry.path());
-  }
-  if (error) {
-    throw std::runtime_error("cannot read plug-in folder " + directory + ": " + error.message());
-  }
-  std::sort(files.begin(), files.end());
-  for (auto const& file : files) {
-    void* handle = dlopen(file.c_str(), RTLD_LAZY | RTLD_LOCAL);
-    if (!handle) throw std::runtime_error("cannot load plug-in " + file.string() + ": " + dlerror());
-    auto entry = reinterpret_cast<AutoCliRegisterNamespacesFn>(
-        dlsym(handle, "AutoCli_RegisterNamespaces"));
-    if (!entry) {
-      throw std::runtime_error("plug-in " + file.string() + " has no AutoCli_RegisterNamespaces");
-    }
-    auto before = root.GetNamespaceNodeNames();
-    void* word = &root;
-    entry(&word);
-    LoadedPlugin loaded{file.string(), handle, {}};
-    for (auto const& name : root.GetNamespaceNodeNames()) {
-      if (std::find(before.begin(), before.end(), name) == before.end()) {
-        loaded.words.push_back(name);
-      }
-    }
-    auto& plugins = Plugins();
-    auto same = std::find_if(plugins.begin(), plugins.end(),
-                             [&](LoadedPlugin const& other) { return other.file == loaded.file; });
-    if (same != plugins.end()) {
-      *same = std::move(loaded);
-    } else {
-      plugins.push_back(std::move(loaded));
-    }
-  }
-}
-
-std::vector<LoadedPlugin> const& LoadedPlugins() { return Plugins(); }
-
-std::string DefaultPluginDirectory() {
-  if (char const* dir = std::getenv("TOOLBASE_PLUGIN_DIR"); dir && *dir) return dir;
-  std::error_code error;
-  auto exe = std::filesystem::read_symlink("/proc/self/exe", error);
-  if (error) return "plugins";
-  // In the build tree the plug-ins stand beside the executable; installed,
-  // in the library folder.
-  auto beside = exe.parent_path() / "plugins";
-  if (std::filesystem::is_directory(beside, error)) return beside.string();
-  return (exe.parent_path() / kInstalledPluginDir).lexically_normal().string();
-}
-
-namespace {
-
 // The loaded plug-ins under the top-level help: file name and words.
 void PrintPlugins(std::ostream& out) {
   out << "\nLoaded Plug-ins:\n";
-  if (Plugins().empty()) out << "  (none)\n";
-  for (auto const& plugin : Plugins()) {
+  if (LoadedPlugins().empty()) out << "  (none)\n";
+  for (auto const& plugin : LoadedPlugins()) {
     std::string words;
     for (auto const& word : plugin.words) words += (words.empty() ? "" : ", ") + word;
     out << "  " << std::filesystem::path(plugin.file).filename().string()
@@ -302,21 +329,22 @@ void PrintPlugins(std::ostream& out) {
 int RunWorkflow(GlobalOptions const& options, NamespaceNode& root, std::ostream& out,
                 std::ostream& err) {
   if (options.complete) {
-    // Names on the host come from the state file the line being typed names.
-    auto const& words = options.complete_words;
-    for (size_t i = 0; i + 1 < words.size(); ++i) {
-      std::string state;
-      if (words[i] == "--host-state" && i + 2 < words.size()) state = words[i + 1];
-      if (words[i].rfind("--host-state=", 0) == 0) state = words[i].substr(13);
-      if (!state.empty()) setenv("TOOLBASE_HOST_STATE", state.c_str(), 1);
-    }
-    for (auto const& candidate : CompletionCandidates(root, options.complete_words)) {
-      out << candidate << '\n';
-    }
+    // Names come from the host these options name; a value refused is passed over.
+    for (auto const& [option, value] : options.plugin_values) option->apply(value.c_str());
+    PrintCandidates(CompletionCandidates(root, options.complete_words), options.describe, out);
     return kSuccess;
   }
   if (options.version) {
     out << "toolbase " << kVersion << '\n';
+    return kSuccess;
+  }
+  if (!options.manual_folder.empty()) {
+    try {
+      WriteManualPages(root, options.manual_folder);
+    } catch (std::exception const& error) {
+      err << "Error: " << error.what() << '\n';
+      return kCommandError;
+    }
     return kSuccess;
   }
   if (!options.completion.empty()) {
@@ -325,16 +353,35 @@ int RunWorkflow(GlobalOptions const& options, NamespaceNode& root, std::ostream&
                  "", err);
   }
   if (options.batch.empty()) return Usage("Option --batch-continue needs --batch FILE", "", err);
-  if (!options.host_state.empty()) setenv("TOOLBASE_HOST_STATE", options.host_state.c_str(), 1);
+  try {
+    ApplyPluginOptions(options);
+  } catch (UsageError const& error) {
+    return Usage(error.what(), "", err);
+  }
   BatchOptions batch;
   batch.file = options.batch;
   batch.formatter = options.formatter;
   batch.keep_going = options.batch_continue;
+  batch.dry_run = options.dry_run;
   return RunBatch(batch, std::cin, root, out, err);
 }
 
+// An unknown word: where it stood, the closest valid word, and the valid ones.
+int UnknownWord(std::string const& word, NamespaceNode& node, std::ostream& err) {
+  std::string known = node.GetPathString(' ');
+  std::vector<std::string> names = node.GetNamespaceNodeNames();
+  std::sort(names.begin(), names.end());
+  std::string valid;
+  for (auto const& name : names) valid += (valid.empty() ? "" : ", ") + name;
+  std::string where = known.empty() ? "at the top level" : "under '" + known + "'";
+  return Usage("Unknown word '" + word + "' " + where +
+                   (valid.empty() ? std::string(": it takes no further words")
+                                  : "." + DidYouMean(word, names) + " Valid words: " + valid),
+               known, err);
+}
+
 int RunLine(std::vector<std::string> const& args, NamespaceNode& root, std::ostream& out,
-            std::ostream& err, bool in_batch) {
+            std::ostream& err, LineContext const& context) {
   GlobalOptions options;
   size_t first_word = 0;
   try {
@@ -347,7 +394,7 @@ int RunLine(std::vector<std::string> const& args, NamespaceNode& root, std::ostr
   }
 
   if (options.Workflow()) {
-    if (in_batch) {
+    if (context.outcome) {
       return Usage("--batch, --batch-continue, --completion and --version cannot stand in a batch",
                    "", err);
     }
@@ -363,30 +410,36 @@ int RunLine(std::vector<std::string> const& args, NamespaceNode& root, std::ostr
   size_t i = first_word;
   for (; i < args.size() && !args[i].empty() && args[i][0] != '-'; ++i) words.push_back(args[i]);
   std::vector<std::string> rest(args.begin() + static_cast<long>(i), args.end());
-
-  if (options.list_commands) {
-    std::vector<std::string> paths;
-    CollectCommands(root, root.GetPathString(' '), paths);
-    std::sort(paths.begin(), paths.end());
-    auto list = MetaObj::MetaList::New(MetaObj::MetaType::String);
-    list->AddAll(std::move(paths));
-    Format::Print(options.formatter.empty() ? "simple" : options.formatter, list, {}, {}, out);
-    return kSuccess;
+  // `help WORDS...` is `WORDS... --help`, unless a plug-in took the word.
+  if (!words.empty() && words.front() == "help" && !root.GetNamespaceNode("help")) {
+    words.pop_front();
+    options.help = true;
   }
 
   std::list<std::string> remaining = words;
   auto node = root.ResolveNode(remaining);
-  if (!remaining.empty()) {
-    std::string known = node->GetPathString(' ');
-    std::vector<std::string> names = node->GetNamespaceNodeNames();
-    std::sort(names.begin(), names.end());
-    std::string valid;
-    for (auto const& name : names) valid += (valid.empty() ? "" : ", ") + name;
-    std::string where = known.empty() ? "at the top level" : "under '" + known + "'";
-    return Usage("Unknown word '" + remaining.front() + "' " + where +
-                     (valid.empty() ? std::string(": it takes no further words")
-                                    : ". Valid words: " + valid),
-                 known, err);
+  if (!remaining.empty()) return UnknownWord(remaining.front(), *node, err);
+
+  if (options.list_commands) {
+    std::vector<std::string> paths;
+    CollectCommands(*node, node->GetPathString(' '), paths);
+    std::sort(paths.begin(), paths.end());
+    auto list = MetaObj::MetaList::New(MetaObj::MetaType::String);
+    list->AddAll(std::move(paths));
+    std::string formatter;
+    try {
+      formatter = ChooseFormatter(options.formatter, context);
+    } catch (UsageError const& error) {
+      return Usage(error.what(), "", err);
+    }
+    if (formatter.empty()) formatter = "simple";
+    if (context.outcome) {
+      context.outcome->result = list;
+      context.outcome->formatter = formatter;
+    } else {
+      Format::Print(formatter, list, {}, {}, out);
+    }
+    return kSuccess;
   }
 
   auto command = node->GetDispatcher();
@@ -408,19 +461,31 @@ int RunLine(std::vector<std::string> const& args, NamespaceNode& root, std::ostr
     PrintCommandHelp(*command, out);
     return kSuccess;
   }
-  return RunCommand(*command, rest, options, out, err);
+  return RunCommand(*command, rest, options, context, out, err);
 }
 
 }  // namespace
 
+std::shared_ptr<NamespaceNode> NewRoot() { return AutoCli::Namespace::New(); }
+
 int Run(std::vector<std::string> const& args, NamespaceNode& root, std::ostream& out,
         std::ostream& err) {
-  return RunLine(args, root, out, err, false);
+  return RunLine(args, root, out, err, {});
 }
 
 int RunBatchLine(std::vector<std::string> const& args, NamespaceNode& root, std::ostream& out,
-                 std::ostream& err) {
-  return RunLine(args, root, out, err, true);
+                 std::ostream& err, LineOutcome& outcome) {
+  return RunLine(args, root, out, err, {&outcome});
+}
+
+int OutputWidth(std::ostream const& out) {
+  if (&out != &std::cout || !isatty(STDOUT_FILENO)) return 0;
+  winsize size{};
+  if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
+  if (char const* columns = std::getenv("COLUMNS")) {
+    if (int width = std::atoi(columns); width > 0) return std::max(40, width);
+  }
+  return 80;
 }
 
 }  // namespace Toolbase::Cli

@@ -1,20 +1,27 @@
 // The toolbase command line: plug-in loading, word resolution, parameter
 // parsing and checking, help, dispatch and printing.
 //
-//   toolbase [--host-state PATH] [--formatter NAME] [--list-commands] [--help]
-//            WORDS... [PARAMETERS]
-//   toolbase [--host-state PATH] [--formatter NAME] --batch FILE [--batch-continue]
+//   toolbase [PLUG-IN OPTIONS] [--formatter NAME] [--dry-run] [--help] WORDS... [PARAMETERS]
+//   toolbase [PLUG-IN OPTIONS] --list-commands [WORDS...]
+//   toolbase help [WORDS...]
+//   toolbase [PLUG-IN OPTIONS] [--formatter NAME] [--dry-run] --batch FILE [--batch-continue]
 //   toolbase --completion bash|zsh
 //   toolbase --version
 #pragma once
 
 #include <iosfwd>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "plugins.h"
+
 namespace Toolbase::AutoCli {
 class NamespaceNode;
+}
+namespace Toolbase::MetaObj {
+class MetaObject;
 }
 
 namespace Toolbase::Cli {
@@ -27,42 +34,39 @@ enum ExitStatus {
   kUsageError = 2,
 };
 
-// One plug-in loaded by LoadPlugins: its file, its dlopen handle, and the
-// top-level words it registered.
-struct LoadedPlugin {
-  std::string file;
-  void* handle = nullptr;
-  std::vector<std::string> words;
-};
-
-// The plug-ins loaded so far in this process, in load order; a file loaded
-// again replaces its earlier entry.
-std::vector<LoadedPlugin> const& LoadedPlugins();
-
 // A new, empty root node for plug-ins to hang their trees on.
 std::shared_ptr<AutoCli::NamespaceNode> NewRoot();
 
-// Loads every shared object (*.so) of `directory`, in name order, and calls
-// its AutoCli_RegisterNamespaces with `root`. Plug-ins stay loaded for the
-// life of the process. Throws std::runtime_error naming the file when one
-// cannot be loaded or lacks the entry, or when the folder cannot be read.
-void LoadPlugins(std::string const& directory, AutoCli::NamespaceNode& root);
-
-// The TOOLBASE_PLUGIN_DIR environment variable when set, else the plug-in
-// folder beside the running executable ("<dir>/plugins") when there is one
-// (the build tree), else the installed one ("<dir>/../lib/toolbase/plugins").
-std::string DefaultPluginDirectory();
+// What one line of a batch produced, for the batch to print in its document
+// instead of the line printing it.
+struct LineOutcome {
+  // In: the formatter the batch prints with (empty: each line's default).
+  std::string batch_formatter;
+  // Out: the result, the directives and the formatter it is to be printed
+  // with; `result` stays null when no command ran or it set none.
+  std::shared_ptr<MetaObj::MetaObject> result;
+  std::map<std::string, std::string> directives;
+  std::string formatter;
+  // Whether the line's default formatter prints nothing for a result of true.
+  bool quiet_success = false;
+};
 
 // Runs one command line (`args` without the program name) against `root`.
-// Results go to `out`, messages and usage errors to `err`. `--host-state`
-// is passed on to the host library through the TOOLBASE_HOST_STATE
-// environment variable. Returns an ExitStatus.
+// Results go to `out`, messages and usage errors to `err`. The global options
+// of plug-ins are handed to the plug-in that owns them. Returns an ExitStatus.
 int Run(std::vector<std::string> const& args, AutoCli::NamespaceNode& root, std::ostream& out,
         std::ostream& err);
 
 // Runs one line of a batch: as Run, except that the options that start a
-// batch, print the completion script or the version are refused.
+// batch, print the completion script or the version, --dry-run and the
+// plug-ins' global options are refused, and that a command's result is
+// handed back in `outcome` unprinted.
 int RunBatchLine(std::vector<std::string> const& args, AutoCli::NamespaceNode& root,
-                 std::ostream& out, std::ostream& err);
+                 std::ostream& out, std::ostream& err, LineOutcome& outcome);
+
+// The width tables may take on `out`: the terminal's when `out` is standard
+// output on a terminal (its own size, else COLUMNS, else 80); 0 (no limit)
+// for anything else.
+int OutputWidth(std::ostream const& out);
 
 }  // namespace Toolbase::Cli

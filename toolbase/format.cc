@@ -31,4 +31,15 @@ void Print(std::string const& formatter, std::shared_ptr<MetaObj::MetaObject> co
   Internal::PrintSimple(*root, style, options, false, out);
 }
 
+bool IsDocumentFormatter(std::string const& formatter) {
+  return formatter == "json" || formatter == "xml";
+}
+
+void PrintBatch(std::string const& formatter, std::vector<BatchEntry> const& entries,
+                std::ostream& out) {
+  if (formatter == "json") return Internal::PrintJsonBatch(entries, out);
+  if (formatter == "xml") return Internal::PrintXmlBatch(entries, out);
+  throw std::invalid_argument("Not a document formatter: " + formatter);
+}
+
 }  // namespace Toolbase::Format

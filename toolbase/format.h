@@ -13,7 +13,8 @@
 //   table-columns        columns of the root table; table-columns:<Type> those
 //                        of any table of <Type>. Names no row has are dropped.
 //   wrap-last            "true": the last table column wraps at blanks to stay
-//                        within Options::width (never under 20 characters).
+//                        within Options::width (never under 20 characters;
+//                        not at all for a width of 0).
 //
 // "simple": "Label: value" lines; a record below a "Label:" line (or its
 // heading) indented by 3; records of a list separated by a blank line; string
@@ -48,7 +49,8 @@ namespace Toolbase::Format {
 using Directives = std::map<std::string, std::string>;
 
 struct Options {
-  // Width available to a table; a `wrap-last` column wraps to stay within it.
+  // Width available to a table; a `wrap-last` column wraps to stay within
+  // it. 0: no limit (output that is not a terminal never wraps).
   int width = 80;
 };
 
@@ -60,5 +62,27 @@ bool IsFormatter(std::string const& name);
 // named formatter. An unknown name throws std::invalid_argument.
 void Print(std::string const& formatter, std::shared_ptr<MetaObj::MetaObject> const& root,
            Directives const& directives, Options const& options, std::ostream& out);
+
+// One line of a batch, as the batch's document tells it.
+struct BatchEntry {
+  int line = 0;
+  std::string command;  // the line's words, joined by blanks
+  int status = 0;       // the line's exit status
+  bool applied = false;  // whether its changes, if any, were written
+  std::shared_ptr<MetaObj::MetaObject> result;  // null: none
+  std::string text;     // what it printed without a result (help)
+  std::vector<std::string> messages;
+};
+
+// True for the formatters that print a batch as one document.
+bool IsDocumentFormatter(std::string const& formatter);
+
+// Prints a whole batch as one document. "json": an array with an object a
+// line, {"line", "command", "status", "applied", "result", "messages"}
+// ("result" null when the line has none, help text as a string). "xml": one
+// <batch> element holding a <line number command status applied> element a
+// line, with its result in <output> (or <text>) and a <message> each.
+void PrintBatch(std::string const& formatter, std::vector<BatchEntry> const& entries,
+                std::ostream& out);
 
 }  // namespace Toolbase::Format

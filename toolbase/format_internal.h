@@ -91,5 +91,7 @@ void PrintTable(MetaObj::MetaObject const& root, Style const& style, Options con
 void PrintJson(MetaObj::MetaObject const* root, std::ostream& out);
 void PrintXml(MetaObj::MetaObject const* root, std::ostream& out);
 void PrintCsv(MetaObj::MetaObject const& root, std::ostream& out);
+void PrintJsonBatch(std::vector<BatchEntry> const& entries, std::ostream& out);
+void PrintXmlBatch(std::vector<BatchEntry> const& entries, std::ostream& out);
 
 }  // namespace Toolbase::Format::Internal

@@ -47,6 +47,23 @@ Json ToJson(MetaObj::MetaObject const* value) {
 
 }  // namespace
 
+void PrintJsonBatch(std::vector<BatchEntry> const& entries, std::ostream& out) {
+  Json lines = Json::array();
+  for (auto const& entry : entries) {
+    Json line = Json::object();
+    line["line"] = entry.line;
+    line["command"] = entry.command;
+    line["status"] = entry.status;
+    line["applied"] = entry.applied;
+    line["result"] = entry.result      ? ToJson(entry.result.get())
+                     : entry.text.empty() ? Json(nullptr)
+                                          : Json(entry.text);
+    line["messages"] = entry.messages;
+    lines.push_back(std::move(line));
+  }
+  out << lines.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
 void PrintJson(MetaObj::MetaObject const* root, std::ostream& out) {
   // Bytes that are not UTF-8 become U+FFFD rather than failing the output.
   out << ToJson(root).dump(2, ' ', false, Json::error_handler_t::replace) << '\n';

@@ -132,7 +132,7 @@ void WriteRows(std::vector<MetaStruct const*> const& records,
   std::size_t const last = columns.size() - 1;
   std::size_t lead = indent;
   for (std::size_t i = 0; i < last; ++i) lead += widths[i] + 2;
-  bool const wrap = style.WrapLast();
+  bool const wrap = style.WrapLast() && options.width > 0;
   if (wrap) {
     auto const room = options.width > 0 && static_cast<std::size_t>(options.width) > lead
                           ? options.width - lead

@@ -153,6 +153,37 @@ class XmlWriter {
 
 }  // namespace
 
+void PrintXmlBatch(std::vector<BatchEntry> const& entries, std::ostream& out) {
+  out << "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n";
+  if (entries.empty()) {
+    out << "<batch/>\n";
+    return;
+  }
+  out << "<batch>\n";
+  for (auto const& entry : entries) {
+    out << "  <line number=\"" << entry.line << "\" command=\"" << Escape(entry.command, true)
+        << "\" status=\"" << entry.status << "\" applied=\""
+        << (entry.applied ? "true" : "false") << "\"";
+    if (!entry.result && entry.text.empty() && entry.messages.empty()) {
+      out << "/>\n";
+      continue;
+    }
+    out << ">\n";
+    if (entry.result) {
+      out << "    <output>\n";
+      XmlWriter(out).Write(*entry.result, 3);
+      out << "    </output>\n";
+    } else if (!entry.text.empty()) {
+      out << "    <text>" << Escape(entry.text, false) << "</text>\n";
+    }
+    for (auto const& message : entry.messages) {
+      out << "    <message>" << Escape(message, false) << "</message>\n";
+    }
+    out << "  </line>\n";
+  }
+  out << "</batch>\n";
+}
+
 void PrintXml(MetaObject const* root, std::ostream& out) {
   out << "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n";
   if (!root) {

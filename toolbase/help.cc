@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "options.h"
 #include "params.h"
+#include "plugins.h"
 #include "toolbase/auto_cli.h"
 #include "toolbase/call_spec.h"
 
@@ -65,21 +67,6 @@ void PrintEntry(std::string_view label, std::string_view text, std::ostream& out
   PrintWrapped(text, kLabelColumn, kLabelColumn, out);
 }
 
-char const* TypeWord(CallSpec::ParameterType type) {
-  switch (type) {
-    case CallSpec::Int:
-      return "<long>";
-    case CallSpec::Bool:
-      return "<bool>";
-    case CallSpec::Flag:
-      return "";
-    case CallSpec::StringList:
-      return "<str> (repeatable)";
-    default:
-      return "<str>";
-  }
-}
-
 }  // namespace
 
 void PrintNamespaceHelp(AutoCli::NamespaceNode& node, std::ostream& out) {
@@ -92,19 +79,17 @@ void PrintNamespaceHelp(AutoCli::NamespaceNode& node, std::ostream& out) {
   }
   if (path.empty()) {
     out << "\nOptions:\n";
-    PrintEntry("--formatter=<str>", "Output formatter: simple, table, json, xml or csv.", out);
-    PrintEntry("--host-state=<path>",
-               "Host state file of the simulated host (also TOOLBASE_HOST_STATE).", out);
-    PrintEntry("--list-commands", "List every command path.", out);
-    PrintEntry("--batch=<file>",
-               "Run one command a line from the file (- for standard input), all or nothing.",
-               out);
-    PrintEntry("--batch-continue",
-               "With --batch: run every line, keeping the changes of the lines that succeed.",
-               out);
-    PrintEntry("--completion=<shell>", "Print the completion script for bash or zsh.", out);
-    PrintEntry("--version", "Show the version of toolbase.", out);
-    PrintEntry("--help", "Show help for a namespace or command.", out);
+    auto label = [](char const* name, char const* value_name) {
+      return std::string("--") + name + (value_name ? std::string("=<") + value_name + ">" : "");
+    };
+    for (auto const& plugin : LoadedPlugins()) {
+      for (auto const& option : plugin.options) {
+        PrintEntry(label(option.name, option.value_name), option.description, out);
+      }
+    }
+    for (auto const& option : kFrameworkOptions) {
+      PrintEntry(label(option.name, option.value_name), option.description, out);
+    }
   }
   std::vector<std::shared_ptr<AutoCli::NamespaceNode>> namespaces;
   std::vector<std::shared_ptr<AutoCli::NamespaceNode>> commands;
@@ -135,8 +120,8 @@ void PrintCommandHelp(AutoCli::CommandSpec& command, std::ostream& out) {
     std::string label;
     if (!parameter->GetShortName().empty()) label = "-" + parameter->GetShortName() + "|";
     label += "--" + parameter->GetName();
-    std::string type = TypeWord(parameter->GetType());
-    if (!type.empty()) label += "=" + type;
+    if (char const* value = ValueWord(*parameter)) label += "=<" + std::string(value) + ">";
+    if (parameter->GetType() == CallSpec::StringList) label += " (repeatable)";
     std::string text = ExpandDescription(*parameter);
     if (parameter->IsRequired()) text += " (required)";
     PrintEntry(label, text, out);

@@ -3,7 +3,9 @@
 #include <cctype>
 #include <cerrno>
 #include <cstdlib>
+#include <algorithm>
 #include <map>
+#include <string_view>
 #include <regex>
 
 #include "bool_word.h"
@@ -64,7 +66,45 @@ std::string ReplaceAll(std::string text, std::string const& tag, std::string con
 
 std::string Option(ParameterSpec const& parameter) { return "--" + parameter.GetName(); }
 
+// Edits (insert, delete, replace, swap of neighbours) from `a` to `b`.
+std::size_t EditDistance(std::string_view a, std::string_view b) {
+  std::vector<std::vector<std::size_t>> d(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
+  for (std::size_t i = 0; i <= a.size(); ++i) d[i][0] = i;
+  for (std::size_t j = 0; j <= b.size(); ++j) d[0][j] = j;
+  for (std::size_t i = 1; i <= a.size(); ++i) {
+    for (std::size_t j = 1; j <= b.size(); ++j) {
+      std::size_t const cost = a[i - 1] == b[j - 1] ? 0 : 1;
+      d[i][j] = std::min({d[i - 1][j] + 1, d[i][j - 1] + 1, d[i - 1][j - 1] + cost});
+      if (i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1]) {
+        d[i][j] = std::min(d[i][j], d[i - 2][j - 2] + 1);
+      }
+    }
+  }
+  return d[a.size()][b.size()];
+}
+
 }  // namespace
+
+std::string ClosestName(std::string const& typed, std::vector<std::string> const& names) {
+  std::string best;
+  std::size_t best_distance = 0;
+  // One slip in a short word, two in a longer one.
+  std::size_t const allowed = typed.size() <= 4 ? 1 : 2;
+  for (auto const& name : names) {
+    std::size_t distance = EditDistance(typed, name);
+    if (distance > allowed && !(typed.size() >= 3 && name.rfind(typed, 0) == 0)) continue;
+    if (best.empty() || distance < best_distance) {
+      best = name;
+      best_distance = distance;
+    }
+  }
+  return best;
+}
+
+std::string DidYouMean(std::string const& typed, std::vector<std::string> const& names) {
+  auto closest = ClosestName(typed, names);
+  return closest.empty() ? "" : " Did you mean " + closest + "?";
+}
 
 std::string CheckValue(ParameterSpec const& parameter, std::string const& value) {
   // Everything a command stores or prints is text: bytes that are not UTF-8
@@ -119,10 +159,33 @@ std::string CheckValue(ParameterSpec const& parameter, std::string const& value)
     return "value " + value + " is out of range: allowed " + AllowedValues(*constraint).front();
   }
   if (constraint->GetType() == CallSpec::StringRegex) {
-    return "value '" + value + "' does not match the pattern " + constraint->GetRegex();
+    // What the pattern stands for, in the parameter's own words (not when
+    // they only point at the value list, which for a pattern is the pattern).
+    std::string expected = parameter.GetDescription();
+    while (!expected.empty() && std::isspace(static_cast<unsigned char>(expected.back()))) {
+      expected.pop_back();
+    }
+    if (expected.empty() || expected.find("%ENUM%") != std::string::npos ||
+        expected.find("%FULLENUM%") != std::string::npos) {
+      return "value '" + value + "' does not have the expected form";
+    }
+    return "value '" + value + "' does not have the expected form: " + expected;
   }
   return "value '" + value + "' is not allowed: allowed values are " +
          Join(AllowedValues(*constraint), ", ");
+}
+
+char const* ValueWord(ParameterSpec const& parameter) {
+  switch (parameter.GetType()) {
+    case CallSpec::Int:
+      return "long";
+    case CallSpec::Bool:
+      return "bool";
+    case CallSpec::Flag:
+      return nullptr;
+    default:
+      return "str";
+  }
 }
 
 std::string ExpandDescription(ParameterSpec const& parameter) {
@@ -172,9 +235,11 @@ std::shared_ptr<CallSpec::Input> ParseParameters(CallSpec::InputSpec const& spec
     if (!parameter) {
       std::vector<std::string> names;
       for (auto const& candidate : spec.GetParameters()) names.push_back(Option(*candidate));
-      throw UsageError("Unknown parameter " + std::string(is_long ? "--" : "-") + name +
+      std::string const typed = std::string(is_long ? "--" : "-") + name;
+      throw UsageError("Unknown parameter " + typed +
                        (names.empty() ? ": this command takes no parameters"
-                                      : ". Valid parameters: " + Join(names, ", ")));
+                                      : "." + DidYouMean(is_long ? typed : "--" + name, names) +
+                                            " Valid parameters: " + Join(names, ", ")));
     }
     std::string const option = Option(*parameter);
     if (parameter->GetType() == CallSpec::Flag) {

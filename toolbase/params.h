@@ -31,6 +31,17 @@ std::shared_ptr<CallSpec::Input> ParseParameters(CallSpec::InputSpec const& spec
 // reason, e.g. "expects an integer, got 'x'".
 std::string CheckValue(CallSpec::ParameterSpec const& parameter, std::string const& value);
 
+// The one of `names` the user most likely meant by `typed` (a slip of one
+// or two letters, or the start of the name), or empty when none is close.
+std::string ClosestName(std::string const& typed, std::vector<std::string> const& names);
+
+// " Did you mean X?" for the closest of `names`, or empty.
+std::string DidYouMean(std::string const& typed, std::vector<std::string> const& names);
+
+// What the parameter takes, for help and manual pages: "long", "bool" or
+// "str"; null for a flag.
+char const* ValueWord(CallSpec::ParameterSpec const& parameter);
+
 // The parameter's description with %ENUM% and %FULLENUM% filled in from its
 // constraint.
 std::string ExpandDescription(CallSpec::ParameterSpec const& parameter);

@@ -1,7 +1,7 @@
 // Transactions over the simulated host, for running many command lines as
-// one change. The host control library exports these with C linkage so the
-// framework can find them with dlsym in a plug-in's handle without linking
-// the library.
+// one change, and the session settings of a process: which state file, and
+// whether the host is only read. C linkage: a plug-in hands these entries to
+// the framework as its session (toolbase/session.h).
 #pragma once
 
 extern "C" {
@@ -21,4 +21,14 @@ void OrvkCtl_RollbackToSavepoint();
 const char* OrvkCtl_CommitTransaction();
 // Drops every change made since BeginTransaction; the file stays as it was.
 void OrvkCtl_AbortTransaction();
+
+// Names the host state file for the rest of the process in place of the
+// default one (call before the host is first used). Returns nullptr, or a
+// message (valid until the next call) when `path` is empty or a folder.
+const char* OrvkCtl_SetHostState(const char* path);
+// From now on nothing reaches the disk: no lock file is made, a missing state
+// file reads as the default host and is not created, a change outside a
+// transaction throws HostCtlException, and one inside stays in memory (a
+// commit refuses it). For looking up names while a user types, and dry runs.
+void OrvkCtl_ReadOnly();
 }

@@ -152,8 +152,26 @@ TEST_F(CliTest, ExitStatusTellsSuccessCommandErrorAndUsageError) {
       {{"demo", "flip"}, Cli::kUsageError, "",
        "Error: Missing required parameter --on\nRun 'toolbase demo flip --help' for usage.\n"},
       {{"demo", "flop"}, Cli::kUsageError, "",
-       "Error: Unknown word 'flop' under 'demo'. Valid words: flip, inner, show\n"
+       "Error: Unknown word 'flop' under 'demo'. Did you mean flip? Valid words: flip, inner, "
+       "show\nRun 'toolbase demo --help' for usage.\n"},
+      {{"demo", "zzz"}, Cli::kUsageError, "",
+       "Error: Unknown word 'zzz' under 'demo'. Valid words: flip, inner, show\n"
        "Run 'toolbase demo --help' for usage.\n"},
+      {{"demo", "flip", "--no"}, Cli::kUsageError, "",
+       "Error: Unknown parameter --no. Did you mean --on? Valid parameters: --on\n"
+       "Run 'toolbase demo flip --help' for usage.\n"},
+      // Unknown global options are usage errors of their own.
+      {{"-V"}, Cli::kUsageError, "",
+       "Error: Unknown option '-V'. Run 'toolbase --help' for the options.\n"},
+      {{"--verison"}, Cli::kUsageError, "",
+       "Error: Unknown option '--verison'. Did you mean --version? Run 'toolbase --help' for "
+       "the options.\n"},
+      {{"--formater=json", "demo", "show"}, Cli::kUsageError, "",
+       "Error: Unknown option '--formater'. Did you mean --formatter? Run 'toolbase --help' for "
+       "the options.\n"},
+      {{"--dry-run", "demo", "show"}, Cli::kUsageError, "",
+       "Error: --dry-run needs a plug-in that can hold changes back; none of the loaded "
+       "plug-ins can\n"},
       {{"nope"}, Cli::kUsageError, "",
        "Error: Unknown word 'nope' at the top level. Valid words: demo\n"},
       {{"demo", "show", "extra"}, Cli::kUsageError, "",
@@ -185,10 +203,34 @@ TEST_F(CliTest, HelpOnNamespacesAndCommands) {
   EXPECT_NE(result.err.find("Available Commands:"), std::string::npos);
 }
 
+TEST_F(CliTest, HelpWordWorksAsTheHelpOption) {
+  for (auto const& words : std::vector<std::vector<std::string>>{{}, {"demo"}, {"demo", "flip"}}) {
+    SCOPED_TRACE(testing::PrintToString(words));
+    auto with_option = words;
+    with_option.push_back("--help");
+    auto with_word = words;
+    with_word.insert(with_word.begin(), "help");
+    auto expected = Run(with_option);
+    auto result = Run(with_word);
+    EXPECT_EQ(result.status, Cli::kSuccess);
+    EXPECT_EQ(result.out, expected.out);
+    EXPECT_NE(result.out.find("Usage:"), std::string::npos);
+  }
+  auto unknown = Run({"help", "demo", "flop"});
+  EXPECT_EQ(unknown.status, Cli::kUsageError);
+  EXPECT_NE(unknown.err.find("Did you mean flip?"), std::string::npos);
+}
+
 TEST_F(CliTest, ListsEveryCommandPath) {
   auto result = Run({"--list-commands"});
   EXPECT_EQ(result.status, Cli::kSuccess);
   EXPECT_EQ(result.out, "demo flip\ndemo inner again\ndemo show\n");
+  result = Run({"--list-commands", "demo", "inner"});
+  EXPECT_EQ(result.out, "demo inner again\n");
+  result = Run({"--list-commands", "demo", "flip"});
+  EXPECT_EQ(result.out, "demo flip\n");
+  result = Run({"--list-commands", "demo", "nope"});
+  EXPECT_EQ(result.status, Cli::kUsageError);
   result = Run({"--list-commands", "--formatter", "json"});
   EXPECT_EQ(result.out, "[\n  \"demo flip\",\n  \"demo inner again\",\n  \"demo show\"\n]\n");
 }

@@ -44,6 +44,8 @@ std::shared_ptr<InputSpec> SampleSpec() {
   auto ports = ParameterConstraint::New(IntRange);
   ports->SetIntRange(1, 8);
   add("portid", Int, nullptr, false, ports);
+  add("interface", String, "i", false, pattern);
+  spec->FindParameter("interface")->SetDescription("An interface name such as orvk3.");
   return spec;
 }
 
@@ -90,10 +92,18 @@ TEST(ParseParametersTest, RejectsBadLinesWithAClearMessage) {
       {{}, "Missing required parameter --name"},
       {{"-n", "x", "--bogus", "1"},
        "Unknown parameter --bogus. Valid parameters: --name, --mtu, --enabled, --force, --alias, "
-       "--vlan-id, --speed, --failure-detection, --uplink, --portid"},
+       "--vlan-id, --speed, --failure-detection, --uplink, --portid, --interface"},
+      {{"-n", "x", "--sped", "10"},
+       "Unknown parameter --sped. Did you mean --speed? Valid parameters: --name, --mtu, "
+       "--enabled, --force, --alias, --vlan-id, --speed, --failure-detection, --uplink, "
+       "--portid, --interface"},
+      {{"-n", "x", "--uplnik", "a1"},
+       "Unknown parameter --uplnik. Did you mean --uplink? Valid parameters: --name, --mtu, "
+       "--enabled, --force, --alias, --vlan-id, --speed, --failure-detection, --uplink, "
+       "--portid, --interface"},
       {{"-n", "x", "-z"}, "Unknown parameter -z. Valid parameters: --name, --mtu, --enabled, "
                           "--force, --alias, --vlan-id, --speed, --failure-detection, --uplink, "
-                          "--portid"},
+                          "--portid, --interface"},
       {{"-n"}, "Parameter --name needs a value"},
       {{"-n", "x", "-n", "y"}, "Parameter --name is given more than once"},
       {{"-n", "x", "stray"}, "Unexpected argument 'stray'"},
@@ -110,8 +120,12 @@ TEST(ParseParametersTest, RejectsBadLinesWithAClearMessage) {
        "Parameter --speed value '1000' is not allowed: allowed values are 10, 100"},
       {{"-n", "x", "--failure-detection", "Link"},
        "Parameter --failure-detection value 'Link' is not allowed: allowed values are beacon, link"},
+      // A pattern is told in the parameter's words, never as the pattern.
       {{"-n", "x", "--uplink", "ornic1x"},
-       "Parameter --uplink value 'ornic1x' does not match the pattern [a-z]+[0-9]"},
+       "Parameter --uplink value 'ornic1x' does not have the expected form"},
+      {{"-n", "x", "-i", "Eth0"},
+       "Parameter --interface value 'Eth0' does not have the expected form: An interface name "
+       "such as orvk3."},
   };
   for (auto const& c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.args));

@@ -1,6 +1,6 @@
 // Batches through the toolbase executable: all or nothing against the state
 // file, the same end state as the lines run one by one, keep-going mode, the
-// JSON array, and the splitting of lines into words.
+// JSON and XML documents, dry runs, and the splitting of lines into words.
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
@@ -10,6 +10,7 @@
 
 #include "batch.h"
 #include "support/harness.h"
+#include "workflow/temp_dir_test.h"
 
 namespace {
 
@@ -32,15 +33,8 @@ const std::vector<std::string> kBuildLines = {
     "network ip route ipv4 add --network 10.60.0.0/16 --gateway 10.30.0.1",
 };
 
-class BatchTest : public ::testing::Test {
+class BatchTest : public TempDirTest {
  protected:
-  void SetUp() override {
-    char dir_template[] = "/tmp/toolbase-batch-XXXXXX";
-    ASSERT_NE(mkdtemp(dir_template), nullptr);
-    dir_ = dir_template;
-  }
-  void TearDown() override { std::filesystem::remove_all(dir_); }
-
   std::string State(std::string const& name) const { return dir_ + "/" + name + ".json"; }
 
   // A state file seeded with the default host.
@@ -71,7 +65,6 @@ class BatchTest : public ::testing::Test {
     return text.str();
   }
 
-  std::string dir_;
   int batches_ = 0;
 };
 
@@ -152,21 +145,131 @@ TEST_F(BatchTest, ContinueKeepsTheLinesThatSucceed) {
   EXPECT_EQ(names, (std::vector<std::string>{"vSwitch0", "vSwitch1", "vSwitch2", "vSwitch3"}));
 }
 
-TEST_F(BatchTest, JsonPrintsOneArrayElementPerLine) {
+TEST_F(BatchTest, JsonPrintsOneArrayWithAnElementPerLine) {
   std::string state = Seeded("json");
   auto result = RunProcess({"--host-state", state, "--formatter", "json", "--batch",
                             WriteBatch({"network firewall get",
                                         "network vswitch standard add --vswitch-name vSwitch2",
-                                        "network vswitch standard list"})});
+                                        "# a line's own formatter cannot break the document",
+                                        "network vswitch standard list --formatter table"})});
   ASSERT_EQ(result.status, 0) << result.err;
   auto array = nlohmann::json::parse(result.out);
   ASSERT_TRUE(array.is_array());
   ASSERT_EQ(array.size(), 3u);
-  EXPECT_EQ(array[0],
+  EXPECT_EQ(array[0]["line"], 1);
+  EXPECT_EQ(array[0]["command"], "network firewall get");
+  EXPECT_EQ(array[0]["status"], 0);
+  EXPECT_EQ(array[0]["applied"], true);
+  EXPECT_EQ(array[0]["messages"], nlohmann::json::array());
+  EXPECT_EQ(array[0]["result"],
             nlohmann::json::parse(RunLine("--formatter json network firewall get", state).out));
-  EXPECT_EQ(array[1], true);
-  EXPECT_EQ(array[2], nlohmann::json::parse(
-                          RunLine("--formatter json network vswitch standard list", state).out));
+  EXPECT_EQ(array[1]["result"], true);
+  EXPECT_EQ(array[2]["line"], 4);
+  EXPECT_EQ(array[2]["result"], nlohmann::json::parse(
+                                    RunLine("--formatter json network vswitch standard list", state)
+                                        .out));
+}
+
+TEST_F(BatchTest, FailedBatchSaysNothingWasApplied) {
+  std::vector<std::string> const lines = {
+      "network vswitch standard add --vswitch-name vSwitch2",
+      "network vswitch standard add --vswitch-name vSwitch2",
+  };
+  struct Case {
+    char const* formatter;
+    char const* applied_text;  // what must not be printed
+  };
+  for (auto const& c : std::vector<Case>{{"json", "\"applied\": true"},
+                                         {"xml", "applied=\"true\""},
+                                         {"simple", "true"},
+                                         {"csv", "true"}}) {
+    SCOPED_TRACE(c.formatter);
+    std::string state = Seeded(std::string("failed-") + c.formatter);
+    std::string before = Text(state);
+    auto result = RunProcess(
+        {"--host-state", state, "--formatter", c.formatter, "--batch", WriteBatch(lines)});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(Text(state), before);
+    EXPECT_EQ(result.out.find(c.applied_text), std::string::npos) << result.out;
+    if (std::string(c.formatter) == "json") {
+      auto array = nlohmann::json::parse(result.out);
+      ASSERT_EQ(array.size(), 2u);
+      EXPECT_EQ(array[0]["status"], 0);
+      EXPECT_EQ(array[0]["applied"], false);
+      EXPECT_EQ(array[1]["status"], 1);
+      EXPECT_EQ(array[1]["result"], nullptr);
+      ASSERT_EQ(array[1]["messages"].size(), 1u);
+      EXPECT_NE(array[1]["messages"][0].get<std::string>().find("vSwitch2"), std::string::npos);
+    } else if (std::string(c.formatter) == "xml") {
+      EXPECT_EQ(result.out.rfind("<?xml", 0), 0u);
+      EXPECT_EQ(result.out.find("<?xml", 1), std::string::npos) << "one document";
+      EXPECT_NE(result.out.find("<line number=\"2\" command=\"network vswitch standard add "
+                                "--vswitch-name vSwitch2\" status=\"1\" applied=\"false\">"),
+                std::string::npos)
+          << result.out;
+    } else {
+      EXPECT_EQ(result.out, "false\n");
+    }
+  }
+}
+
+TEST_F(BatchTest, XmlPrintsOneDocument) {
+  std::string state = Seeded("xml");
+  auto result = RunProcess({"--host-state", state, "--formatter", "xml", "--batch",
+                            WriteBatch({"network firewall get", "network firewall get",
+                                        "network firewall get --formatter json"})});
+  ASSERT_EQ(result.status, 0) << result.err;
+  EXPECT_EQ(result.out.rfind("<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<batch>\n", 0), 0u)
+      << result.out;
+  EXPECT_EQ(result.out.find("<?xml", 1), std::string::npos);
+  EXPECT_EQ(result.out.find("{"), std::string::npos) << "no JSON inside";
+  size_t lines = 0;
+  for (auto at = result.out.find("<line "); at != std::string::npos;
+       at = result.out.find("<line ", at + 1)) {
+    ++lines;
+  }
+  EXPECT_EQ(lines, 3u);
+  EXPECT_EQ(result.out.substr(result.out.size() - 9), "</batch>\n");
+}
+
+TEST_F(BatchTest, MachineFormatterOnALineOfATextBatchIsRefused) {
+  std::string state = Seeded("line-json");
+  auto result = RunProcess({"--host-state", state, "--batch",
+                            WriteBatch({"network firewall get --formatter json"})});
+  EXPECT_EQ(result.status, 2);
+  EXPECT_NE(result.err.find("give --formatter json before --batch"), std::string::npos)
+      << result.err;
+  EXPECT_EQ(result.out, "");
+}
+
+TEST_F(BatchTest, DryRunPrintsWhatItWouldAndWritesNothing) {
+  std::string state = Seeded("dry");
+  std::string before = Text(state);
+  auto batch = RunProcess({"--host-state", state, "--dry-run", "--formatter", "json", "--batch",
+                           WriteBatch({"network vswitch standard add --vswitch-name vSwitch2",
+                                       "network vswitch standard list"})});
+  ASSERT_EQ(batch.status, 0) << batch.err;
+  auto array = nlohmann::json::parse(batch.out);
+  ASSERT_EQ(array.size(), 2u);
+  EXPECT_EQ(array[0]["applied"], false);
+  EXPECT_NE(array[1]["result"].dump().find("vSwitch2"), std::string::npos)
+      << "later lines see the change";
+  EXPECT_EQ(Text(state), before);
+
+  auto one = RunProcess({"--host-state", state, "network", "vswitch", "standard", "add",
+                         "--vswitch-name", "vSwitch3", "--dry-run"});
+  EXPECT_EQ(one.status, 0) << one.err;
+  auto failing = RunProcess({"--dry-run", "--host-state", state, "network", "vswitch",
+                             "standard", "add", "--vswitch-name", "vSwitch0"});
+  EXPECT_EQ(failing.status, 1) << "a dry run fails as the real one would";
+  EXPECT_EQ(Text(state), before);
+
+  // Against a state file not yet made: the default host, and still no file.
+  auto fresh = RunProcess({"--dry-run", "--host-state", State("fresh"), "network", "vswitch",
+                           "standard", "add", "--vswitch-name", "vSwitch2"});
+  EXPECT_EQ(fresh.status, 0) << fresh.err;
+  EXPECT_FALSE(std::filesystem::exists(State("fresh")));
+  EXPECT_FALSE(std::filesystem::exists(State("fresh") + ".lock"));
 }
 
 TEST_F(BatchTest, RefusesWhatCannotStandInABatch) {

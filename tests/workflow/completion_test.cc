@@ -7,15 +7,14 @@
 #include <fstream>
 
 #include "support/harness.h"
+#include "workflow/temp_dir_test.h"
 
 namespace {
 
-class CompletionTest : public ::testing::Test {
+class CompletionTest : public TempDirTest {
  protected:
   void SetUp() override {
-    char dir_template[] = "/tmp/toolbase-complete-XXXXXX";
-    ASSERT_NE(mkdtemp(dir_template), nullptr);
-    dir_ = dir_template;
+    TempDirTest::SetUp();
     auto script = TestSupport::RunProcess({"--completion", "bash"});
     ASSERT_EQ(script.status, 0);
     std::ofstream(dir_ + "/toolbase.bash") << script.out;
@@ -24,15 +23,22 @@ class CompletionTest : public ::testing::Test {
                                           "vSwitch7"});
     ASSERT_EQ(other.status, 0) << other.err;
   }
-  void TearDown() override { std::filesystem::remove_all(dir_); }
 
   // Completes the last of `words` (the rest of the line before it) in bash;
-  // one COMPREPLY entry a line.
-  std::string Complete(std::vector<std::string> const& words) {
+  // one COMPREPLY entry a line. `line` is the line as typed (COMP_LINE, with
+  // the cursor at its end) when bash would split it into more words than
+  // blanks separate.
+  std::string Complete(std::vector<std::string> const& words, std::string const& line = "",
+                       std::string const& state = "") {
     std::ofstream driver(dir_ + "/driver.sh");
     driver << "source " << dir_ << "/toolbase.bash\n"
-           << "export TOOLBASE_HOST_STATE=" << dir_ << "/state.json\n"
-           << "COMP_WORDS=(" << TOOLBASE_EXECUTABLE;
+           << "export TOOLBASE_HOST_STATE=" << (state.empty() ? dir_ + "/state.json" : state)
+           << "\n";
+    if (!line.empty()) {
+      driver << "COMP_LINE='" << TOOLBASE_EXECUTABLE << " " << line << "'\n"
+             << "COMP_POINT=${#COMP_LINE}\n";
+    }
+    driver << "COMP_WORDS=(" << TOOLBASE_EXECUTABLE;
     for (auto const& word : words) {
       std::string quoted;
       for (char c : word) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
@@ -50,7 +56,6 @@ class CompletionTest : public ::testing::Test {
     return text;
   }
 
-  std::string dir_;
 };
 
 TEST_F(CompletionTest, OffersWordsParametersAndValues) {
@@ -59,7 +64,8 @@ TEST_F(CompletionTest, OffersWordsParametersAndValues) {
     char const* candidates;
   };
   for (auto const& c : std::vector<Case>{
-           {{""}, "network\n"},
+           {{""}, "help\nnetwork\n"},
+           {{"help", "net"}, "network\n"},
            {{"--ver"}, "--version\n"},
            {{"--formatter", ""}, "csv\njson\nsimple\ntable\nxml\n"},
            {{"--completion", ""}, "bash\nzsh\n"},
@@ -67,9 +73,9 @@ TEST_F(CompletionTest, OffersWordsParametersAndValues) {
            {{"network", "vswitch", "standard", "portgroup", "policy", "f"}, "failover\n"},
            {{"network", "nosuch", ""}, "\n"},
            {{"network", "vswitch", "standard", "portgroup", "set", "--"},
-            "--formatter\n--help\n--portgroup-name\n--vlan-id\n"},
+            "--dry-run\n--formatter\n--help\n--host-state\n--portgroup-name\n--vlan-id\n"},
            {{"network", "vswitch", "standard", "portgroup", "set", "-p", "x", "--"},
-            "--formatter\n--help\n--vlan-id\n"},
+            "--dry-run\n--formatter\n--help\n--host-state\n--vlan-id\n"},
            {{"network", "firewall", "set", "--enabled", ""}, "false\ntrue\n"},
            {{"network", "ip", "interface", "ipv4", "set", "--type", ""}, "dhcp\nnone\nstatic\n"},
            {{"network", "nic", "down", "--nic-name", "ornic"},
@@ -93,6 +99,53 @@ TEST_F(CompletionTest, OffersWordsParametersAndValues) {
     SCOPED_TRACE(line);
     EXPECT_EQ(Complete(c.words), c.candidates);
   }
+}
+
+TEST_F(CompletionTest, CompletesInlineValuesAndValuesWithColons) {
+  struct Case {
+    std::vector<std::string> words;  // as bash splits them, at ':' and '=' too
+    std::string line;
+    char const* candidates;
+  };
+  for (auto const& c : std::vector<Case>{
+           {{"network", "nic", "down", "--nic-name", "=", "ornic"},
+            "network nic down --nic-name=ornic", "ornic0\nornic1\nornic2\nornic3\nornic4\n"},
+           {{"network", "nic", "down", "--nic-name", "="}, "network nic down --nic-name=",
+            "=ornic0\n=ornic1\n=ornic2\n=ornic3\n=ornic4\n"},
+           {{"--formatter", "=", "j"}, "--formatter=j", "json\n"},
+           {{"network", "ip", "hosts", "remove", "--ip", "2001", ":", "db8", ":"},
+            "network ip hosts remove --ip 2001:db8:", ":10::99\n"},
+           {{"network", "ip", "hosts", "remove", "--ip", "2001", ":", "d"},
+            "network ip hosts remove --ip 2001:d", "db8:10::99\n"},
+       }) {
+    SCOPED_TRACE(c.line);
+    EXPECT_EQ(Complete(c.words, c.line), c.candidates);
+  }
+}
+
+TEST_F(CompletionTest, OnlyReadsTheHost) {
+  // No state file yet: the default host's names, and still no file after.
+  std::string fresh = dir_ + "/fresh";
+  std::filesystem::create_directories(fresh);
+  EXPECT_EQ(Complete({"network", "vswitch", "standard", "list", "--vswitch-name", ""}, "",
+                     fresh + "/state.json"),
+            "vSwitch0\nvSwitch1\n");
+  EXPECT_TRUE(std::filesystem::is_empty(fresh)) << "completion created a file";
+}
+
+TEST_F(CompletionTest, DescribesEachCandidateForZsh) {
+  auto words = TestSupport::RunProcess({"--complete", "--describe", "--", "network", "fire"});
+  EXPECT_EQ(words.out, "firewall:A set of commands for firewall related operations\n");
+  auto values = TestSupport::RunProcess(
+      {"--complete", "--describe", "--", "--formatter=x"});
+  EXPECT_EQ(values.out, "--formatter=xml\n");
+  auto colons = TestSupport::RunProcess(
+      {"--host-state", dir_ + "/other.json", "--complete", "--describe", "--", "network", "ip",
+       "hosts", "remove", "--ip", "2001:"});
+  EXPECT_EQ(colons.out, "2001\\:db8\\:10\\:\\:99\n");
+  auto script = TestSupport::RunProcess({"--completion", "zsh"});
+  EXPECT_NE(script.out.find("--complete --describe"), std::string::npos);
+  EXPECT_NE(script.out.find("_describe"), std::string::npos);
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ expect_contains() {  # TEXT WORD WHAT
 
 cmake --install "$build" --prefix "$prefix" >/dev/null
 # The installed tree must not lean on the build tree.
-unset TOOLBASE_PLUGIN_DIR
+unset TOOLBASE_PLUGIN_PATH
 export TOOLBASE_HOST_STATE=$work/host-state.json
 toolbase=$prefix/bin/toolbase
 
