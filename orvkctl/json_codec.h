@@ -410,6 +410,10 @@ inline void WriteJson(JsonWriter& writer, bool value) { writer.Bool(value); }
 
 inline void WriteJson(JsonWriter& writer, std::string const& value) {
   if (!IsUtf8(value)) throw JsonError("text that is not UTF-8 cannot be stored");
+  // What a load refuses is never written.
+  if (std::memchr(value.data(), '\0', value.size())) {
+    throw JsonError("text with a NUL character cannot be stored");
+  }
   writer.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
 }
 

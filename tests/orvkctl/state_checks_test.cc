@@ -71,6 +71,19 @@ TEST_F(StateChecksTest, ATwiceGivenFormatIsRefused) {
   ExpectCorruptAndUntouched(text, "\"format\" is given twice");
 }
 
+// What a load would refuse is not written either: the change fails and the
+// file stays as it was.
+TEST_F(StateChecksTest, ATextWithANulCharacterIsNotStored) {
+  OrvkCtl::Sim::ReadHost();
+  std::string const before = StateFileText();
+  EXPECT_ANY_THROW(OrvkCtl::Sim::ChangeHost(OrvkCtl::Sim::kAreaIp, [](auto& host) {
+    host.ip.hosts.push_back({"10.9.9.9", "nulhost", {}, std::string("a\0b", 3)});
+  }));
+  EXPECT_EQ(StateFileText(), before);
+  EXPECT_EQ(OrvkCtl::Sim::ReadHost(OrvkCtl::Sim::kAreaIp).ip.hosts.back().hostname != "nulhost",
+            true);
+}
+
 // Records read one by one (physical NICs, port groups) are checked when a
 // command reads them: the command fails with the file's path and the field.
 TEST_F(StateChecksTest, ACommandOnARecordOutOfRangeFailsClearly) {
