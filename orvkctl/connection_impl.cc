@@ -1,7 +1,7 @@
 // Open sockets of the simulated host's netstack instances, and the names of
 // the worlds that own them.
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/network_info.h"
 #include "hostctl/resource.h"
 
@@ -45,19 +45,19 @@ void Collect(std::vector<TcpIpConnection>& out, std::string const& key,
 
 void NetworkInfoImpl::GetCurrentTcpOrvikConnections(std::vector<TcpIpConnection>& out,
                                                     std::string const& key) {
-  Sim::CheckFault("NetworkInfoImpl::GetCurrentTcpOrvikConnections");
+  Sim::CheckFault(Sim::Operation::NetworkInfoImpl_GetCurrentTcpOrvikConnections);
   Collect(out, key, "tcp");
 }
 
 void NetworkInfoImpl::GetCurrentUdpOrvikConnections(std::vector<TcpIpConnection>& out,
                                                     std::string const& key) {
-  Sim::CheckFault("NetworkInfoImpl::GetCurrentUdpOrvikConnections");
+  Sim::CheckFault(Sim::Operation::NetworkInfoImpl_GetCurrentUdpOrvikConnections);
   Collect(out, key, "udp");
 }
 
 void NetworkInfoImpl::GetCurrentIpOrvikConnections(std::vector<TcpIpConnection>& out,
                                                    std::string const& key) {
-  Sim::CheckFault("NetworkInfoImpl::GetCurrentIpOrvikConnections");
+  Sim::CheckFault(Sim::Operation::NetworkInfoImpl_GetCurrentIpOrvikConnections);
   Collect(out, key, "ip");
 }
 
@@ -68,10 +68,10 @@ namespace OrvkCtl::Resource {
 ResourceInfoImpl::ResourceInfoImpl() = default;
 ResourceInfoImpl::~ResourceInfoImpl() = default;
 
-void ResourceInfoImpl::Refresh() { Sim::CheckFault("ResourceInfoImpl::Refresh"); }
+void ResourceInfoImpl::Refresh() { Sim::CheckFault(Sim::Operation::ResourceInfoImpl_Refresh); }
 
 std::string ResourceInfoImpl::GetWorldName(unsigned long worldId) {
-  Sim::CheckFault("ResourceInfoImpl::GetWorldName");
+  Sim::CheckFault(Sim::Operation::ResourceInfoImpl_GetWorldName);
   for (auto const& world : Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime).runtime.worlds) {
     if (world.id == worldId) return world.name;
   }

@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/dcb.h"
 
 namespace OrvkCtl::Network {
@@ -10,6 +10,7 @@ namespace {
 
 using HostCtl::Lib::HostCtlException;
 using Sim::CheckFault;
+using Sim::Operation;
 
 void CopyBytes(Sim::TcBytes const& from, uint8_t (&to)[8]) {
   std::copy(from.begin(), from.end(), to);
@@ -21,7 +22,7 @@ DcbInfoImpl::DcbInfoImpl(std::string const& nicName) : name_(nicName) {}
 DcbInfoImpl::~DcbInfoImpl() = default;
 
 void DcbInfoImpl::Refresh() {
-  CheckFault("DcbInfoImpl::Refresh");
+  CheckFault(Operation::DcbInfoImpl_Refresh);
   auto const* nic = Sim::FindPnic(Sim::ReadHost(Sim::kAreaNic).nic, name_);
   if (!nic) throw HostCtlException("Physical NIC " + name_ + " not found");
   if (!nic->dcb.supported) throw HostCtlException("DCB is not supported by " + name_);
@@ -34,17 +35,17 @@ Sim::DcbState const& DcbInfoImpl::Cached() {
 }
 
 uint32_t DcbInfoImpl::GetMode() {
-  CheckFault("DcbInfoImpl::GetMode");
+  CheckFault(Operation::DcbInfoImpl_GetMode);
   return Cached().mode;
 }
 
 bool DcbInfoImpl::IsEnabled() {
-  CheckFault("DcbInfoImpl::IsEnabled");
+  CheckFault(Operation::DcbInfoImpl_IsEnabled);
   return Cached().enabled;
 }
 
 HostCtl::Network::DcbCapabilities DcbInfoImpl::GetCapabilities() {
-  CheckFault("DcbInfoImpl::GetCapabilities");
+  CheckFault(Operation::DcbInfoImpl_GetCapabilities);
   auto const& dcb = Cached();
   HostCtl::Network::DcbCapabilities caps;
   caps.priorityGroup = dcb.cap_priority_group;
@@ -56,17 +57,17 @@ HostCtl::Network::DcbCapabilities DcbInfoImpl::GetCapabilities() {
 }
 
 bool DcbInfoImpl::IsPfcEnabled() {
-  CheckFault("DcbInfoImpl::IsPfcEnabled");
+  CheckFault(Operation::DcbInfoImpl_IsPfcEnabled);
   return Cached().pfc_enabled;
 }
 
 uint8_t DcbInfoImpl::GetPfcConfig() {
-  CheckFault("DcbInfoImpl::GetPfcConfig");
+  CheckFault(Operation::DcbInfoImpl_GetPfcConfig);
   return Cached().pfc_config;
 }
 
 HostCtl::Network::DcbIeeeEtsConfig DcbInfoImpl::GetIeeeEtsConfig() {
-  CheckFault("DcbInfoImpl::GetIeeeEtsConfig");
+  CheckFault(Operation::DcbInfoImpl_GetIeeeEtsConfig);
   auto const& dcb = Cached();
   HostCtl::Network::DcbIeeeEtsConfig ets;
   ets.willing = dcb.ets_willing;
@@ -83,7 +84,7 @@ HostCtl::Network::DcbIeeeEtsConfig DcbInfoImpl::GetIeeeEtsConfig() {
 }
 
 HostCtl::Network::DcbIeeePfcConfig DcbInfoImpl::GetIeeePfcConfig() {
-  CheckFault("DcbInfoImpl::GetIeeePfcConfig");
+  CheckFault(Operation::DcbInfoImpl_GetIeeePfcConfig);
   auto const& dcb = Cached();
   HostCtl::Network::DcbIeeePfcConfig pfc;
   pfc.trafficClasses = dcb.pfc_traffic_classes;
@@ -96,7 +97,7 @@ HostCtl::Network::DcbIeeePfcConfig DcbInfoImpl::GetIeeePfcConfig() {
 }
 
 std::vector<HostCtl::Network::DcbApp> DcbInfoImpl::GetAppInfo() {
-  CheckFault("DcbInfoImpl::GetAppInfo");
+  CheckFault(Operation::DcbInfoImpl_GetAppInfo);
   std::vector<HostCtl::Network::DcbApp> apps;
   for (auto const& app : Cached().apps) {
     apps.push_back({app.app_type, app.protocol_id, app.user_priority});

@@ -5,7 +5,8 @@
 #include <cctype>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
+#include "host_rules.h"
 #include "hostctl/dns.h"
 #include "hostctl/network_types.h"
 
@@ -16,6 +17,7 @@ using HostCtl::Lib::HostCtlException;
 using HostCtl::Network::Ipv4Address;
 using HostCtl::Network::Ipv6Address;
 using Sim::CheckFault;
+using Sim::Operation;
 
 // A host or domain name: dot-separated labels of letters, digits and
 // hyphens, 1 to 63 characters each, neither starting nor ending with a
@@ -64,7 +66,7 @@ DnsConfigImpl::DnsConfigImpl(std::string const& netstackKey) : key_(netstackKey)
 DnsConfigImpl::~DnsConfigImpl() = default;
 
 void DnsConfigImpl::Refresh() {
-  CheckFault("DnsConfigImpl::Refresh");
+  CheckFault(Operation::DnsConfigImpl_Refresh);
   auto const& host = Sim::ReadHost(Sim::kAreaIp);
   RequireNetstack(host, key_);
   servers_.clear();
@@ -78,9 +80,10 @@ void DnsConfigImpl::Refresh() {
 }
 
 void DnsConfigImpl::AddUserNameServer(HostCtl::Network::IpAddress const& address) {
-  CheckFault("DnsConfigImpl::AddUserNameServer");
+  CheckFault(Operation::DnsConfigImpl_AddUserNameServer);
   EnsureFresh();
   std::string text = address.GetStringAddress();
+  Sim::CheckDnsServer(text);
   if (std::find(servers_.begin(), servers_.end(), text) != servers_.end()) {
     throw HostCtlException("DNS server " + text + " is already configured");
   }
@@ -88,7 +91,7 @@ void DnsConfigImpl::AddUserNameServer(HostCtl::Network::IpAddress const& address
 }
 
 void DnsConfigImpl::RemoveNameServer(HostCtl::Network::IpAddress const& address) {
-  CheckFault("DnsConfigImpl::RemoveNameServer");
+  CheckFault(Operation::DnsConfigImpl_RemoveNameServer);
   EnsureFresh();
   std::string text = address.GetStringAddress();
   auto found = std::find(servers_.begin(), servers_.end(), text);
@@ -99,19 +102,19 @@ void DnsConfigImpl::RemoveNameServer(HostCtl::Network::IpAddress const& address)
 }
 
 void DnsConfigImpl::RemoveNameServers() {
-  CheckFault("DnsConfigImpl::RemoveNameServers");
+  CheckFault(Operation::DnsConfigImpl_RemoveNameServers);
   EnsureFresh();
   servers_.clear();
 }
 
 std::vector<std::string> DnsConfigImpl::GetNameServers() {
-  CheckFault("DnsConfigImpl::GetNameServers");
+  CheckFault(Operation::DnsConfigImpl_GetNameServers);
   EnsureFresh();
   return servers_;
 }
 
 void DnsConfigImpl::AddUserSearchDomain(std::string const& domain) {
-  CheckFault("DnsConfigImpl::AddUserSearchDomain");
+  CheckFault(Operation::DnsConfigImpl_AddUserSearchDomain);
   EnsureFresh();
   if (!IsValidName(domain)) {
     throw HostCtlException("Invalid search domain '" + domain + "'");
@@ -125,7 +128,7 @@ void DnsConfigImpl::AddUserSearchDomain(std::string const& domain) {
 }
 
 void DnsConfigImpl::RemoveSearchDomain(std::string const& domain) {
-  CheckFault("DnsConfigImpl::RemoveSearchDomain");
+  CheckFault(Operation::DnsConfigImpl_RemoveSearchDomain);
   EnsureFresh();
   auto found = std::find_if(domains_.begin(), domains_.end(),
                             [&](std::string const& listed) { return SameName(listed, domain); });
@@ -136,7 +139,7 @@ void DnsConfigImpl::RemoveSearchDomain(std::string const& domain) {
 }
 
 std::string DnsConfigImpl::GetSearchDomainsString() {
-  CheckFault("DnsConfigImpl::GetSearchDomainsString");
+  CheckFault(Operation::DnsConfigImpl_GetSearchDomainsString);
   EnsureFresh();
   std::string text;
   for (auto const& domain : domains_) {
@@ -147,7 +150,7 @@ std::string DnsConfigImpl::GetSearchDomainsString() {
 }
 
 void DnsConfigImpl::SaveConfig() {
-  CheckFault("DnsConfigImpl::SaveConfig");
+  CheckFault(Operation::DnsConfigImpl_SaveConfig);
   EnsureFresh();
   Sim::ChangeHost(Sim::kAreaIp, [&](Sim::HostModel& host) {
     RequireNetstack(host, key_);
@@ -174,12 +177,12 @@ HostsFileEntry::HostsFileEntry(std::string ipAddress, std::string hostName,
 HostsFile::HostsFile() = default;
 HostsFile::~HostsFile() = default;
 
-void HostsFile::Refresh() { CheckFault("HostsFile::Refresh"); }
+void HostsFile::Refresh() { CheckFault(Operation::HostsFile_Refresh); }
 
 void HostsFile::AddEntryFromUser(std::string const& ip, std::string const& hostName,
                                  std::vector<std::string> const& aliases,
                                  std::string const& comment) {
-  CheckFault("HostsFile::AddEntryFromUser");
+  CheckFault(Operation::HostsFile_AddEntryFromUser);
   std::string address = CanonicalHostAddress(ip);
   if (!IsValidName(hostName)) throw HostCtlException("Invalid host name '" + hostName + "'");
   for (auto const& alias : aliases) {
@@ -199,7 +202,7 @@ void HostsFile::AddEntryFromUser(std::string const& ip, std::string const& hostN
 }
 
 void HostsFile::RemoveEntryFromUser(std::string const& ip, std::string const& hostName) {
-  CheckFault("HostsFile::RemoveEntryFromUser");
+  CheckFault(Operation::HostsFile_RemoveEntryFromUser);
   std::string address = CanonicalHostAddress(ip);
   Sim::ChangeHost(Sim::kAreaIp, [&](Sim::HostModel& host) {
     auto& entries = host.ip.hosts;
@@ -214,7 +217,7 @@ void HostsFile::RemoveEntryFromUser(std::string const& ip, std::string const& ho
 }
 
 HostsFileEntryList HostsFile::GetEntriesFromConfig() {
-  CheckFault("HostsFile::GetEntriesFromConfig");
+  CheckFault(Operation::HostsFile_GetEntriesFromConfig);
   HostsFileEntryList entries;
   for (auto const& entry : Sim::ReadHost(Sim::kAreaIp).ip.hosts) {
     entries.push_back(

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/dvswitch.h"
 #include "hostctl/network_info.h"
 #include "hostctl/port.h"
@@ -15,7 +15,7 @@ DVSwitch::~DVSwitch() = default;
 DVPort::~DVPort() = default;
 
 std::unique_ptr<DVSwitch> NetworkFactory::GetDVSwitchByName(std::string const& name) {
-  OrvkCtl::Sim::CheckFault("NetworkFactory::GetDVSwitchByName");
+  OrvkCtl::Sim::CheckFault(OrvkCtl::Sim::Operation::NetworkFactory_GetDVSwitchByName);
   if (!OrvkCtl::Sim::FindDistributedSwitch(
           OrvkCtl::Sim::ReadHost(OrvkCtl::Sim::kAreaNic | OrvkCtl::Sim::kAreaIp |
                                  OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime)
@@ -27,7 +27,7 @@ std::unique_ptr<DVSwitch> NetworkFactory::GetDVSwitchByName(std::string const& n
 }
 
 std::unique_ptr<DVPort> NetworkFactory::GetDVPort(DVPortParam const& param) {
-  OrvkCtl::Sim::CheckFault("NetworkFactory::GetDVPort");
+  OrvkCtl::Sim::CheckFault(OrvkCtl::Sim::Operation::NetworkFactory_GetDVPort);
   auto port = std::make_unique<OrvkCtl::Network::DVPortImpl>(param);
   port->Refresh();
   return port;
@@ -40,6 +40,7 @@ namespace {
 
 using HostCtl::Lib::HostCtlException;
 using Sim::CheckFault;
+using Sim::Operation;
 using Sim::DistributedSwitchState;
 using Sim::HostModel;
 
@@ -138,28 +139,28 @@ DVSwitchImpl::DVSwitchImpl(std::string const& name) : PortsetImpl(name) {}
 DVSwitchImpl::~DVSwitchImpl() = default;
 
 void DVSwitchImpl::Refresh() {
-  CheckFault("DVSwitchImpl::Refresh");
+  CheckFault(Operation::DVSwitchImpl_Refresh);
   ReadDvs(name_);
 }
 
 std::string DVSwitchImpl::GetName() {
-  CheckFault("DVSwitchImpl::GetName");
+  CheckFault(Operation::DVSwitchImpl_GetName);
   EnsureFresh();
   return name_;
 }
 
 std::vector<std::string> DVSwitchImpl::GetUplinks() {
-  CheckFault("DVSwitchImpl::GetUplinks");
+  CheckFault(Operation::DVSwitchImpl_GetUplinks);
   return ReadDvs(name_).uplinks;
 }
 
 int DVSwitchImpl::GetNumPorts() {
-  CheckFault("DVSwitchImpl::GetNumPorts");
+  CheckFault(Operation::DVSwitchImpl_GetNumPorts);
   return ReadDvs(name_).configured_ports + kReservedPorts;
 }
 
 std::vector<std::string> DVSwitchImpl::GetConnectedUplinks() {
-  CheckFault("DVSwitchImpl::GetConnectedUplinks");
+  CheckFault(Operation::DVSwitchImpl_GetConnectedUplinks);
   HostModel const& host =
       Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   std::vector<std::string> connected;
@@ -170,7 +171,7 @@ std::vector<std::string> DVSwitchImpl::GetConnectedUplinks() {
 }
 
 int DVSwitchImpl::GetNumUsedPorts() {
-  CheckFault("DVSwitchImpl::GetNumUsedPorts");
+  CheckFault(Operation::DVSwitchImpl_GetNumUsedPorts);
   HostModel const& host =
       Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   ReadDvs(host, name_);
@@ -183,13 +184,13 @@ int DVSwitchImpl::GetNumUsedPorts() {
 }
 
 std::string DVSwitchImpl::GetClass() {
-  CheckFault("DVSwitchImpl::GetClass");
+  CheckFault(Operation::DVSwitchImpl_GetClass);
   ReadDvs(name_);
   return "tamarisk-dvs";
 }
 
 std::vector<std::unique_ptr<HostCtl::Network::Port>> DVSwitchImpl::GetPorts() {
-  CheckFault("DVSwitchImpl::GetPorts");
+  CheckFault(Operation::DVSwitchImpl_GetPorts);
   HostModel const& host =
       Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   ReadDvs(host, name_);
@@ -201,22 +202,22 @@ std::vector<std::unique_ptr<HostCtl::Network::Port>> DVSwitchImpl::GetPorts() {
 }
 
 std::string DVSwitchImpl::GetDvsName() {
-  CheckFault("DVSwitchImpl::GetDvsName");
+  CheckFault(Operation::DVSwitchImpl_GetDvsName);
   return ReadDvs(name_).name;
 }
 
 std::string DVSwitchImpl::GetDvsId() {
-  CheckFault("DVSwitchImpl::GetDvsId");
+  CheckFault(Operation::DVSwitchImpl_GetDvsId);
   return ReadDvs(name_).id;
 }
 
 std::string DVSwitchImpl::GetDvsIdentifier() {
-  CheckFault("DVSwitchImpl::GetDvsIdentifier");
+  CheckFault(Operation::DVSwitchImpl_GetDvsIdentifier);
   return ReadDvs(name_).id;
 }
 
 void DVSwitchImpl::GetPortIds(std::vector<std::string>& keys, std::vector<std::string>& ids) {
-  CheckFault("DVSwitchImpl::GetPortIds");
+  CheckFault(Operation::DVSwitchImpl_GetPortIds);
   auto const& dvs = ReadDvs(name_);
   std::vector<std::string> all;
   for (auto const& port : dvs.ports) all.push_back(port.id);
@@ -229,14 +230,14 @@ void DVSwitchImpl::GetPortIds(std::vector<std::string>& keys, std::vector<std::s
 }
 
 std::unique_ptr<HostCtl::Network::DVPort> DVSwitchImpl::GetPort(std::string const& id) {
-  CheckFault("DVSwitchImpl::GetPort");
+  CheckFault(Operation::DVSwitchImpl_GetPort);
   auto const& dvs = ReadDvs(name_);
   if (!FindDVPort(dvs, id)) return nullptr;
   return std::make_unique<DVPortImpl>(id, dvs.id);
 }
 
 std::vector<HostCtl::Network::LacpGroup> DVSwitchImpl::GetLacpGroups() {
-  CheckFault("DVSwitchImpl::GetLacpGroups");
+  CheckFault(Operation::DVSwitchImpl_GetLacpGroups);
   std::vector<HostCtl::Network::LacpGroup> groups;
   for (auto const& lag : ReadDvs(name_).lags) {
     if (!lag.running) continue;
@@ -253,7 +254,7 @@ std::vector<HostCtl::Network::LacpGroup> DVSwitchImpl::GetLacpGroups() {
 }
 
 void DVSwitchImpl::SetLacpTimeout(unsigned lagId, bool shortTimeout, std::string const& nic) {
-  CheckFault("DVSwitchImpl::SetLacpTimeout");
+  CheckFault(Operation::DVSwitchImpl_SetLacpTimeout);
   Sim::ChangeHost(
       Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime, [&](HostModel& host) {
         auto* dvs = Sim::FindDistributedSwitch(host.vswitch, name_);
@@ -278,7 +279,7 @@ void DVSwitchImpl::SetLacpTimeout(unsigned lagId, bool shortTimeout, std::string
 }
 
 std::vector<HostCtl::Network::LagConfig> DVSwitchImpl::GetLagConfigs() {
-  CheckFault("DVSwitchImpl::GetLagConfigs");
+  CheckFault(Operation::DVSwitchImpl_GetLagConfigs);
   std::vector<HostCtl::Network::LagConfig> configs;
   for (auto const& lag : ReadDvs(name_).lags) {
     HostCtl::Network::LagConfig config;
@@ -296,7 +297,7 @@ std::vector<HostCtl::Network::LagConfig> DVSwitchImpl::GetLagConfigs() {
 }
 
 std::map<std::string, HostCtl::Network::DVPortParam> DVSwitchImpl::GetUplinkPorts() {
-  CheckFault("DVSwitchImpl::GetUplinkPorts");
+  CheckFault(Operation::DVSwitchImpl_GetUplinkPorts);
   auto const& dvs = ReadDvs(name_);
   std::map<std::string, HostCtl::Network::DVPortParam> uplinks;
   for (auto const& port : dvs.uplink_ports) {
@@ -306,33 +307,33 @@ std::map<std::string, HostCtl::Network::DVPortParam> DVSwitchImpl::GetUplinkPort
 }
 
 std::string DVSwitchImpl::GetCdpStatusString() {
-  CheckFault("DVSwitchImpl::GetCdpStatusString");
+  CheckFault(Operation::DVSwitchImpl_GetCdpStatusString);
   int status = ReadDvs(name_).cdp_status;
   return status >= 0 && status <= 3 ? kCdpWords[status] : "unknown";
 }
 
 int DVSwitchImpl::GetNumConfiguredPorts() {
-  CheckFault("DVSwitchImpl::GetNumConfiguredPorts");
+  CheckFault(Operation::DVSwitchImpl_GetNumConfiguredPorts);
   return static_cast<int>(ReadDvs(name_).ports.size());
 }
 
 int DVSwitchImpl::GetMTU() {
-  CheckFault("DVSwitchImpl::GetMTU");
+  CheckFault(Operation::DVSwitchImpl_GetMTU);
   return ReadDvs(name_).mtu;
 }
 
 int DVSwitchImpl::GetBeaconTimeout() {
-  CheckFault("DVSwitchImpl::GetBeaconTimeout");
+  CheckFault(Operation::DVSwitchImpl_GetBeaconTimeout);
   return ReadDvs(name_).beacon_timeout;
 }
 
 bool DVSwitchImpl::IsCorvaneBranded() {
-  CheckFault("DVSwitchImpl::IsCorvaneBranded");
+  CheckFault(Operation::DVSwitchImpl_IsCorvaneBranded);
   return ReadDvs(name_).corvane_branded;
 }
 
 std::vector<std::unique_ptr<HostCtl::Network::DVPort>> DVSwitchImpl::GetDVPorts() {
-  CheckFault("DVSwitchImpl::GetDVPorts");
+  CheckFault(Operation::DVSwitchImpl_GetDVPorts);
   auto const& dvs = ReadDvs(name_);
   std::vector<Sim::DVPortState const*> sorted;
   for (auto const& port : dvs.ports) sorted.push_back(&port);
@@ -354,13 +355,13 @@ DVPortImpl::DVPortImpl(std::string const& portId, std::string const& switchId)
 DVPortImpl::~DVPortImpl() = default;
 
 void DVPortImpl::Refresh() {
-  CheckFault("DVPortImpl::Refresh");
+  CheckFault(Operation::DVPortImpl_Refresh);
   ReadDVPort(Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime),
              switchId_, portId);
 }
 
 bool DVPortImpl::IsInUse(std::vector<std::string>& clients) {
-  CheckFault("DVPortImpl::IsInUse");
+  CheckFault(Operation::DVPortImpl_IsInUse);
   HostModel const& host =
       Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   auto [dvs, port] = ReadDVPort(host, switchId_, portId);
@@ -382,7 +383,7 @@ bool DVPortImpl::IsInUse(std::vector<std::string>& clients) {
 }
 
 std::string DVPortImpl::GetPortName() {
-  CheckFault("DVPortImpl::GetPortName");
+  CheckFault(Operation::DVPortImpl_GetPortName);
   return ReadDVPort(
              Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime),
              switchId_, portId)
@@ -390,7 +391,7 @@ std::string DVPortImpl::GetPortName() {
 }
 
 std::pair<bool, int> DVPortImpl::GetLacpPortConfig() {
-  CheckFault("DVPortImpl::GetLacpPortConfig");
+  CheckFault(Operation::DVPortImpl_GetLacpPortConfig);
   auto const* port = ReadDVPort(Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch |
                                               Sim::kAreaRuntime),
                                 switchId_, portId)
@@ -399,7 +400,7 @@ std::pair<bool, int> DVPortImpl::GetLacpPortConfig() {
 }
 
 std::string DVPortImpl::GetDVPortgroupId() const {
-  CheckFault("DVPortImpl::GetDVPortgroupId");
+  CheckFault(Operation::DVPortImpl_GetDVPortgroupId);
   return ReadDVPort(
              Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime),
              switchId_, portId)
@@ -407,7 +408,7 @@ std::string DVPortImpl::GetDVPortgroupId() const {
 }
 
 uint32_t DVPortImpl::GetConnectionId() {
-  CheckFault("DVPortImpl::GetConnectionId");
+  CheckFault(Operation::DVPortImpl_GetConnectionId);
   return ReadDVPort(
              Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime),
              switchId_, portId)
@@ -415,7 +416,7 @@ uint32_t DVPortImpl::GetConnectionId() {
 }
 
 void DVPortImpl::SetConnectionId(uint32_t connectionId) {
-  CheckFault("DVPortImpl::SetConnectionId");
+  CheckFault(Operation::DVPortImpl_SetConnectionId);
   Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime,
                   [&](HostModel& host) {
                     ReadDVPort(host, switchId_, portId);
@@ -440,7 +441,7 @@ HostCtl::Network::DVPortParam DVPortImpl::GetDVPortParam() const {
 }
 
 std::string DVPortImpl::GetPortsetName() {
-  CheckFault("DVPortImpl::GetPortsetName");
+  CheckFault(Operation::DVPortImpl_GetPortsetName);
   auto const* dvs = FindDvsById(
       Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime),
       switchId_);
@@ -449,7 +450,7 @@ std::string DVPortImpl::GetPortsetName() {
 }
 
 bool DVPortImpl::IsValid() {
-  CheckFault("DVPortImpl::IsValid");
+  CheckFault(Operation::DVPortImpl_IsValid);
   auto const* dvs = FindDvsById(
       Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime),
       switchId_);
@@ -459,7 +460,7 @@ bool DVPortImpl::IsValid() {
 // ---- VirtualSwitchInfoImpl: distributed switches ----
 
 std::vector<std::unique_ptr<HostCtl::Network::DVSwitch>> VirtualSwitchInfoImpl::GetDVSwitches() {
-  CheckFault("VirtualSwitchInfoImpl::GetDVSwitches");
+  CheckFault(Operation::VirtualSwitchInfoImpl_GetDVSwitches);
   std::vector<std::unique_ptr<HostCtl::Network::DVSwitch>> switches;
   for (auto const& dvs :
        Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime)
@@ -471,7 +472,7 @@ std::vector<std::unique_ptr<HostCtl::Network::DVSwitch>> VirtualSwitchInfoImpl::
 
 std::unique_ptr<HostCtl::Network::DVSwitch> VirtualSwitchInfoImpl::GetDVSwitchByName(
     std::string const& name) {
-  CheckFault("VirtualSwitchInfoImpl::GetDVSwitchByName");
+  CheckFault(Operation::VirtualSwitchInfoImpl_GetDVSwitchByName);
   if (!Sim::FindDistributedSwitch(
           Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime)
               .vswitch,
@@ -482,13 +483,13 @@ std::unique_ptr<HostCtl::Network::DVSwitch> VirtualSwitchInfoImpl::GetDVSwitchBy
 
 std::vector<std::unique_ptr<HostCtl::Network::DVSwitch>>
 VirtualSwitchInfoImpl::GetOpaqueDVSwitches() {
-  CheckFault("VirtualSwitchInfoImpl::GetOpaqueDVSwitches");
+  CheckFault(Operation::VirtualSwitchInfoImpl_GetOpaqueDVSwitches);
   Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   return {};
 }
 
 bool VirtualSwitchInfoImpl::IsLegacySwitch(std::string const& name) {
-  CheckFault("VirtualSwitchInfoImpl::IsLegacySwitch");
+  CheckFault(Operation::VirtualSwitchInfoImpl_IsLegacySwitch);
   return Sim::FindStandardSwitch(
              Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime)
                  .vswitch,
@@ -496,7 +497,7 @@ bool VirtualSwitchInfoImpl::IsLegacySwitch(std::string const& name) {
 }
 
 bool VirtualSwitchInfoImpl::IsDVSwitch(std::string const& name) {
-  CheckFault("VirtualSwitchInfoImpl::IsDVSwitch");
+  CheckFault(Operation::VirtualSwitchInfoImpl_IsDVSwitch);
   return Sim::FindDistributedSwitch(
              Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime)
                  .vswitch,
@@ -504,7 +505,7 @@ bool VirtualSwitchInfoImpl::IsDVSwitch(std::string const& name) {
 }
 
 bool VirtualSwitchInfoImpl::IsOpaqueSwitch(std::string const& name) {
-  CheckFault("VirtualSwitchInfoImpl::IsOpaqueSwitch");
+  CheckFault(Operation::VirtualSwitchInfoImpl_IsOpaqueSwitch);
   Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   static_cast<void>(name);
   return false;

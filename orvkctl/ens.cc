@@ -4,7 +4,7 @@
 #include <string>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/network_info.h"
 
 namespace HostCtl::Network {
@@ -12,6 +12,7 @@ namespace {
 
 using Lib::HostCtlException;
 using OrvkCtl::Sim::CheckFault;
+using OrvkCtl::Sim::Operation;
 using OrvkCtl::Sim::EnsLcoreState;
 using OrvkCtl::Sim::EnsState;
 using OrvkCtl::Sim::HostModel;
@@ -55,13 +56,13 @@ bool SwitchExists(HostModel const& host, std::string const& name) {
 }  // namespace
 
 uint32_t NetworkInfo::GetMaxLcores() {
-  CheckFault("NetworkInfo::GetMaxLcores");
+  CheckFault(Operation::NetworkInfo_GetMaxLcores);
   return OrvkCtl::Sim::ReadHost(OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime)
       .runtime.ens.max_lcores;
 }
 
 bool NetworkInfo::SetMaxLcores(unsigned long maximum) {
-  CheckFault("NetworkInfo::SetMaxLcores");
+  CheckFault(Operation::NetworkInfo_SetMaxLcores);
   bool result = false;
   OrvkCtl::Sim::ChangeHost(
       OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime, [&](HostModel& host) {
@@ -78,7 +79,7 @@ bool NetworkInfo::SetMaxLcores(unsigned long maximum) {
 }
 
 bool NetworkInfo::AddLcore(unsigned long lcoreId) {
-  CheckFault("NetworkInfo::AddLcore");
+  CheckFault(Operation::NetworkInfo_AddLcore);
   OrvkCtl::Sim::ChangeHost(
       OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime, [&](HostModel& host) {
         auto& ens = host.runtime.ens;
@@ -100,7 +101,7 @@ bool NetworkInfo::AddLcore(unsigned long lcoreId) {
 }
 
 bool NetworkInfo::RemoveLcore(unsigned long lcoreId) {
-  CheckFault("NetworkInfo::RemoveLcore");
+  CheckFault(Operation::NetworkInfo_RemoveLcore);
   bool result = false;
   OrvkCtl::Sim::ChangeHost(
       OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime, [&](HostModel& host) {
@@ -116,7 +117,7 @@ bool NetworkInfo::RemoveLcore(unsigned long lcoreId) {
 }
 
 std::vector<unsigned long> NetworkInfo::GetLcoreList() {
-  CheckFault("NetworkInfo::GetLcoreList");
+  CheckFault(Operation::NetworkInfo_GetLcoreList);
   std::vector<unsigned long> ids;
   for (auto const& lcore :
        OrvkCtl::Sim::ReadHost(OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime)
@@ -126,12 +127,12 @@ std::vector<unsigned long> NetworkInfo::GetLcoreList() {
 }
 
 std::string NetworkInfo::GetLcoreSwitch(unsigned long lcoreId) {
-  CheckFault("NetworkInfo::GetLcoreSwitch");
+  CheckFault(Operation::NetworkInfo_GetLcoreSwitch);
   return ReadLcore(lcoreId).switch_name;
 }
 
 bool NetworkInfo::AddLcoreSwitch(std::string const& switchName, unsigned long lcoreId) {
-  CheckFault("NetworkInfo::AddLcoreSwitch");
+  CheckFault(Operation::NetworkInfo_AddLcoreSwitch);
   return ChangeLcore(lcoreId, [&](HostModel const& host, EnsLcoreState& lcore) {
     if (switchName == kNoSwitch) {
       lcore.switch_name = kNoSwitch;
@@ -147,12 +148,12 @@ bool NetworkInfo::AddLcoreSwitch(std::string const& switchName, unsigned long lc
 }
 
 int32_t NetworkInfo::GetLcoreAffinity(unsigned long lcoreId) {
-  CheckFault("NetworkInfo::GetLcoreAffinity");
+  CheckFault(Operation::NetworkInfo_GetLcoreAffinity);
   return ReadLcore(lcoreId).affinity;
 }
 
 bool NetworkInfo::SetLcoreAffinity(unsigned int affinity, unsigned long lcoreId) {
-  CheckFault("NetworkInfo::SetLcoreAffinity");
+  CheckFault(Operation::NetworkInfo_SetLcoreAffinity);
   return ChangeLcore(lcoreId, [&](HostModel const& host, EnsLcoreState& lcore) {
     if (affinity >= host.runtime.ens.numa_nodes) {
       // The node is signed on the host: the narrowed -1 names node -1.

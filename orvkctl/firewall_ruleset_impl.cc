@@ -4,7 +4,8 @@
 #include <functional>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
+#include "host_rules.h"
 #include "hostctl/system.h"
 
 namespace HostCtl::System {
@@ -20,6 +21,7 @@ using HostCtl::Network::Ipv4Network;
 using HostCtl::Network::Ipv6Address;
 using HostCtl::Network::Ipv6Network;
 using Sim::CheckFault;
+using Sim::Operation;
 using Sim::FirewallRulesetState;
 
 HostCtlException NoSuchRuleset(std::string const& id) {
@@ -41,29 +43,13 @@ void ChangeRuleset(std::string const& id,
   });
 }
 
-// The canonical text of an allowed address or network, a network with its
-// host bits clear; throws for a text that is neither.
-std::string CanonicalAllowedIp(std::string const& text) {
-  if (text.find('/') != std::string::npos) {
-    if (Ipv4Network::IsValidAddressAndNetmask(text)) return Ipv4Network(text).GetStringAddress();
-    if (Ipv6Network::IsValidAddressAndNetmask(text)) {
-      Ipv6Network network(text);
-      return Ipv6Network(network.GetNetwork(), network.GetNetmask()).GetStringAddress();
-    }
-  } else {
-    if (Ipv4Address::IsValidAddress(text)) return Ipv4Address(text).GetStringAddress();
-    if (Ipv6Address::IsValidAddress(text)) return Ipv6Address(text).GetStringAddress();
-  }
-  throw HostCtlException("Invalid ip address or network: '" + text + "'");
-}
-
 }  // namespace
 
 FirewallRulesetImpl::FirewallRulesetImpl(std::string const& id) : id_(id) {}
 FirewallRulesetImpl::~FirewallRulesetImpl() = default;
 
 void FirewallRulesetImpl::Refresh() {
-  CheckFault("FirewallRulesetImpl::Refresh");
+  CheckFault(Operation::FirewallRulesetImpl_Refresh);
   Sim::ReadHost(Sim::kAreaFirewall);
 }
 
@@ -75,32 +61,32 @@ std::string FirewallRulesetImpl::GetRulesetId() const {
 }
 
 bool FirewallRulesetImpl::IsLoaded() {
-  CheckFault("FirewallRulesetImpl::IsLoaded");
+  CheckFault(Operation::FirewallRulesetImpl_IsLoaded);
   return Sim::FindRuleset(Sim::ReadHost(Sim::kAreaFirewall).firewall, id_) != nullptr;
 }
 
 bool FirewallRulesetImpl::IsEnabled() {
-  CheckFault("FirewallRulesetImpl::IsEnabled");
+  CheckFault(Operation::FirewallRulesetImpl_IsEnabled);
   return ReadRuleset(id_).enabled;
 }
 
 void FirewallRulesetImpl::Enable() {
-  CheckFault("FirewallRulesetImpl::Enable");
+  CheckFault(Operation::FirewallRulesetImpl_Enable);
   ChangeRuleset(id_, [](FirewallRulesetState& ruleset) { ruleset.enabled = true; });
 }
 
 void FirewallRulesetImpl::Disable() {
-  CheckFault("FirewallRulesetImpl::Disable");
+  CheckFault(Operation::FirewallRulesetImpl_Disable);
   ChangeRuleset(id_, [](FirewallRulesetState& ruleset) { ruleset.enabled = false; });
 }
 
 int32_t FirewallRulesetImpl::GetClientCount() {
-  CheckFault("FirewallRulesetImpl::GetClientCount");
+  CheckFault(Operation::FirewallRulesetImpl_GetClientCount);
   return ReadRuleset(id_).client_count;
 }
 
 void FirewallRulesetImpl::AddClient() {
-  CheckFault("FirewallRulesetImpl::AddClient");
+  CheckFault(Operation::FirewallRulesetImpl_AddClient);
   ChangeRuleset(id_, [](FirewallRulesetState& ruleset) {
     ++ruleset.client_count;
     ruleset.enabled = true;
@@ -108,7 +94,7 @@ void FirewallRulesetImpl::AddClient() {
 }
 
 void FirewallRulesetImpl::RemoveClient() {
-  CheckFault("FirewallRulesetImpl::RemoveClient");
+  CheckFault(Operation::FirewallRulesetImpl_RemoveClient);
   ChangeRuleset(id_, [&](FirewallRulesetState& ruleset) {
     if (ruleset.client_count <= 0) {
       throw HostCtlException("Ruleset " + id_ + " has no client to remove");
@@ -118,7 +104,7 @@ void FirewallRulesetImpl::RemoveClient() {
 }
 
 HostCtl::System::FirewallRuleList FirewallRulesetImpl::GetRules() {
-  CheckFault("FirewallRulesetImpl::GetRules");
+  CheckFault(Operation::FirewallRulesetImpl_GetRules);
   HostCtl::System::FirewallRuleList rules;
   for (auto const& rule : ReadRuleset(id_).rules) {
     rules.push_back(std::make_unique<HostCtl::System::FirewallRule>(
@@ -128,7 +114,7 @@ HostCtl::System::FirewallRuleList FirewallRulesetImpl::GetRules() {
 }
 
 HostCtl::System::FirewallAllowedIps const& FirewallRulesetImpl::GetAllowedIps() {
-  CheckFault("FirewallRulesetImpl::GetAllowedIps");
+  CheckFault(Operation::FirewallRulesetImpl_GetAllowedIps);
   HostCtl::System::FirewallAllowedIps allowed;
   for (auto const& text : ReadRuleset(id_).allowed_ips) {
     if (text.find('/') != std::string::npos) {
@@ -148,8 +134,8 @@ HostCtl::System::FirewallAllowedIps const& FirewallRulesetImpl::GetAllowedIps() 
 }
 
 void FirewallRulesetImpl::AddAllowedIp(std::string const& text) {
-  CheckFault("FirewallRulesetImpl::AddAllowedIp");
-  std::string entry = CanonicalAllowedIp(text);
+  CheckFault(Operation::FirewallRulesetImpl_AddAllowedIp);
+  std::string entry = Sim::CanonicalAllowedIp(text);
   ChangeRuleset(id_, [&](FirewallRulesetState& ruleset) {
     auto& list = ruleset.allowed_ips;
     if (std::find(list.begin(), list.end(), entry) != list.end()) {
@@ -161,8 +147,8 @@ void FirewallRulesetImpl::AddAllowedIp(std::string const& text) {
 }
 
 void FirewallRulesetImpl::RemoveAllowedIp(std::string const& text) {
-  CheckFault("FirewallRulesetImpl::RemoveAllowedIp");
-  std::string entry = CanonicalAllowedIp(text);
+  CheckFault(Operation::FirewallRulesetImpl_RemoveAllowedIp);
+  std::string entry = Sim::CanonicalAllowedIp(text);
   ChangeRuleset(id_, [&](FirewallRulesetState& ruleset) {
     auto& list = ruleset.allowed_ips;
     auto found = std::find(list.begin(), list.end(), entry);
@@ -174,17 +160,17 @@ void FirewallRulesetImpl::RemoveAllowedIp(std::string const& text) {
 }
 
 void FirewallRulesetImpl::SetAllowedAll(bool allowedAll) {
-  CheckFault("FirewallRulesetImpl::SetAllowedAll");
+  CheckFault(Operation::FirewallRulesetImpl_SetAllowedAll);
   ChangeRuleset(id_, [&](FirewallRulesetState& ruleset) { ruleset.allowed_all = allowedAll; });
 }
 
 bool FirewallRulesetImpl::IsAllowedAll() {
-  CheckFault("FirewallRulesetImpl::IsAllowedAll");
+  CheckFault(Operation::FirewallRulesetImpl_IsAllowedAll);
   return ReadRuleset(id_).allowed_all;
 }
 
 HostCtl::System::FirewallRulesetList SystemInfoImpl::GetFirewallRulesets() {
-  CheckFault("SystemInfoImpl::GetFirewallRulesets");
+  CheckFault(Operation::SystemInfoImpl_GetFirewallRulesets);
   HostCtl::System::FirewallRulesetList rulesets;
   for (auto const& ruleset : Sim::ReadHost(Sim::kAreaFirewall).firewall.rulesets) {
     rulesets.push_back(std::make_unique<FirewallRulesetImpl>(ruleset.id));
@@ -194,7 +180,7 @@ HostCtl::System::FirewallRulesetList SystemInfoImpl::GetFirewallRulesets() {
 
 std::unique_ptr<HostCtl::System::FirewallRuleset> SystemInfoImpl::GetFirewallRulesetById(
     std::string const& id) {
-  CheckFault("SystemInfoImpl::GetFirewallRulesetById");
+  CheckFault(Operation::SystemInfoImpl_GetFirewallRulesetById);
   return std::make_unique<FirewallRulesetImpl>(id);
 }
 

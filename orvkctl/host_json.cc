@@ -42,8 +42,31 @@ using JsonTree =
     rapidjson::GenericDocument<rapidjson::UTF8<>, rapidjson::MemoryPoolAllocator<>, JsonTreeTag>;
 
 JSON_RECORD(ModuleState, name, loaded)
+JSON_RANGE(FirewallRuleState, port_begin, 0, 65535)
+JSON_RANGE(FirewallRuleState, port_end, 0, 65535)
+JSON_HIDDEN void CheckRecord(FirewallRuleState const& rule) {
+  if (rule.port_begin > rule.port_end) {
+    JsonError error("the first port is after the last, " + std::to_string(rule.port_end));
+    error.Within("port_begin");
+    throw error;
+  }
+}
 JSON_RECORD(FirewallRuleState, name, port_type, port_begin, port_end, direction, protocol)
+JSON_RANGE(FirewallRulesetState, client_count, 0, INT32_MAX)
 JSON_RECORD(FirewallRulesetState, id, enabled, client_count, allowed_all, allowed_ips, rules)
+// A ruleset is found by its id: a second one of the same id could never be.
+JSON_HIDDEN void CheckRecord(FirewallState const& firewall) {
+  for (size_t i = 1; i < firewall.rulesets.size(); ++i) {
+    for (size_t j = 0; j < i; ++j) {
+      if (firewall.rulesets[j].id != firewall.rulesets[i].id) continue;
+      JsonError error("the ruleset id of rulesets[" + std::to_string(j) + "] again");
+      error.Within("id");
+      error.Within(i);
+      error.Within("rulesets");
+      throw error;
+    }
+  }
+}
 JSON_RECORD(FirewallState, enabled, default_action_pass, dynamic_rules, rulesets)
 
 namespace {
@@ -589,6 +612,12 @@ std::vector<std::string_view> SplitHostDocument(std::string& text, bool* compact
   ParseDocument(buffer, parsed);
   JsonValue const& document = parsed;
   if (!document.IsObject()) throw std::runtime_error("not a JSON object");
+  // Which version a file is must not depend on which of two a reader takes.
+  size_t formats = 0;
+  for (auto const& member : document.GetObject()) {
+    formats += std::string_view(member.name.GetString(), member.name.GetStringLength()) == "format";
+  }
+  if (formats > 1) throw std::runtime_error("\"format\" is given twice");
   auto format = document.FindMember("format");
   if (format == document.MemberEnd() || !(format->value.IsInt64() || format->value.IsUint64())) {
     throw std::runtime_error("no \"format\" version");

@@ -17,7 +17,6 @@
 #include <optional>
 
 #include "hostctl/lib.h"
-#include "hostctl/transaction.h"
 
 namespace OrvkCtl::Sim {
 namespace {
@@ -58,8 +57,7 @@ struct Store {
   bool changed_in_transaction = false;
   Snapshot begin;
   Snapshot savepoint;
-  std::string message;
-  // Only read: no lock, no seeded file, no change (OrvkCtl_ReadOnly).
+  // Only read: no lock, no seeded file, no change (SetReadOnly).
   bool read_only = false;
 };
 
@@ -409,10 +407,23 @@ std::string StatePath() {
   return (base / "toolbase" / "host-state.json").string();
 }
 
-HostModel const& ReadHost(AreaSet areas) { return Loaded(areas); }
-HostModel const& ReadHost() { return Loaded(kAreaAll); }
+namespace {
 
-void ChangeHost(AreaSet areas, std::function<void(HostModel&)> const& change) {
+// The state file as the host's backend.
+class StateFileBackend final : public HostBackend {
+ public:
+  HostModel const& Load(AreaSet areas) override { return Loaded(areas); }
+  void Commit(AreaSet areas, std::function<void(HostModel&)> const& change) override;
+  std::string BeginTransaction() override;
+  void Savepoint() override;
+  void RollbackToSavepoint() override;
+  std::string CommitTransaction() override;
+  void AbortTransaction() override;
+  void SetReadOnly() override;
+  void Reset() override;
+};
+
+void StateFileBackend::Commit(AreaSet areas, std::function<void(HostModel&)> const& change) {
   Store& store = TheStore();
   if (store.read_only && !store.in_transaction) {
     throw HostCtlException("The host is only read here; nothing was changed");
@@ -466,9 +477,7 @@ void ChangeHost(AreaSet areas, std::function<void(HostModel&)> const& change) {
   }
 }
 
-void ChangeHost(std::function<void(HostModel&)> const& change) { ChangeHost(kAreaAll, change); }
-
-void ResetHostForTest() {
+void StateFileBackend::Reset() {
   Store& store = TheStore();
   store.open = false;
   store.read_only = false;
@@ -485,86 +494,59 @@ void ResetHostForTest() {
   }
 }
 
-}  // namespace OrvkCtl::Sim
-
-using OrvkCtl::Sim::Store;
-using OrvkCtl::Sim::TheStore;
-
-extern "C" {
-
-const char* OrvkCtl_BeginTransaction() {
+std::string StateFileBackend::BeginTransaction() {
   Store& store = TheStore();
-  if (store.in_transaction) {
-    store.message = "A host transaction is already in progress";
-    return store.message.c_str();
-  }
+  if (store.in_transaction) return "A host transaction is already in progress";
   try {
-    OrvkCtl::Sim::Open(store);
+    Open(store);
   } catch (std::exception const& error) {
-    store.message = error.what();
-    return store.message.c_str();
+    return error.what();
   }
   store.in_transaction = true;
   store.changed_in_transaction = false;
   store.begin = store.savepoint = store.current;
-  return nullptr;
+  return {};
 }
 
-void OrvkCtl_Savepoint() {
+void StateFileBackend::Savepoint() {
   Store& store = TheStore();
   if (store.in_transaction) store.savepoint = store.current;
 }
 
-void OrvkCtl_RollbackToSavepoint() {
+void StateFileBackend::RollbackToSavepoint() {
   Store& store = TheStore();
-  if (store.in_transaction) OrvkCtl::Sim::Replace(store, store.savepoint);
+  if (store.in_transaction) Replace(store, store.savepoint);
 }
 
-const char* OrvkCtl_CommitTransaction() {
+std::string StateFileBackend::CommitTransaction() {
   Store& store = TheStore();
-  if (!store.in_transaction) return nullptr;
+  if (!store.in_transaction) return {};
   store.in_transaction = false;
-  if (!store.changed_in_transaction) return nullptr;
+  if (!store.changed_in_transaction) return {};
   if (store.read_only) {
-    OrvkCtl::Sim::Replace(store, store.begin);
-    store.message = "The host is only read here; no change was written";
-    return store.message.c_str();
+    Replace(store, store.begin);
+    return "The host is only read here; no change was written";
   }
   try {
-    OrvkCtl::Sim::Save(store,
-                       OrvkCtl::Sim::Compose(store, store.current.host, store.current.loaded));
+    Save(store, Compose(store, store.current.host, store.current.loaded));
   } catch (std::exception const& error) {
-    OrvkCtl::Sim::Replace(store, store.begin);
-    store.message = error.what();
-    return store.message.c_str();
+    Replace(store, store.begin);
+    return error.what();
   }
-  return nullptr;
+  return {};
 }
 
-const char* OrvkCtl_SetHostState(const char* path) {
-  Store& store = TheStore();
-  std::string const name = path ? path : "";
-  if (name.empty()) {
-    store.message = "Option --host-state needs a file path, got an empty one";
-    return store.message.c_str();
-  }
-  struct stat info {};
-  if (stat(name.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) {
-    store.message = "Option --host-state needs a file path, but " + name + " is a folder";
-    return store.message.c_str();
-  }
-  // StatePath() and the default-path checks read the variable.
-  setenv("TOOLBASE_HOST_STATE", name.c_str(), 1);
-  return nullptr;
-}
+void StateFileBackend::SetReadOnly() { TheStore().read_only = true; }
 
-void OrvkCtl_ReadOnly() { TheStore().read_only = true; }
-
-void OrvkCtl_AbortTransaction() {
+void StateFileBackend::AbortTransaction() {
   Store& store = TheStore();
   if (!store.in_transaction) return;
   store.in_transaction = false;
-  OrvkCtl::Sim::Replace(store, store.begin);
+  Replace(store, store.begin);
 }
 
-}  // extern "C"
+}  // namespace
+
+std::unique_ptr<HostBackend> NewStateFileBackend() { return std::make_unique<StateFileBackend>(); }
+
+}  // namespace OrvkCtl::Sim

@@ -27,17 +27,15 @@
 // loaded, each read when first used; a write copies the texts no one read,
 // and writes the long runs it copies from where they are (HostDocument).
 //
-// How an operation says what it needs: ReadHost(kAreaFirewall) loads the
-// firewall area (and whatever was loaded before); the other members of the
-// returned HostModel are empty unless loaded. ChangeHost(kAreaNic | kAreaVswitch,
-// fn) loads those areas, lets `fn` change them, and writes them. Name every
-// area the operation reads or changes, also inside `fn`. ReadHost() and
-// ChangeHost(fn) without a set load every area.
+// Operations reach the store through HostBackend (host_backend.h), which it
+// implements: a load reads the areas asked for, a commit writes its areas
+// through at once, or at the end of a transaction.
 //
 // Adding a field to an area: add it to the area's struct (model_*.h), its
-// JSON_RECORD line (json_*.cc) and its seed (seed_*.cc); nothing here changes.
-// Adding an area: a member of HostModel, a bit below (and in kAreaAll), and
-// a row in the field table of host_json.cc.
+// JSON_RECORD line (json_*.cc), with its range or words when it has them,
+// and its seed (seed_*.cc); nothing here changes. Adding an area: a member
+// of HostModel, a bit in host_backend.h (and in kAreaAll), and a row in the
+// field table of host_json.cc.
 #pragma once
 
 #include <cstdint>
@@ -48,39 +46,16 @@
 #include <unordered_map>
 #include <vector>
 
+#include "host_backend.h"
 #include "host_model.h"
 
 namespace OrvkCtl::Sim {
 
-// Sets of areas of the host state.
-using AreaSet = unsigned;
-inline constexpr AreaSet kAreaHost = 1u << 0;  // hostname, modules
-inline constexpr AreaSet kAreaFirewall = 1u << 1;
-inline constexpr AreaSet kAreaNic = 1u << 2;
-inline constexpr AreaSet kAreaIp = 1u << 3;
-inline constexpr AreaSet kAreaVswitch = 1u << 4;
-inline constexpr AreaSet kAreaRuntime = 1u << 5;
-inline constexpr AreaSet kAreaAll = (1u << 6) - 1;
-
 // The state file this process uses.
 std::string StatePath();
 
-// The host as it stands, with at least `areas` loaded. Opens (and locks) the
-// file on first use. Throws HostCtlException naming the file when it cannot
-// be read, is corrupt, or cannot be locked; the file is left untouched then.
-HostModel const& ReadHost(AreaSet areas);
-HostModel const& ReadHost();
-
-// Loads `areas`, applies `change` to a copy of the host and writes the copy
-// through; only then does it become the host. If `change` or the write
-// throws, the host and the file stay as they were and the exception passes
-// on. Inside a transaction (transaction.h) the change stays in memory.
-void ChangeHost(AreaSet areas, std::function<void(HostModel&)> const& change);
-void ChangeHost(std::function<void(HostModel&)> const& change);
-
-// Forgets the loaded host, ends any transaction and releases the lock, so that
-// the next use opens the file again (from the path then in force). For tests.
-void ResetHostForTest();
+// The backend of the state file, for Backend().
+std::unique_ptr<HostBackend> NewStateFileBackend();
 
 // JSON conversion of a whole host, in the file's line layout; throws
 // std::exception on a malformed document.

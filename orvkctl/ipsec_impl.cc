@@ -4,7 +4,8 @@
 #include <cctype>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
+#include "host_rules.h"
 #include "hostctl/ipsec.h"
 
 namespace OrvkCtl::Network {
@@ -12,6 +13,7 @@ namespace {
 
 using HostCtl::Lib::HostCtlException;
 using Sim::CheckFault;
+using Sim::Operation;
 using Sim::HostModel;
 using Sim::IpSecSaRecord;
 using Sim::IpSecSpRecord;
@@ -64,51 +66,55 @@ IpSecConfigImpl::IpSecConfigImpl() = default;
 IpSecConfigImpl::~IpSecConfigImpl() = default;
 
 void IpSecConfigImpl::Refresh() {
-  CheckFault("IpSecConfigImpl::Refresh");
+  CheckFault(Operation::IpSecConfigImpl_Refresh);
   Sim::ReadHost(Sim::kAreaIp);
 }
 
 Net::IpSecMode IpSecConfigImpl::StringToIpSecMode(std::string const& text) {
-  CheckFault("IpSecConfigImpl::StringToIpSecMode");
+  CheckFault(Operation::IpSecConfigImpl_StringToIpSecMode);
   return static_cast<Net::IpSecMode>(
       WordToIndex(SA_MODE, 2, text, Net::ModeTransport, "IPsec mode"));
 }
 
 Net::IpSecEncryptAlgo IpSecConfigImpl::StringToIpSecEncyptAlgo(std::string const& text) {
-  CheckFault("IpSecConfigImpl::StringToIpSecEncyptAlgo");
+  CheckFault(Operation::IpSecConfigImpl_StringToIpSecEncyptAlgo);
   return static_cast<Net::IpSecEncryptAlgo>(
       WordToIndex(SA_ENCPT_ALG, 3, text, Net::EncryptNull, "encryption algorithm"));
 }
 
 Net::IpSecAuthAlgo IpSecConfigImpl::StringToIpSecAuthAlgo(std::string const& text) {
-  CheckFault("IpSecConfigImpl::StringToIpSecAuthAlgo");
+  CheckFault(Operation::IpSecConfigImpl_StringToIpSecAuthAlgo);
   return static_cast<Net::IpSecAuthAlgo>(
       WordToIndex(SA_AUTH_ALG, 2, text, Net::AuthHmacSha1, "integrity algorithm"));
 }
 
 Net::IpSecULProtoType IpSecConfigImpl::StringToIpSecULProtoType(std::string const& text) {
-  CheckFault("IpSecConfigImpl::StringToIpSecULProtoType");
+  CheckFault(Operation::IpSecConfigImpl_StringToIpSecULProtoType);
   return static_cast<Net::IpSecULProtoType>(
       WordToIndex(SP_UL_PROTO_TYPE, 4, text, Net::ProtoAny, "upper layer protocol"));
 }
 
 Net::IpSecDirection IpSecConfigImpl::StringToIpSecDirection(std::string const& text) {
-  CheckFault("IpSecConfigImpl::StringToIpSecDirection");
+  CheckFault(Operation::IpSecConfigImpl_StringToIpSecDirection);
   return static_cast<Net::IpSecDirection>(
       WordToIndex(SP_DIRECTION, 2, text, Net::DirectionOut, "flow direction"));
 }
 
 Net::IpSecAction IpSecConfigImpl::StringToIpSecAction(std::string const& text) {
-  CheckFault("IpSecConfigImpl::StringToIpSecAction");
+  CheckFault(Operation::IpSecConfigImpl_StringToIpSecAction);
   return static_cast<Net::IpSecAction>(
       WordToIndex(SP_ACTION, 3, text, Net::ActionIpsec, "policy action"));
 }
 
 void IpSecConfigImpl::AddSADConfig(Net::IpSecSadParam const& param) {
-  CheckFault("IpSecConfigImpl::AddSADConfig");
+  CheckFault(Operation::IpSecConfigImpl_AddSADConfig);
   if (param.name.empty()) throw HostCtlException("A Security Association needs a name");
   if (param.name == "auto") {
     throw HostCtlException("The name 'auto' is reserved for negotiated Security Associations");
+  }
+  if (param.name == Sim::kRemovedSaName) {
+    throw HostCtlException("The name '" + param.name +
+                           "' is reserved: policies name it for a removed Security Association");
   }
   if (param.spi < kMinSpi) {
     throw HostCtlException("SPI " + std::to_string(param.spi) + " is reserved: use 256 or above");
@@ -170,14 +176,14 @@ namespace {
 // Policies that used a removed SA keep the mark of a deleted SA.
 void OrphanPolicies(HostModel& host, std::string const& name) {
   for (auto& sp : host.ip.ipsec_sps) {
-    if (!sp.sa_name.empty() && sp.sa_name == name) sp.sa_name = "UNKNOWN";
+    if (!sp.sa_name.empty() && sp.sa_name == name) sp.sa_name = Sim::kRemovedSaName;
   }
 }
 
 }  // namespace
 
 void IpSecConfigImpl::RemoveSADConfig(std::string const& name) {
-  CheckFault("IpSecConfigImpl::RemoveSADConfig");
+  CheckFault(Operation::IpSecConfigImpl_RemoveSADConfig);
   Sim::ChangeHost(Sim::kAreaIp, [&](HostModel& host) {
     auto& sas = host.ip.ipsec_sas;
     auto it = std::find_if(sas.begin(), sas.end(),
@@ -189,7 +195,7 @@ void IpSecConfigImpl::RemoveSADConfig(std::string const& name) {
 }
 
 void IpSecConfigImpl::RemoveAutoSADConfig(Net::IpSecSadParam const& param) {
-  CheckFault("IpSecConfigImpl::RemoveAutoSADConfig");
+  CheckFault(Operation::IpSecConfigImpl_RemoveAutoSADConfig);
   std::string source = Canonical(param.source);
   std::string destination = Canonical(param.destination);
   Sim::ChangeHost(Sim::kAreaIp, [&](HostModel& host) {
@@ -207,7 +213,7 @@ void IpSecConfigImpl::RemoveAutoSADConfig(Net::IpSecSadParam const& param) {
 }
 
 void IpSecConfigImpl::FlushSADConfig() {
-  CheckFault("IpSecConfigImpl::FlushSADConfig");
+  CheckFault(Operation::IpSecConfigImpl_FlushSADConfig);
   Sim::ChangeHost(Sim::kAreaIp, [&](HostModel& host) {
     for (auto const& sa : host.ip.ipsec_sas) {
       if (!sa.automatic) OrphanPolicies(host, sa.name);
@@ -217,7 +223,7 @@ void IpSecConfigImpl::FlushSADConfig() {
 }
 
 void IpSecConfigImpl::GetSADConfigList(std::list<Net::IpSecSadParam>& list) {
-  CheckFault("IpSecConfigImpl::GetSADConfigList");
+  CheckFault(Operation::IpSecConfigImpl_GetSADConfigList);
   list.clear();
   for (auto const& sa : Sim::ReadHost(Sim::kAreaIp).ip.ipsec_sas) {
     Net::IpSecSadParam param;
@@ -237,7 +243,7 @@ void IpSecConfigImpl::GetSADConfigList(std::list<Net::IpSecSadParam>& list) {
 }
 
 void IpSecConfigImpl::AddSPDConfig(Net::IpSecSpdParam const& param) {
-  CheckFault("IpSecConfigImpl::AddSPDConfig");
+  CheckFault(Operation::IpSecConfigImpl_AddSPDConfig);
   if (param.name.empty()) throw HostCtlException("A Security Policy needs a name");
   if (param.sourcePort > kMaxPort || param.destinationPort > kMaxPort) {
     throw HostCtlException("Invalid port: ports must be between 0 and 65535");
@@ -281,7 +287,7 @@ void IpSecConfigImpl::AddSPDConfig(Net::IpSecSpdParam const& param) {
 }
 
 void IpSecConfigImpl::RemoveSPDConfig(std::string const& name) {
-  CheckFault("IpSecConfigImpl::RemoveSPDConfig");
+  CheckFault(Operation::IpSecConfigImpl_RemoveSPDConfig);
   Sim::ChangeHost(Sim::kAreaIp, [&](HostModel& host) {
     auto& sps = host.ip.ipsec_sps;
     auto it = std::find_if(sps.begin(), sps.end(), [&](auto const& sp) { return sp.name == name; });
@@ -291,12 +297,12 @@ void IpSecConfigImpl::RemoveSPDConfig(std::string const& name) {
 }
 
 void IpSecConfigImpl::FlushSPDConfig() {
-  CheckFault("IpSecConfigImpl::FlushSPDConfig");
+  CheckFault(Operation::IpSecConfigImpl_FlushSPDConfig);
   Sim::ChangeHost(Sim::kAreaIp, [&](HostModel& host) { host.ip.ipsec_sps.clear(); });
 }
 
 void IpSecConfigImpl::GetSPDConfigList(std::list<Net::IpSecSpdParam>& list) {
-  CheckFault("IpSecConfigImpl::GetSPDConfigList");
+  CheckFault(Operation::IpSecConfigImpl_GetSPDConfigList);
   list.clear();
   for (auto const& sp : Sim::ReadHost(Sim::kAreaIp).ip.ipsec_sps) {
     Net::IpSecSpdParam param;

@@ -42,6 +42,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "host_store.h"
@@ -154,6 +155,27 @@ inline void JsonError::Within(size_t index) {
           path_;
   Compose();
 }
+
+// What a field may hold beyond what its type allows: a range of integers,
+// a set of integers, or a set of words. Declared beside the record's
+// JSON_RECORD line, before it:
+//   JSON_RANGE(LagState, load_balance, 0, 20)
+//   JSON_ONE_OF(LacpMemberState, state, "Bundled", "Independent")
+//   JSON_ONE_OF_NUMBERS(Ipv6AddressState, type, 0, 7, 9)
+// and checked as the field is read (each element, for a list): a value
+// outside it throws JsonError as a value of the wrong type does.
+struct JsonLimit {
+  bool set = false;
+  int64_t min = std::numeric_limits<int64_t>::min();
+  int64_t max = std::numeric_limits<int64_t>::max();
+  std::span<int64_t const> numbers;         // when given, one of these
+  std::span<std::string_view const> words;  // when given, one of these
+};
+template <auto Member>
+inline constexpr JsonLimit kJsonLimit{};
+
+template <class T>
+void CheckJsonLimit(JsonLimit const& limit, T const& value);
 
 // Parses `text` (one JSON value, nothing after it) and reads it into `out`
 // with ReadJson. Throws std::exception on malformed text or a value that does
@@ -321,6 +343,10 @@ inline void ReadJson(JsonValue const& value, bool& out) {
 
 inline void ReadJson(JsonValue const& value, std::string& out) {
   if (!value.IsString()) throw JsonError("expected a string");
+  // No text of the host holds one; a name with one would not be the name shown.
+  if (std::memchr(value.GetString(), '\0', value.GetStringLength())) {
+    throw JsonError("expected a string without NUL characters");
+  }
   out.assign(value.GetString(), value.GetStringLength());
 }
 
@@ -384,6 +410,10 @@ inline void WriteJson(JsonWriter& writer, bool value) { writer.Bool(value); }
 
 inline void WriteJson(JsonWriter& writer, std::string const& value) {
   if (!IsUtf8(value)) throw JsonError("text that is not UTF-8 cannot be stored");
+  // What a load refuses is never written.
+  if (std::memchr(value.data(), '\0', value.size())) {
+    throw JsonError("text with a NUL character cannot be stored");
+  }
   writer.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
 }
 
@@ -596,6 +626,43 @@ void WriteJsonDiff(JsonWriter& writer, LazyList<T> const& values, ElementTexts c
                     [&](T const& value) { WriteJsonDiff(writer, value, texts); });
 }
 
+template <class T>
+void CheckJsonLimit(JsonLimit const& limit, T const& value) {
+  if constexpr (JsonInteger<T>) {
+    auto const wide = static_cast<int64_t>(value);
+    bool const in = std::is_signed_v<T> || static_cast<uint64_t>(value) <= uint64_t{INT64_MAX};
+    if (!limit.numbers.empty()) {
+      if (in && std::ranges::find(limit.numbers, wide) != limit.numbers.end()) return;
+      std::string expected = "expected one of";
+      for (size_t i = 0; i < limit.numbers.size(); ++i) {
+        expected += (i == 0 ? " " : ", ") + std::to_string(limit.numbers[i]);
+      }
+      throw JsonError(expected);
+    }
+    if (in && wide >= limit.min && wide <= limit.max) return;
+    throw JsonError("expected an integer from " + std::to_string(limit.min) + " to " +
+                    std::to_string(limit.max));
+  } else if constexpr (std::same_as<T, std::string>) {
+    if (limit.words.empty() || std::ranges::find(limit.words, value) != limit.words.end()) return;
+    std::string expected = "expected one of";
+    for (size_t i = 0; i < limit.words.size(); ++i) {
+      expected += i == 0 ? " \"" : ", \"";
+      expected += limit.words[i];
+      expected += '"';
+    }
+    throw JsonError(expected);
+  } else {
+    for (size_t i = 0; i < value.size(); ++i) {
+      try {
+        CheckJsonLimit(limit, value[i]);
+      } catch (JsonError& error) {
+        error.Within(i);
+        throw;
+      }
+    }
+  }
+}
+
 // --- records ---
 
 template <class R>
@@ -612,7 +679,10 @@ template <class R, class M, M R::*Member>
 constexpr JsonField<R> MakeJsonField(std::string_view key) {
   return {
       key,
-      [](JsonValue const& value, R& record) { ReadJson(value, record.*Member); },
+      [](JsonValue const& value, R& record) {
+        ReadJson(value, record.*Member);
+        if constexpr (kJsonLimit<Member>.set) CheckJsonLimit(kJsonLimit<Member>, record.*Member);
+      },
       [](JsonWriter& writer, R const& record) { WriteJson(writer, record.*Member); },
       [](JsonWriter& writer, R const& record, ElementTexts const& texts) {
         WriteJsonDiff(writer, record.*Member, texts);
@@ -643,6 +713,9 @@ void FillRecord(JsonValue const& value, R& record, std::span<JsonField<R> const>
     }
     next = i + 1 == fields.size() ? 0 : i + 1;
   }
+  // What holds between fields or between elements (CheckRecord, beside the
+  // record's JSON_RECORD line): checked once the record is whole.
+  if constexpr (requires { CheckRecord(std::as_const(record)); }) CheckRecord(std::as_const(record));
 }
 
 template <class R>
@@ -813,6 +886,21 @@ void AppendJson(T const& value, ElementTexts const* texts, std::string& out,
 #define JSON_FIELD_OF(Type, field) \
   ::OrvkCtl::Sim::MakeJsonField<Type, decltype(Type::field), &Type::field>(#field),
 #define JSON_COUNT_ONE(Type, field) +1
+
+// (The limits are the library's own: hidden, as the rest of the codec.)
+#define JSON_RANGE(Type, field, low, high) \
+  template <>                              \
+  JSON_HIDDEN inline constexpr JsonLimit kJsonLimit<&Type::field>{true, low, high, {}, {}};
+#define JSON_ONE_OF(Type, field, ...)                                                 \
+  static constexpr std::string_view kJsonWordsOf##Type##_##field[] = {__VA_ARGS__};   \
+  template <>                                                                         \
+  JSON_HIDDEN inline constexpr JsonLimit kJsonLimit<&Type::field>{                    \
+      true, 0, 0, {}, kJsonWordsOf##Type##_##field};
+#define JSON_ONE_OF_NUMBERS(Type, field, ...)                                         \
+  static constexpr int64_t kJsonNumbersOf##Type##_##field[] = {__VA_ARGS__};          \
+  template <>                                                                         \
+  JSON_HIDDEN inline constexpr JsonLimit kJsonLimit<&Type::field>{                    \
+      true, 0, 0, kJsonNumbersOf##Type##_##field, {}};
 
 #define JSON_RECORD(Type, ...)                                                              \
   static_assert(::OrvkCtl::Sim::JsonFieldCount<Type>() ==                                   \

@@ -3,7 +3,12 @@
 
 namespace OrvkCtl::Sim {
 
+JSON_RANGE(LinkModeState, speed, 0, INT32_MAX)
+JSON_RANGE(LinkModeState, duplex, 0, 2)
+JSON_RANGE(LinkModeState, media, 0, 38)
 JSON_RECORD(LinkModeState, speed, duplex, media)
+JSON_RANGE(PauseState, rx_resolution, 0, 2)
+JSON_RANGE(PauseState, tx_resolution, 0, 2)
 JSON_RECORD(PauseState, supported, auto_negotiation, rx, tx, rx_resolution, tx_resolution)
 JSON_RECORD(OffloadState, rx_checksum, tx_checksum, scatter_gather, tcp_segmentation, large_receive,
             generic_receive, engine, can_checksum, can_scatter_gather, can_tcp_segmentation)
@@ -19,6 +24,7 @@ JSON_RECORD(NicStatsState, tx_packets, rx_packets, tx_bytes, rx_bytes, tx_errors
             rx_length_errors, rx_over_errors, rx_crc_errors, rx_frame_errors, rx_fifo_errors,
             rx_missed_errors, tx_aborted_errors, tx_fifo_errors, tx_carrier_errors,
             tx_heartbeat_errors, tx_window_errors, collisions)
+JSON_RANGE(VlanStatsState, vlan_id, 0, 4095)
 JSON_RECORD(VlanStatsState, vlan_id, rx_packets, tx_packets)
 // The EEPROM is kept as one string of lowercase hex digits, two per byte.
 JSON_HIDDEN void WriteJson(JsonWriter& writer, EepromImage const& image) {
@@ -65,6 +71,7 @@ JSON_HIDDEN bool SameAsJson(EepromImage const& image, JsonValue const& value) {
   return true;
 }
 
+JSON_RANGE(AttachmentState, vlan_id, 0, 4095)
 JSON_RECORD(AttachmentState, branch, vlan_id)
 JSON_RECORD(VfStatsState, rx_unicast_pkts, rx_unicast_bytes, rx_multicast_pkts, rx_multicast_bytes,
             rx_broadcast_pkts, rx_broadcast_bytes, rx_out_of_buffer, rx_error_drops, rx_lro_pkts,
@@ -79,11 +86,19 @@ JSON_RECORD(NetqueueState, supported, max_tx_queues, max_rx_queues, tx_queues, r
 JSON_RECORD(SoftwareSimulationState, simulated, required)
 JSON_RECORD(HwCapState, reported, supported, activated)
 JSON_RECORD(DcbAppState, app_type, protocol_id, user_priority)
+JSON_RANGE(DcbState, mode, 0, 3)
 JSON_RECORD(DcbState, supported, mode, enabled, cap_priority_group, cap_pfc, cap_up_to_tc,
             cap_pg_traffic_classes, cap_pfc_traffic_classes, pfc_enabled, pfc_config, ets_willing,
             ets_capacity, ets_cbs_supported, ets_tx_bandwidth, ets_rx_bandwidth, ets_tsa,
             ets_priority, ets_rec_bandwidth, ets_rec_tsa, ets_rec_priority, pfc_traffic_classes,
             pfc_mask, pfc_macsec_bypass, pfc_delay, pfc_sent, pfc_received, apps)
+JSON_RANGE(PnicState, duplex, 0, 2)
+JSON_RANGE(PnicState, supported_ports, 0, 6)
+JSON_RANGE(PnicState, port, 0, 6)
+JSON_RANGE(PnicState, phy_address, 0, 31)
+JSON_RANGE(PnicState, transceiver, 0, 1)
+JSON_RANGE(PnicState, supported_wake_on, 0, 8)
+JSON_RANGE(PnicState, wake_on, 0, 8)
 JSON_RECORD(PnicState, name, pci_address, pci_vendor, pci_device, pseudo_descriptor, driver,
             driver_version, firmware_version, mac, mtu, admin_up, carrier, speed, duplex,
             supported_ports, port, supported_link_modes, advertised_link_modes,

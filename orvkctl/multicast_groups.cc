@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/network_info.h"
 #include "hostctl/orvk_nic.h"
 
@@ -74,7 +74,7 @@ void Join(std::vector<OrvkNic::MulticastGroup>& groups, std::string const& inter
 }  // namespace
 
 void OrvkNicImpl::GetMulticastGroups(std::vector<MulticastGroup>& groups) {
-  Sim::CheckFault("OrvkNicImpl::GetMulticastGroups");
+  Sim::CheckFault(Sim::Operation::OrvkNicImpl_GetMulticastGroups);
   auto const* nic = Sim::FindInterface(Sim::ReadHost(Sim::kAreaIp).ip, name_);
   if (!nic) {
     throw HostCtl::Lib::HostCtlException("Orvik network interface " + name_ + " not found");
@@ -95,7 +95,7 @@ void OrvkNicImpl::GetMulticastGroups(std::vector<MulticastGroup>& groups) {
 }
 
 std::unique_ptr<HostCtl::Network::OrvikNicInfo> NetworkInfoImpl::GetOrvikNicInfo() {
-  Sim::CheckFault("NetworkInfoImpl::GetOrvikNicInfo");
+  Sim::CheckFault(Sim::Operation::NetworkInfoImpl_GetOrvikNicInfo);
   return std::make_unique<OrvikNicInfoImpl>();
 }
 

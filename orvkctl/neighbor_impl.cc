@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/routing.h"
 
 namespace OrvkCtl::Network {
@@ -16,6 +16,7 @@ using HostCtl::Network::Ipv4Neighbor;
 using HostCtl::Network::Ipv6Address;
 using HostCtl::Network::Ipv6Neighbor;
 using Sim::CheckFault;
+using Sim::Operation;
 using Sim::NeighborState;
 using Sim::NetstackRoutes;
 
@@ -52,7 +53,7 @@ void RemoveNeighbor(std::string const& key, bool ipv6, std::string const& addres
 
 void RoutingInfoImpl::GetCurrentIpv4OrvikNeighbors(std::vector<Ipv4Neighbor>& out,
                                                    std::string const& interfaceName) {
-  CheckFault("RoutingInfoImpl::GetCurrentIpv4OrvikNeighbors");
+  CheckFault(Operation::RoutingInfoImpl_GetCurrentIpv4OrvikNeighbors);
   for (auto const& entry : ReadTables(key_).ipv4_neighbors) {
     if (!interfaceName.empty() && entry.interface != interfaceName) continue;
     Ipv4Neighbor neighbor;
@@ -67,7 +68,7 @@ void RoutingInfoImpl::GetCurrentIpv4OrvikNeighbors(std::vector<Ipv4Neighbor>& ou
 
 void RoutingInfoImpl::GetCurrentIpv6OrvikNeighbors(std::vector<Ipv6Neighbor>& out,
                                                    std::string const& interfaceName) {
-  CheckFault("RoutingInfoImpl::GetCurrentIpv6OrvikNeighbors");
+  CheckFault(Operation::RoutingInfoImpl_GetCurrentIpv6OrvikNeighbors);
   for (auto const& entry : ReadTables(key_).ipv6_neighbors) {
     if (!interfaceName.empty() && entry.interface != interfaceName) continue;
     Ipv6Neighbor neighbor;
@@ -82,28 +83,28 @@ void RoutingInfoImpl::GetCurrentIpv6OrvikNeighbors(std::vector<Ipv6Neighbor>& ou
 }
 
 std::string RoutingInfoImpl::GetIpv4NeighborType(Ipv4Neighbor neighbor) {
-  CheckFault("RoutingInfoImpl::GetIpv4NeighborType");
+  CheckFault(Operation::RoutingInfoImpl_GetIpv4NeighborType);
   return TypeWord(neighbor.flags);
 }
 
 std::string RoutingInfoImpl::GetIpv6NeighborType(Ipv6Neighbor neighbor) {
-  CheckFault("RoutingInfoImpl::GetIpv6NeighborType");
+  CheckFault(Operation::RoutingInfoImpl_GetIpv6NeighborType);
   return TypeWord(neighbor.flags);
 }
 
 std::string RoutingInfoImpl::GetIpv6NeighborState(Ipv6Neighbor neighbor) {
-  CheckFault("RoutingInfoImpl::GetIpv6NeighborState");
+  CheckFault(Operation::RoutingInfoImpl_GetIpv6NeighborState);
   static char const* const kStates[] = {"Incomplete", "Reachable", "Stale", "Delay", "Probe"};
   return neighbor.state < std::size(kStates) ? kStates[neighbor.state] : "Unknown";
 }
 
 void RoutingInfoImpl::RemoveIpv4Neighbor(Ipv4Neighbor neighbor) {
-  CheckFault("RoutingInfoImpl::RemoveIpv4Neighbor");
+  CheckFault(Operation::RoutingInfoImpl_RemoveIpv4Neighbor);
   RemoveNeighbor(key_, false, neighbor.address.GetStringAddress(), neighbor.interfaceName);
 }
 
 void RoutingInfoImpl::RemoveIpv6Neighbor(Ipv6Neighbor neighbor) {
-  CheckFault("RoutingInfoImpl::RemoveIpv6Neighbor");
+  CheckFault(Operation::RoutingInfoImpl_RemoveIpv6Neighbor);
   RemoveNeighbor(key_, true, neighbor.address.GetStringAddress(), neighbor.interfaceName);
 }
 

@@ -4,7 +4,7 @@
 #include <functional>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/netstack.h"
 #include "hostctl/network_info.h"
 
@@ -24,6 +24,7 @@ namespace {
 using HostCtl::Lib::HostCtlException;
 using HostCtl::Network::NetstackInstance;
 using Sim::CheckFault;
+using Sim::Operation;
 using Sim::HostModel;
 using Sim::NetstackState;
 
@@ -162,7 +163,7 @@ std::vector<std::string> NetstackInstanceImpl::GetCongestionControlAlgorithmList
 }
 
 void NetstackInstanceImpl::Refresh() {
-  CheckFault("NetstackInstanceImpl::Refresh");
+  CheckFault(Operation::NetstackInstanceImpl_Refresh);
   auto const* netstack = Sim::FindNetstack(Sim::ReadHost(kNetstackAreas).ip, key_);
   if (!netstack) {
     if (detached_) return;
@@ -181,18 +182,18 @@ void NetstackInstanceImpl::Refresh() {
 }
 
 std::string NetstackInstanceImpl::GetInstanceKey() {
-  CheckFault("NetstackInstanceImpl::GetInstanceKey");
+  CheckFault(Operation::NetstackInstanceImpl_GetInstanceKey);
   return key_;
 }
 
 std::string NetstackInstanceImpl::GetInstanceName() {
-  CheckFault("NetstackInstanceImpl::GetInstanceName");
+  CheckFault(Operation::NetstackInstanceImpl_GetInstanceName);
   EnsureFresh();
   return name_;
 }
 
 void NetstackInstanceImpl::SetInstanceName(std::string const& name, bool /*persist*/) {
-  CheckFault("NetstackInstanceImpl::SetInstanceName");
+  CheckFault(Operation::NetstackInstanceImpl_SetInstanceName);
   if (name.empty()) throw HostCtlException("Netstack instance name cannot be empty");
   // A name is shown in lists and tables: no line breaks or terminal controls.
   if (std::any_of(name.begin(), name.end(),
@@ -204,13 +205,13 @@ void NetstackInstanceImpl::SetInstanceName(std::string const& name, bool /*persi
 }
 
 uint32_t NetstackInstanceImpl::GetMaxConnections() {
-  CheckFault("NetstackInstanceImpl::GetMaxConnections");
+  CheckFault(Operation::NetstackInstanceImpl_GetMaxConnections);
   auto const* netstack = HostNetstack(key_, detached_);
   return netstack ? netstack->max_connections : maxConnections_;
 }
 
 void NetstackInstanceImpl::SetMaxConnections(uint32_t maxConnections, bool /*persist*/) {
-  CheckFault("NetstackInstanceImpl::SetMaxConnections");
+  CheckFault(Operation::NetstackInstanceImpl_SetMaxConnections);
   CheckMaxConnections(maxConnections);
   ChangeNetstack(key_, [&](HostModel&, NetstackState& netstack) {
     netstack.max_connections = maxConnections;
@@ -219,14 +220,14 @@ void NetstackInstanceImpl::SetMaxConnections(uint32_t maxConnections, bool /*per
 }
 
 std::string NetstackInstanceImpl::GetCongestionControlAlgorithm() {
-  CheckFault("NetstackInstanceImpl::GetCongestionControlAlgorithm");
+  CheckFault(Operation::NetstackInstanceImpl_GetCongestionControlAlgorithm);
   auto const* netstack = HostNetstack(key_, detached_);
   return netstack ? netstack->cc_algorithm : ccAlgorithm_;
 }
 
 void NetstackInstanceImpl::SetCongestionControlAlgorithm(std::string const& algorithm,
                                                          bool /*persist*/) {
-  CheckFault("NetstackInstanceImpl::SetCongestionControlAlgorithm");
+  CheckFault(Operation::NetstackInstanceImpl_SetCongestionControlAlgorithm);
   CheckAlgorithm(algorithm);
   ChangeNetstack(key_,
                  [&](HostModel&, NetstackState& netstack) { netstack.cc_algorithm = algorithm; });
@@ -234,51 +235,51 @@ void NetstackInstanceImpl::SetCongestionControlAlgorithm(std::string const& algo
 }
 
 bool NetstackInstanceImpl::GetCurrentIpv6Enabled() {
-  CheckFault("NetstackInstanceImpl::GetCurrentIpv6Enabled");
+  CheckFault(Operation::NetstackInstanceImpl_GetCurrentIpv6Enabled);
   EnsureFresh();
   return currentIpv6Enabled_;
 }
 
 void NetstackInstanceImpl::SetIpv6Enabled(bool enabled, bool /*persist*/) {
-  CheckFault("NetstackInstanceImpl::SetIpv6Enabled");
+  CheckFault(Operation::NetstackInstanceImpl_SetIpv6Enabled);
   ChangeNetstack(key_,
                  [&](HostModel&, NetstackState& netstack) { netstack.ipv6_enabled = enabled; });
   MarkStale();
 }
 
 bool NetstackInstanceImpl::GetIpv6Enabled() {
-  CheckFault("NetstackInstanceImpl::GetIpv6Enabled");
+  CheckFault(Operation::NetstackInstanceImpl_GetIpv6Enabled);
   EnsureFresh();
   return ipv6Enabled_;
 }
 
 void NetstackInstanceImpl::SetEcnStatus(std::string const& status) {
-  CheckFault("NetstackInstanceImpl::SetEcnStatus");
+  CheckFault(Operation::NetstackInstanceImpl_SetEcnStatus);
   CheckEcn(status);
   ChangeNetstack(key_, [&](HostModel&, NetstackState& netstack) { netstack.ecn_status = status; });
   MarkStale();
 }
 
 std::string NetstackInstanceImpl::GetEcnStatus() {
-  CheckFault("NetstackInstanceImpl::GetEcnStatus");
+  CheckFault(Operation::NetstackInstanceImpl_GetEcnStatus);
   EnsureFresh();
   return ecnStatus_;
 }
 
 uint32_t NetstackInstanceImpl::GetState() {
-  CheckFault("NetstackInstanceImpl::GetState");
+  CheckFault(Operation::NetstackInstanceImpl_GetState);
   EnsureFresh();
   return state_;
 }
 
 uint32_t NetstackInstanceImpl::GetCurrentMaxConnections() {
-  CheckFault("NetstackInstanceImpl::GetCurrentMaxConnections");
+  CheckFault(Operation::NetstackInstanceImpl_GetCurrentMaxConnections);
   EnsureFresh();
   return currentMaxConnections_;
 }
 
 void NetstackInstanceImpl::Enable() {
-  CheckFault("NetstackInstanceImpl::Enable");
+  CheckFault(Operation::NetstackInstanceImpl_Enable);
   ChangeNetstack(key_, [&](HostModel&, NetstackState& netstack) {
     if (netstack.state != Sim::kNetstackStateUp) BringUp(netstack);
   });
@@ -286,7 +287,7 @@ void NetstackInstanceImpl::Enable() {
 }
 
 void NetstackInstanceImpl::Disable() {
-  CheckFault("NetstackInstanceImpl::Disable");
+  CheckFault(Operation::NetstackInstanceImpl_Disable);
   ChangeNetstack(key_, [&](HostModel& host, NetstackState& netstack) {
     if (netstack.state == Sim::kNetstackStateUp) BringDown(host, netstack);
   });
@@ -294,7 +295,7 @@ void NetstackInstanceImpl::Disable() {
 }
 
 uint32_t NetstackInstanceImpl::GetFlags() {
-  CheckFault("NetstackInstanceImpl::GetFlags");
+  CheckFault(Operation::NetstackInstanceImpl_GetFlags);
   EnsureFresh();
   return flags_;
 }
@@ -302,7 +303,7 @@ uint32_t NetstackInstanceImpl::GetFlags() {
 // ---- NetworkInfoImpl: netstack instances and global settings ----
 
 HostCtl::Network::NetstackInstanceList NetworkInfoImpl::ListNetstackInstances() {
-  CheckFault("NetworkInfoImpl::ListNetstackInstances");
+  CheckFault(Operation::NetworkInfoImpl_ListNetstackInstances);
   HostCtl::Network::NetstackInstanceList list;
   for (auto const& netstack : Sim::ReadHost(kNetstackAreas).ip.netstacks) {
     list.push_back(std::make_unique<NetstackInstanceImpl>(netstack.key));
@@ -312,13 +313,13 @@ HostCtl::Network::NetstackInstanceList NetworkInfoImpl::ListNetstackInstances() 
 
 std::unique_ptr<NetstackInstance> NetworkInfoImpl::LookupNetstackInstanceByKey(
     std::string const& key) {
-  CheckFault("NetworkInfoImpl::LookupNetstackInstanceByKey");
+  CheckFault(Operation::NetworkInfoImpl_LookupNetstackInstanceByKey);
   if (!Sim::FindNetstack(Sim::ReadHost(kNetstackAreas).ip, key)) return nullptr;
   return std::make_unique<NetstackInstanceImpl>(key);
 }
 
 void NetworkInfoImpl::AddNetstackInstance(NetstackInstance* instance, bool configOnly) {
-  CheckFault("NetworkInfoImpl::AddNetstackInstance");
+  CheckFault(Operation::NetworkInfoImpl_AddNetstackInstance);
   if (!instance) throw HostCtlException("No netstack instance given");
   std::string key = instance->GetInstanceKey();
   CheckKey(key);
@@ -352,7 +353,7 @@ void NetworkInfoImpl::AddNetstackInstance(NetstackInstance* instance, bool confi
 }
 
 void NetworkInfoImpl::RemoveNetstackInstance(std::string const& key, bool kernelOnly) {
-  CheckFault("NetworkInfoImpl::RemoveNetstackInstance");
+  CheckFault(Operation::NetworkInfoImpl_RemoveNetstackInstance);
   ChangeNetstack(key, [&](HostModel& host, NetstackState& netstack) {
     if (netstack.state == Sim::kNetstackStateUp || !kernelOnly) {
       // Refuses the default instance and one with interfaces.
@@ -373,18 +374,18 @@ void NetworkInfoImpl::RemoveNetstackInstance(std::string const& key, bool kernel
 }
 
 uint32_t NetworkInfoImpl::GetNetstackInstanceState(std::string const& key) {
-  CheckFault("NetworkInfoImpl::GetNetstackInstanceState");
+  CheckFault(Operation::NetworkInfoImpl_GetNetstackInstanceState);
   auto const* netstack = Sim::FindNetstack(Sim::ReadHost(kNetstackAreas).ip, key);
   return netstack ? netstack->state : 0;
 }
 
 bool NetworkInfoImpl::IsOrvkIpv6Enabled() {
-  CheckFault("NetworkInfoImpl::IsOrvkIpv6Enabled");
+  CheckFault(Operation::NetworkInfoImpl_IsOrvkIpv6Enabled);
   return Sim::ReadHost(kNetstackAreas).ip.ipv6_enabled;
 }
 
 void NetworkInfoImpl::SetOrvkIpv6Enabled(bool enabled) {
-  CheckFault("NetworkInfoImpl::SetOrvkIpv6Enabled");
+  CheckFault(Operation::NetworkInfoImpl_SetOrvkIpv6Enabled);
   Sim::ChangeHost(kNetstackAreas, [&](HostModel& host) { host.ip.ipv6_enabled = enabled; });
 }
 

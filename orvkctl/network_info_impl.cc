@@ -1,5 +1,5 @@
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 
@@ -8,7 +8,7 @@ namespace HostCtl::Network {
 NetworkInfo::~NetworkInfo() = default;
 
 std::unique_ptr<NetworkInfo> NetworkFactory::GetNetworkInfo() {
-  OrvkCtl::Sim::CheckFault("NetworkFactory::GetNetworkInfo");
+  OrvkCtl::Sim::CheckFault(OrvkCtl::Sim::Operation::NetworkFactory_GetNetworkInfo);
   return std::make_unique<OrvkCtl::Network::NetworkInfoImpl>();
 }
 
@@ -17,14 +17,15 @@ std::unique_ptr<NetworkInfo> NetworkFactory::GetNetworkInfo() {
 namespace OrvkCtl::Network {
 
 using Sim::CheckFault;
+using Sim::Operation;
 
 NetworkInfoImpl::NetworkInfoImpl() = default;
 NetworkInfoImpl::~NetworkInfoImpl() = default;
 
-void NetworkInfoImpl::Refresh() { CheckFault("NetworkInfoImpl::Refresh"); }
+void NetworkInfoImpl::Refresh() { CheckFault(Operation::NetworkInfoImpl_Refresh); }
 
 HostCtl::Network::PnicList NetworkInfoImpl::GetPnics() {
-  CheckFault("NetworkInfoImpl::GetPnics");
+  CheckFault(Operation::NetworkInfoImpl_GetPnics);
   HostCtl::Network::PnicList pnics;
   auto const& nics = Sim::ReadHost(Sim::kAreaNic).nic.pnics;
   for (size_t i = 0; i < nics.size(); ++i) {
@@ -34,7 +35,7 @@ HostCtl::Network::PnicList NetworkInfoImpl::GetPnics() {
 }
 
 std::unique_ptr<HostCtl::Network::Pnic> NetworkInfoImpl::GetPnicByName(std::string const& name) {
-  CheckFault("NetworkInfoImpl::GetPnicByName");
+  CheckFault(Operation::NetworkInfoImpl_GetPnicByName);
   if (!Sim::FindPnic(Sim::ReadHost(Sim::kAreaNic).nic, name)) return nullptr;
   return std::make_unique<PnicImpl>(name);
 }

@@ -5,7 +5,8 @@
 #include <regex>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
+#include "host_rules.h"
 #include "hostctl/orvk_nic.h"
 #include "hostctl/port_group_impl.h"
 
@@ -29,6 +30,7 @@ using HostCtl::Network::OpaqueNetworkParam;
 using HostCtl::Network::OrvkNic;
 using HostCtl::Network::OrvkNicTagType;
 using Sim::CheckFault;
+using Sim::Operation;
 using Sim::HostModel;
 using Sim::InterfaceState;
 using Sim::IpConfigState;
@@ -185,14 +187,6 @@ void SyncOnLinkRoutes(HostModel& host, InterfaceState const& nic) {
   ReplaceOnLink(routes->ipv6, nic.name, kNoIpv6, ipv6);
 }
 
-void DropRoutes(HostModel& host, InterfaceState const& nic) {
-  auto* routes = Sim::FindNetstackRoutes(host.ip, nic.netstack);
-  if (!routes) return;
-  auto through = [&](Sim::RouteState const& row) { return row.interface == nic.name; };
-  std::erase_if(routes->ipv4, through);
-  std::erase_if(routes->ipv6, through);
-}
-
 // A port group gains or loses a client.
 void CountClient(HostModel& host, InterfaceState const& nic, int delta) {
   if (nic.connection_type != ConnectionPoint::PortGroupConnection) return;
@@ -230,12 +224,6 @@ void OpenPort(HostModel& host, InterfaceState const& nic) {
   port.dvport_id = nic.dvport_id;
   port.mac_address = nic.mac;
   host.runtime.ports.push_back(port);
-}
-
-void ClosePort(HostModel& host, std::string const& name) {
-  std::erase_if(host.runtime.ports, [&](Sim::PortState const& port) {
-    return port.type == Sim::kPortTypeInterface && port.client == name;
-  });
 }
 
 // Refuses a DVPort that a VM or another interface already uses.
@@ -277,7 +265,7 @@ class PortOfNic : public virtual HostCtl::Network::OrvkNicPort {
  public:
   explicit PortOfNic(uint32_t id) : id_(id) {}
   uint32_t GetPortId() override {
-    CheckFault("OrvkNicPort::GetPortId");
+    CheckFault(Operation::OrvkNicPort_GetPortId);
     return id_;
   }
 
@@ -416,7 +404,7 @@ OrvkNicImpl::OrvkNicImpl(std::string const& name) : name_(name) {}
 OrvkNicImpl::~OrvkNicImpl() = default;
 
 void OrvkNicImpl::Refresh() {
-  CheckFault("OrvkNicImpl::Refresh");
+  CheckFault(Operation::OrvkNicImpl_Refresh);
   auto const& nic = ReadNic(name_);
   mtu_ = nic.mtu;
   mac_ = MacAddress(nic.mac);
@@ -427,44 +415,44 @@ void OrvkNicImpl::Refresh() {
 }
 
 std::string OrvkNicImpl::GetInterfaceName() {
-  CheckFault("OrvkNicImpl::GetInterfaceName");
+  CheckFault(Operation::OrvkNicImpl_GetInterfaceName);
   EnsureFresh();
   return name_;
 }
 
 uint32_t OrvkNicImpl::GetMtu() {
-  CheckFault("OrvkNicImpl::GetMtu");
+  CheckFault(Operation::OrvkNicImpl_GetMtu);
   EnsureFresh();
   return mtu_;
 }
 
 void OrvkNicImpl::SetMtu(uint32_t mtu) {
-  CheckFault("OrvkNicImpl::SetMtu");
+  CheckFault(Operation::OrvkNicImpl_SetMtu);
   CheckMtu(name_, mtu);
   ChangeNic(name_, [&](HostModel&, InterfaceState& nic) { nic.mtu = mtu; });
   MarkStale();
 }
 
 MacAddress OrvkNicImpl::GetMacAddress() {
-  CheckFault("OrvkNicImpl::GetMacAddress");
+  CheckFault(Operation::OrvkNicImpl_GetMacAddress);
   EnsureFresh();
   return mac_;
 }
 
 IpConfig OrvkNicImpl::GetIpConfig() {
-  CheckFault("OrvkNicImpl::GetIpConfig");
+  CheckFault(Operation::OrvkNicImpl_GetIpConfig);
   EnsureFresh();
   return ip_config_;
 }
 
 IpConfig OrvkNicImpl::GetConfiguredIpConfig() {
-  CheckFault("OrvkNicImpl::GetConfiguredIpConfig");
+  CheckFault(Operation::OrvkNicImpl_GetConfiguredIpConfig);
   EnsureFresh();
   return configured_ip_config_;
 }
 
 void OrvkNicImpl::SetIpConfig(IpConfig config) {
-  CheckFault("OrvkNicImpl::SetIpConfig");
+  CheckFault(Operation::OrvkNicImpl_SetIpConfig);
   ChangeNic(name_, [&](HostModel& host, InterfaceState& nic) {
     CheckIpv4(host, nic, config);
     nic.ip = ToState(config);
@@ -475,7 +463,7 @@ void OrvkNicImpl::SetIpConfig(IpConfig config) {
 }
 
 std::unique_ptr<ConnectionPoint> OrvkNicImpl::GetConnectionPoint() {
-  CheckFault("OrvkNicImpl::GetConnectionPoint");
+  CheckFault(Operation::OrvkNicImpl_GetConnectionPoint);
   HostModel const& host =
       Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   auto const& nic = ReadNic(host, name_);
@@ -487,7 +475,7 @@ std::unique_ptr<ConnectionPoint> OrvkNicImpl::GetConnectionPoint() {
 }
 
 std::unique_ptr<HostCtl::Network::OrvkNicPort> OrvkNicImpl::GetPort() {
-  CheckFault("OrvkNicImpl::GetPort");
+  CheckFault(Operation::OrvkNicImpl_GetPort);
   HostModel const& host =
       Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   ReadNic(host, name_);
@@ -497,61 +485,55 @@ std::unique_ptr<HostCtl::Network::OrvkNicPort> OrvkNicImpl::GetPort() {
 }
 
 void OrvkNicImpl::Enable() {
-  CheckFault("OrvkNicImpl::Enable");
+  CheckFault(Operation::OrvkNicImpl_Enable);
   ChangeNic(name_, [](HostModel&, InterfaceState& nic) { nic.enabled = true; });
 }
 
 void OrvkNicImpl::Disable() {
-  CheckFault("OrvkNicImpl::Disable");
+  CheckFault(Operation::OrvkNicImpl_Disable);
   ChangeNic(name_, [](HostModel&, InterfaceState& nic) { nic.enabled = false; });
 }
 
 bool OrvkNicImpl::IsEnabled() {
-  CheckFault("OrvkNicImpl::IsEnabled");
+  CheckFault(Operation::OrvkNicImpl_IsEnabled);
   return ReadNic(name_).enabled;
 }
 
 void OrvkNicImpl::Remove() {
-  CheckFault("OrvkNicImpl::Remove");
+  CheckFault(Operation::OrvkNicImpl_Remove);
   Sim::ChangeHost(
       Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime, [&](HostModel& host) {
-        auto& all = host.ip.interfaces;
-        auto it = std::find_if(all.begin(), all.end(),
-                               [&](InterfaceState const& nic) { return nic.name == name_; });
-        if (it == all.end()) throw NotFound(name_);
-        DropRoutes(host, *it);
-        CountClient(host, *it, -1);
-        ClosePort(host, it->name);
-        all.erase(it);
+        if (!Sim::FindInterface(host.ip, name_)) throw NotFound(name_);
+        Sim::RemoveInterface(host, name_);
       });
   MarkStale();
 }
 
 uint32_t OrvkNicImpl::GetNumRxQueue() {
-  CheckFault("OrvkNicImpl::GetNumRxQueue");
+  CheckFault(Operation::OrvkNicImpl_GetNumRxQueue);
   EnsureFresh();
   return num_rx_queue_;
 }
 
 uint32_t OrvkNicImpl::GetTsoMss() {
-  CheckFault("OrvkNicImpl::GetTsoMss");
+  CheckFault(Operation::OrvkNicImpl_GetTsoMss);
   EnsureFresh();
   return tso_mss_;
 }
 
 std::string OrvkNicImpl::GetNetstackInstanceKey() {
-  CheckFault("OrvkNicImpl::GetNetstackInstanceKey");
+  CheckFault(Operation::OrvkNicImpl_GetNetstackInstanceKey);
   return ReadNic(name_).netstack;
 }
 
 void OrvkNicImpl::GetTags(std::vector<OrvkNicTagType>& tags) {
-  CheckFault("OrvkNicImpl::GetTags");
+  CheckFault(Operation::OrvkNicImpl_GetTags);
   tags.clear();
   for (int tag : ReadNic(name_).tags) tags.push_back(static_cast<OrvkNicTagType>(tag));
 }
 
 void OrvkNicImpl::AddTag(OrvkNicTagType tag, bool) {
-  CheckFault("OrvkNicImpl::AddTag");
+  CheckFault(Operation::OrvkNicImpl_AddTag);
   CheckTag(tag);
   ChangeNic(name_, [&](HostModel&, InterfaceState& nic) {
     if (std::find(nic.tags.begin(), nic.tags.end(), tag) == nic.tags.end()) {
@@ -561,7 +543,7 @@ void OrvkNicImpl::AddTag(OrvkNicTagType tag, bool) {
 }
 
 void OrvkNicImpl::RemoveTag(OrvkNicTagType tag) {
-  CheckFault("OrvkNicImpl::RemoveTag");
+  CheckFault(Operation::OrvkNicImpl_RemoveTag);
   CheckTag(tag);
   ChangeNic(name_, [&](HostModel&, InterfaceState& nic) {
     auto it = std::find(nic.tags.begin(), nic.tags.end(), tag);
@@ -574,14 +556,14 @@ void OrvkNicImpl::RemoveTag(OrvkNicTagType tag) {
 }
 
 void OrvkNicImpl::Commit() {
-  CheckFault("OrvkNicImpl::Commit");
+  CheckFault(Operation::OrvkNicImpl_Commit);
   ReadNic(name_);
 }
 
 OrvikNicInfoImpl::OrvikNicInfoImpl() = default;
 OrvikNicInfoImpl::~OrvikNicInfoImpl() = default;
 
-void OrvikNicInfoImpl::Refresh() { CheckFault("OrvikNicInfoImpl::Refresh"); }
+void OrvikNicInfoImpl::Refresh() { CheckFault(Operation::OrvikNicInfoImpl_Refresh); }
 
 namespace {
 
@@ -598,18 +580,18 @@ HostCtl::Network::OrvkNicList Select(std::function<bool(InterfaceState const&)> 
 }  // namespace
 
 HostCtl::Network::OrvkNicList OrvikNicInfoImpl::GetOrvikNics() {
-  CheckFault("OrvikNicInfoImpl::GetOrvikNics");
+  CheckFault(Operation::OrvikNicInfoImpl_GetOrvikNics);
   return Select([](InterfaceState const&) { return true; });
 }
 
 HostCtl::Network::OrvkNicList OrvikNicInfoImpl::GetOrvikNicsByInstanceKey(std::string const& key) {
-  CheckFault("OrvikNicInfoImpl::GetOrvikNicsByInstanceKey");
+  CheckFault(Operation::OrvikNicInfoImpl_GetOrvikNicsByInstanceKey);
   return Select([&](InterfaceState const& nic) { return nic.netstack == key; });
 }
 
 void OrvikNicInfoImpl::GetOrvikNicNamesByInstanceKey(std::vector<std::string>& names,
                                                      std::string const& key) {
-  CheckFault("OrvikNicInfoImpl::GetOrvikNicNamesByInstanceKey");
+  CheckFault(Operation::OrvikNicInfoImpl_GetOrvikNicNamesByInstanceKey);
   for (auto const& nic :
        Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime)
            .ip.interfaces) {
@@ -618,14 +600,14 @@ void OrvikNicInfoImpl::GetOrvikNicNamesByInstanceKey(std::vector<std::string>& n
 }
 
 HostCtl::Network::OrvkNicList OrvikNicInfoImpl::GetOrvikNicsByTag(OrvkNicTagType tag) {
-  CheckFault("OrvikNicInfoImpl::GetOrvikNicsByTag");
+  CheckFault(Operation::OrvikNicInfoImpl_GetOrvikNicsByTag);
   return Select([&](InterfaceState const& nic) {
     return std::find(nic.tags.begin(), nic.tags.end(), tag) != nic.tags.end();
   });
 }
 
 std::unique_ptr<OrvkNic> OrvikNicInfoImpl::GetOrvikNicByInterface(std::string const& name, bool) {
-  CheckFault("OrvikNicInfoImpl::GetOrvikNicByInterface");
+  CheckFault(Operation::OrvikNicInfoImpl_GetOrvikNicByInterface);
   if (!Sim::FindInterface(
           Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).ip,
           name))
@@ -636,7 +618,7 @@ std::unique_ptr<OrvkNic> OrvikNicInfoImpl::GetOrvikNicByInterface(std::string co
 std::unique_ptr<OrvkNic> OrvikNicInfoImpl::AddOrvikNic(
     ConnectionPoint* point, std::string const& key, IpConfig const& config, MacAddress const& mac,
     uint32_t, uint32_t mtu, uint32_t numRxQueue, std::string const& name, bool) {
-  CheckFault("OrvikNicInfoImpl::AddOrvikNic");
+  CheckFault(Operation::OrvikNicInfoImpl_AddOrvikNic);
   static const std::regex kName("orvk([0-9]|[1-9][0-9]|1[0-9][0-9]|2[0-4][0-9]|25[0-5])");
   InterfaceState nic = Attach(point);
   std::string made;
@@ -694,7 +676,7 @@ std::unique_ptr<OrvkNic> OrvikNicInfoImpl::AddOrvikNic(
 }
 
 void OrvikNicInfoImpl::RemoveOrvikNic(ConnectionPoint* point, std::string const& key) {
-  CheckFault("OrvikNicInfoImpl::RemoveOrvikNic");
+  CheckFault(Operation::OrvikNicInfoImpl_RemoveOrvikNic);
   if (!point) throw HostCtlException("No connection point given for the Orvik network interface");
   InterfaceState wanted = Attach(point);
   Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime,
@@ -707,10 +689,7 @@ void OrvikNicInfoImpl::RemoveOrvikNic(ConnectionPoint* point, std::string const&
                       throw HostCtlException("No Orvik network interface on " + Describe(wanted) +
                                              " in netstack " + key);
                     }
-                    DropRoutes(host, *it);
-                    CountClient(host, *it, -1);
-                    ClosePort(host, it->name);
-                    all.erase(it);
+                    Sim::RemoveInterface(host, it->name);
                   });
 }
 

@@ -4,7 +4,8 @@
 #include <string>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
+#include "host_rules.h"
 #include "hostctl/pnic.h"
 #include "hostctl/port_group.h"
 
@@ -13,6 +14,7 @@ namespace {
 
 using HostCtl::Lib::HostCtlException;
 using Sim::CheckFault;
+using Sim::Operation;
 
 // The trunk that `branch` is attached to, or null.
 Sim::PnicState const* TrunkOf(Sim::NicArea const& area, std::string const& branch) {
@@ -27,9 +29,9 @@ Sim::PnicState const* TrunkOf(Sim::NicArea const& area, std::string const& branc
 }  // namespace
 
 void PnicImpl::AddAttachment(std::string const& branch, uint16_t vlanId) {
-  CheckFault("PnicImpl::AddAttachment");
+  CheckFault(Operation::PnicImpl_AddAttachment);
   uint16_t const maxVlan = HostCtl::Network::PortGroup::MAX_VLAN_ID - 1;
-  Sim::ChangeHost(Sim::kAreaNic, [&](Sim::HostModel& host) {
+  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](Sim::HostModel& host) {
     auto* trunk = Sim::FindPnic(host.nic, name_);
     if (!trunk) throw HostCtlException("Physical NIC " + name_ + " not found");
     auto const* target = Sim::FindPnic(host.nic, branch);
@@ -46,6 +48,7 @@ void PnicImpl::AddAttachment(std::string const& branch, uint16_t vlanId) {
     if (!target->attachments.empty()) {
       throw HostCtlException("Uplink " + branch + " is a trunk and can't be attached as a branch");
     }
+    Sim::CheckBranch(host, branch);
     if (auto const* above = TrunkOf(host.nic, name_)) {
       throw HostCtlException("Uplink " + name_ + " is a branch of " + above->name +
                              " and can't be a trunk");
@@ -62,7 +65,7 @@ void PnicImpl::AddAttachment(std::string const& branch, uint16_t vlanId) {
 }
 
 void PnicImpl::RemoveAttachment(std::string const& branch) {
-  CheckFault("PnicImpl::RemoveAttachment");
+  CheckFault(Operation::PnicImpl_RemoveAttachment);
   Change([&](Sim::PnicState& trunk) {
     auto found = std::find_if(trunk.attachments.begin(), trunk.attachments.end(),
                               [&](auto const& attachment) { return attachment.branch == branch; });
@@ -74,7 +77,7 @@ void PnicImpl::RemoveAttachment(std::string const& branch) {
 }
 
 std::vector<HostCtl::Network::PnicAttachment> PnicImpl::GetAttachments() {
-  CheckFault("PnicImpl::GetAttachments");
+  CheckFault(Operation::PnicImpl_GetAttachments);
   std::vector<HostCtl::Network::PnicAttachment> result;
   for (auto const& attachment : Cached().attachments) {
     result.push_back({attachment.branch, attachment.vlan_id});

@@ -9,7 +9,8 @@
 #include <string>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
+#include "host_rules.h"
 #include "hostctl/pnic.h"
 
 namespace OrvkCtl::Network {
@@ -17,6 +18,7 @@ namespace {
 
 using HostCtl::Lib::HostCtlException;
 using Sim::CheckFault;
+using Sim::Operation;
 using Sim::PnicState;
 
 constexpr uint32_t kSpeedBits1000 = 0x200, kSpeedBits100 = 0x100;
@@ -53,8 +55,6 @@ void CheckRange(PnicState const& nic, uint64_t offset, uint64_t length) {
   }
 }
 
-bool LinkUp(PnicState const& nic) { return nic.admin_up && nic.carrier; }
-
 uint32_t Low(uint64_t value) { return static_cast<uint32_t>(value & 0xffffffff); }
 uint32_t High(uint64_t value) { return static_cast<uint32_t>(value >> 32); }
 
@@ -64,7 +64,7 @@ uint32_t High(uint64_t value) { return static_cast<uint32_t>(value >> 32); }
 // link, the receive address registers the MAC address, the length and
 // interrupt registers the rings and coalescing, the rest the counters.
 void PnicImpl::GetRegisterDump(std::vector<uint32_t>& values) {
-  CheckFault("PnicImpl::GetRegisterDump");
+  CheckFault(Operation::PnicImpl_GetRegisterDump);
   auto const& nic = Cached();
   CheckDiagnostics(nic, "Register dump");
   bool up = LinkUp(nic);
@@ -105,7 +105,7 @@ void PnicImpl::GetRegisterDump(std::vector<uint32_t>& values) {
 }
 
 void PnicImpl::GetEepromDump(std::vector<unsigned char>& bytes, uint32_t length, uint32_t offset) {
-  CheckFault("PnicImpl::GetEepromDump");
+  CheckFault(Operation::PnicImpl_GetEepromDump);
   auto const& nic = Cached();
   CheckEeprom(nic);
   uint64_t size = nic.eeprom.bytes.size();
@@ -117,7 +117,7 @@ void PnicImpl::GetEepromDump(std::vector<unsigned char>& bytes, uint32_t length,
 }
 
 void PnicImpl::SetEepromValue(uint32_t magic, uint32_t offset, uint32_t value) {
-  CheckFault("PnicImpl::SetEepromValue");
+  CheckFault(Operation::PnicImpl_SetEepromValue);
   Change([&](PnicState& nic) {
     CheckEeprom(nic);
     CheckMagic(nic, magic);
@@ -133,7 +133,7 @@ void PnicImpl::SetEepromValue(uint32_t magic, uint32_t offset, uint32_t value) {
 // The file is a raw image from offset 0, written as it is: its checksum is
 // its own affair, which the self test then judges.
 void PnicImpl::SetEepromFile(uint32_t magic, std::string const& file) {
-  CheckFault("PnicImpl::SetEepromFile");
+  CheckFault(Operation::PnicImpl_SetEepromFile);
   auto const& current = Cached();
   CheckEeprom(current);
   CheckMagic(current, magic);
@@ -166,7 +166,7 @@ void PnicImpl::SetEepromFile(uint32_t magic, std::string const& file) {
 }
 
 void PnicImpl::RunSelfTest(HostCtl::Network::PnicSelfTestResult& result, bool online) {
-  CheckFault("PnicImpl::RunSelfTest");
+  CheckFault(Operation::PnicImpl_RunSelfTest);
   auto const& nic = Cached();
   CheckDiagnostics(nic, "Self test");
   auto report = [&](char const* test, bool passed) {

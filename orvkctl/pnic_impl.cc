@@ -2,7 +2,8 @@
 #include <iterator>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
+#include "host_rules.h"
 #include "hostctl/pnic.h"
 #include "hostctl/port.h"
 
@@ -16,17 +17,17 @@ PciDevice::PciDevice(std::string address, std::string vendorName, std::string de
 PciDevice::~PciDevice() = default;
 
 std::string PciDevice::GetAddress() const {
-  OrvkCtl::Sim::CheckFault("PciDevice::GetAddress");
+  OrvkCtl::Sim::CheckFault(OrvkCtl::Sim::Operation::PciDevice_GetAddress);
   return address_;
 }
 
 std::string PciDevice::GetVendorName() const {
-  OrvkCtl::Sim::CheckFault("PciDevice::GetVendorName");
+  OrvkCtl::Sim::CheckFault(OrvkCtl::Sim::Operation::PciDevice_GetVendorName);
   return vendorName_;
 }
 
 std::string PciDevice::GetDeviceName() const {
-  OrvkCtl::Sim::CheckFault("PciDevice::GetDeviceName");
+  OrvkCtl::Sim::CheckFault(OrvkCtl::Sim::Operation::PciDevice_GetDeviceName);
   return deviceName_;
 }
 
@@ -39,13 +40,12 @@ namespace {
 
 using HostCtl::Lib::HostCtlException;
 using Sim::CheckFault;
+using Sim::Operation;
 using Sim::PnicState;
 
 HostCtlException NotFound(std::string const& name) {
   return HostCtlException("Physical NIC " + name + " not found");
 }
-
-bool LinkUp(PnicState const& nic) { return nic.admin_up && nic.carrier; }
 
 std::vector<HostCtl::Network::PnicLinkMode> LinkModes(
     std::vector<Sim::LinkModeState> const& modes) {
@@ -78,7 +78,7 @@ PnicImpl::PnicImpl(std::string const& name) : name_(name) {}
 PnicImpl::~PnicImpl() = default;
 
 void PnicImpl::Refresh() {
-  CheckFault("PnicImpl::Refresh");
+  CheckFault(Operation::PnicImpl_Refresh);
   auto const* nic = Sim::FindPnic(Sim::ReadHost(Sim::kAreaNic).nic, name_);
   if (!nic) throw NotFound(name_);
   cached_ = std::make_unique<PnicState>(*nic);
@@ -99,12 +99,12 @@ void PnicImpl::Change(std::function<void(PnicState&)> const& change) {
 }
 
 std::string PnicImpl::GetName() {
-  CheckFault("PnicImpl::GetName");
+  CheckFault(Operation::PnicImpl_GetName);
   return name_;
 }
 
 std::unique_ptr<HostCtl::Network::Port> PnicImpl::GetPort() {
-  CheckFault("PnicImpl::GetPort");
+  CheckFault(Operation::PnicImpl_GetPort);
   for (auto const& port : Sim::ReadHost(Sim::kAreaRuntime).runtime.ports) {
     if (port.type == Sim::kPortTypeUplink && port.client == name_) {
       return std::make_unique<PortImpl>(static_cast<int>(port.id));
@@ -114,7 +114,7 @@ std::unique_ptr<HostCtl::Network::Port> PnicImpl::GetPort() {
 }
 
 std::unique_ptr<HostCtl::Network::PciDevice> PnicImpl::GetPciDevice() {
-  CheckFault("PnicImpl::GetPciDevice");
+  CheckFault(Operation::PnicImpl_GetPciDevice);
   auto const& nic = Cached();
   if (nic.pci_address.empty()) return nullptr;
   return std::make_unique<HostCtl::Network::PciDevice>(nic.pci_address, nic.pci_vendor,
@@ -122,59 +122,59 @@ std::unique_ptr<HostCtl::Network::PciDevice> PnicImpl::GetPciDevice() {
 }
 
 std::string PnicImpl::GetPseudoDescriptor() {
-  CheckFault("PnicImpl::GetPseudoDescriptor");
+  CheckFault(Operation::PnicImpl_GetPseudoDescriptor);
   return Cached().pseudo_descriptor;
 }
 
 std::string PnicImpl::GetDriverName() {
-  CheckFault("PnicImpl::GetDriverName");
+  CheckFault(Operation::PnicImpl_GetDriverName);
   return Cached().driver;
 }
 
 HostCtl::Network::MacAddress PnicImpl::GetMacAddress() {
-  CheckFault("PnicImpl::GetMacAddress");
+  CheckFault(Operation::PnicImpl_GetMacAddress);
   return HostCtl::Network::MacAddress(Cached().mac);
 }
 
 int32_t PnicImpl::GetMtu() {
-  CheckFault("PnicImpl::GetMtu");
+  CheckFault(Operation::PnicImpl_GetMtu);
   return Cached().mtu;
 }
 
 uint32_t PnicImpl::GetSpeed() {
-  CheckFault("PnicImpl::GetSpeed");
+  CheckFault(Operation::PnicImpl_GetSpeed);
   auto const& nic = Cached();
   return LinkUp(nic) ? nic.speed : 0;
 }
 
 uint32_t PnicImpl::GetDuplex() {
-  CheckFault("PnicImpl::GetDuplex");
+  CheckFault(Operation::PnicImpl_GetDuplex);
   auto const& nic = Cached();
   return LinkUp(nic) ? nic.duplex : HostCtl::Network::DUPLEX_AUTO;
 }
 
 bool PnicImpl::IsAdminUp() {
-  CheckFault("PnicImpl::IsAdminUp");
+  CheckFault(Operation::PnicImpl_IsAdminUp);
   return Cached().admin_up;
 }
 
 bool PnicImpl::IsLinkUp() {
-  CheckFault("PnicImpl::IsLinkUp");
+  CheckFault(Operation::PnicImpl_IsLinkUp);
   return LinkUp(Cached());
 }
 
 bool PnicImpl::IsLinkStatusUp() {
-  CheckFault("PnicImpl::IsLinkStatusUp");
+  CheckFault(Operation::PnicImpl_IsLinkStatusUp);
   return LinkUp(Cached());
 }
 
 void PnicImpl::SetAdminUp(bool up) {
-  CheckFault("PnicImpl::SetAdminUp");
+  CheckFault(Operation::PnicImpl_SetAdminUp);
   Change([&](PnicState& nic) { nic.admin_up = up; });
 }
 
 void PnicImpl::GetInfo(HostCtl::Network::PnicInfo& info) {
-  CheckFault("PnicImpl::GetInfo");
+  CheckFault(Operation::PnicImpl_GetInfo);
   auto const& nic = Cached();
   info.supportedPorts = nic.supported_ports;
   info.supportedLinkModes = LinkModes(nic.supported_link_modes);
@@ -195,7 +195,7 @@ void PnicImpl::GetInfo(HostCtl::Network::PnicInfo& info) {
 }
 
 void PnicImpl::SetInfo(HostCtl::Network::PnicInfo const& info) {
-  CheckFault("PnicImpl::SetInfo");
+  CheckFault(Operation::PnicImpl_SetInfo);
   Change([&](PnicState& nic) {
     if (info.portChanged) {
       if (!Contains(nic.supported_ports, info.port)) {
@@ -253,7 +253,7 @@ void PnicImpl::SetInfo(HostCtl::Network::PnicInfo const& info) {
 }
 
 void PnicImpl::SetSpeedAndDuplex(uint32_t speed, int32_t duplex) {
-  CheckFault("PnicImpl::SetSpeedAndDuplex");
+  CheckFault(Operation::PnicImpl_SetSpeedAndDuplex);
   Change([&](PnicState& nic) {
     if (speed == 0 && duplex == HostCtl::Network::DUPLEX_AUTO) {
       if (!nic.supports_auto_negotiation) {
@@ -303,7 +303,7 @@ void PnicImpl::SetSpeedAndDuplex(uint32_t speed, int32_t duplex) {
 }
 
 void PnicImpl::SetPauseParams(HostCtl::Network::PnicPauseParams& params) {
-  CheckFault("PnicImpl::SetPauseParams");
+  CheckFault(Operation::PnicImpl_SetPauseParams);
   Change([&](PnicState& nic) {
     if (!nic.pause.supported) {
       throw HostCtlException("Pause parameters are not supported by " + name_);
@@ -327,7 +327,7 @@ void PnicImpl::SetPauseParams(HostCtl::Network::PnicPauseParams& params) {
 }
 
 void PnicImpl::GetPauseParams(HostCtl::Network::PnicPauseParams& params) {
-  CheckFault("PnicImpl::GetPauseParams");
+  CheckFault(Operation::PnicImpl_GetPauseParams);
   auto const& pause = Cached().pause;
   params.supported = pause.supported;
   params.autoNegotiation = pause.auto_negotiation;
@@ -338,7 +338,7 @@ void PnicImpl::GetPauseParams(HostCtl::Network::PnicPauseParams& params) {
 }
 
 void PnicImpl::GetDriverInfo(HostCtl::Network::PnicDriverInfo& info) {
-  CheckFault("PnicImpl::GetDriverInfo");
+  CheckFault(Operation::PnicImpl_GetDriverInfo);
   auto const& nic = Cached();
   info.driver = nic.driver;
   info.version = nic.driver_version;
@@ -347,7 +347,7 @@ void PnicImpl::GetDriverInfo(HostCtl::Network::PnicDriverInfo& info) {
 }
 
 void PnicImpl::RestartNegotiation() {
-  CheckFault("PnicImpl::RestartNegotiation");
+  CheckFault(Operation::PnicImpl_RestartNegotiation);
   Change([&](PnicState& nic) {
     if (!nic.admin_up) {
       throw HostCtlException("Unable to restart negotiation on " + name_ + ": device is down");

@@ -4,7 +4,8 @@
 #include <string>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
+#include "host_rules.h"
 #include "hostctl/pnic.h"
 
 namespace OrvkCtl::Network {
@@ -15,6 +16,7 @@ using HostCtl::Network::PnicNetqueueInfo;
 using HostCtl::Network::PnicNetqueuePluginInfo;
 using HostCtl::Network::PnicSoftwareSimulation;
 using Sim::CheckFault;
+using Sim::Operation;
 using Sim::PnicState;
 
 // Load balancer settings by bit number, as the driver interface names them.
@@ -94,7 +96,7 @@ void CheckQueueCount(PnicState const& nic, char const* what, uint32_t count, uin
 }  // namespace
 
 void PnicImpl::GetNetqueueInfo(PnicNetqueueInfo& info) {
-  CheckFault("PnicImpl::GetNetqueueInfo");
+  CheckFault(Operation::PnicImpl_GetNetqueueInfo);
   auto const& nic = Cached();
   CheckNetqueue(nic);
   auto const& q = nic.netqueue;
@@ -116,7 +118,7 @@ void PnicImpl::GetNetqueueInfo(PnicNetqueueInfo& info) {
 }
 
 void PnicImpl::SetNetqueueInfo(PnicNetqueueInfo& info) {
-  CheckFault("PnicImpl::SetNetqueueInfo");
+  CheckFault(Operation::PnicImpl_SetNetqueueInfo);
   Change([&](PnicState& nic) {
     CheckNetqueue(nic);
     auto& q = nic.netqueue;
@@ -158,7 +160,7 @@ void PnicImpl::SetNetqueueInfo(PnicNetqueueInfo& info) {
 }
 
 void PnicImpl::GetSoftwareSimulation(PnicSoftwareSimulation& settings) {
-  CheckFault("PnicImpl::GetSoftwareSimulation");
+  CheckFault(Operation::PnicImpl_GetSoftwareSimulation);
   uint32_t const on = Cached().software_simulation.simulated;
   auto bit = [on](uint32_t mask) { return (on & mask) != 0; };
   settings.ipv4Cso = bit(PnicSoftwareSimulation::MASK_IPV4_CSO);
@@ -178,7 +180,7 @@ void PnicImpl::GetSoftwareSimulation(PnicSoftwareSimulation& settings) {
 }
 
 void PnicImpl::SetSoftwareSimulation(PnicSoftwareSimulation& settings) {
-  CheckFault("PnicImpl::SetSoftwareSimulation");
+  CheckFault(Operation::PnicImpl_SetSoftwareSimulation);
   bool const values[] = {settings.ipv4Cso,
                          settings.ipv4Tso,
                          settings.scatterGather,
@@ -210,18 +212,18 @@ void PnicImpl::SetSoftwareSimulation(PnicSoftwareSimulation& settings) {
 }
 
 void PnicImpl::GetHwCapabilities(HostCtl::Network::PnicHwCapabilities& caps) {
-  CheckFault("PnicImpl::GetHwCapabilities");
+  CheckFault(Operation::PnicImpl_GetHwCapabilities);
   auto const& nic = Cached();
   if (!nic.hw_cap.reported) {
     throw HostCtlException("Driver " + nic.driver + " of " + nic.name +
                            " does not report hardware capabilities");
   }
   caps.supported = nic.hw_cap.supported;
-  caps.activated = nic.hw_cap.activated;
+  caps.activated = Sim::ActivatedHwCaps(nic);
 }
 
 std::string PnicImpl::GetHwCapName(uint8_t bit) {
-  CheckFault("PnicImpl::GetHwCapName");
+  CheckFault(Operation::PnicImpl_GetHwCapName);
   if (bit < std::size(kHwCapNames)) return kHwCapNames[bit];
   return "CAP_BIT_" + std::to_string(bit);
 }

@@ -2,7 +2,7 @@
 #include <string>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/pnic.h"
 
 namespace OrvkCtl::Network {
@@ -12,6 +12,7 @@ using HostCtl::Lib::HostCtlException;
 using HostCtl::Network::PnicOffloadParams;
 using HostCtl::Network::PnicRingParams;
 using Sim::CheckFault;
+using Sim::Operation;
 using Sim::PnicState;
 
 void CheckCoalesceSupported(PnicState const& nic) {
@@ -50,7 +51,7 @@ void ResizeRing(PnicState const& nic, char const* ring, uint32_t size, uint32_t 
 }  // namespace
 
 void PnicImpl::GetOffloadParams(HostCtl::Network::PnicOffloadParams& params) {
-  CheckFault("PnicImpl::GetOffloadParams");
+  CheckFault(Operation::PnicImpl_GetOffloadParams);
   auto const& offload = Cached().offload;
   params.rxChecksum = offload.rx_checksum;
   params.txChecksum = offload.tx_checksum;
@@ -62,7 +63,7 @@ void PnicImpl::GetOffloadParams(HostCtl::Network::PnicOffloadParams& params) {
 }
 
 void PnicImpl::SetOffloadParams(HostCtl::Network::PnicOffloadParams& params) {
-  CheckFault("PnicImpl::SetOffloadParams");
+  CheckFault(Operation::PnicImpl_SetOffloadParams);
   Change([&](PnicState& nic) {
     auto& offload = nic.offload;
     auto refuse = [&](char const* what) {
@@ -90,7 +91,7 @@ void PnicImpl::SetOffloadParams(HostCtl::Network::PnicOffloadParams& params) {
 }
 
 void PnicImpl::GetCoalesceParams(HostCtl::Network::PnicCoalesceParams& params) {
-  CheckFault("PnicImpl::GetCoalesceParams");
+  CheckFault(Operation::PnicImpl_GetCoalesceParams);
   auto const& nic = Cached();
   CheckCoalesceSupported(nic);
   auto const& c = nic.coalesce;
@@ -119,7 +120,7 @@ void PnicImpl::GetCoalesceParams(HostCtl::Network::PnicCoalesceParams& params) {
 }
 
 void PnicImpl::SetCoalesceParams(HostCtl::Network::PnicCoalesceParams& params) {
-  CheckFault("PnicImpl::SetCoalesceParams");
+  CheckFault(Operation::PnicImpl_SetCoalesceParams);
   Change([&](PnicState& nic) {
     CheckCoalesceSupported(nic);
     auto& c = nic.coalesce;
@@ -179,7 +180,7 @@ void PnicImpl::SetCoalesceParams(HostCtl::Network::PnicCoalesceParams& params) {
 
 void PnicImpl::GetRingParams(HostCtl::Network::PnicRingParams& preset,
                              HostCtl::Network::PnicRingParams& current) {
-  CheckFault("PnicImpl::GetRingParams");
+  CheckFault(Operation::PnicImpl_GetRingParams);
   auto const& nic = Cached();
   CheckRingsSupported(nic);
   auto const& ring = nic.ring;
@@ -194,7 +195,7 @@ void PnicImpl::GetRingParams(HostCtl::Network::PnicRingParams& preset,
 }
 
 void PnicImpl::SetRingParams(HostCtl::Network::PnicRingParams& params) {
-  CheckFault("PnicImpl::SetRingParams");
+  CheckFault(Operation::PnicImpl_SetRingParams);
   Change([&](PnicState& nic) {
     CheckRingsSupported(nic);
     auto& ring = nic.ring;
@@ -214,7 +215,7 @@ void PnicImpl::SetRingParams(HostCtl::Network::PnicRingParams& params) {
 }
 
 void PnicImpl::GetPnicStats(HostCtl::Network::PnicStats& stats) {
-  CheckFault("PnicImpl::GetPnicStats");
+  CheckFault(Operation::PnicImpl_GetPnicStats);
   auto const& s = Cached().stats;
   stats.packetsSent = s.tx_packets;
   stats.packetsReceived = s.rx_packets;

@@ -2,7 +2,7 @@
 #include "hostctl/port_group_impl.h"
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/network_info.h"
 #include "hostctl/virtual_switch.h"
 #include "vswitch_policy.h"
@@ -16,6 +16,7 @@ using HostCtl::Network::PortGroup;
 using HostCtl::Network::PortSecurityPolicy;
 using HostCtl::Network::ShapingPolicy;
 using Sim::CheckFault;
+using Sim::Operation;
 using Sim::HostModel;
 using Sim::PortGroupState;
 using Sim::StandardSwitchState;
@@ -52,34 +53,34 @@ void ChangeGroup(std::string const& name,
 }  // namespace
 
 PortGroupImpl::PortGroupImpl(std::string const& name) : name_(name) {
-  CheckFault("PortGroupImpl::PortGroupImpl");
+  CheckFault(Operation::PortGroupImpl_PortGroupImpl);
   ReadGroup(name);
 }
 
 PortGroupImpl::~PortGroupImpl() = default;
 
 void PortGroupImpl::Refresh() {
-  CheckFault("PortGroupImpl::Refresh");
+  CheckFault(Operation::PortGroupImpl_Refresh);
   ReadGroup(name_);
 }
 
 std::string PortGroupImpl::GetName() {
-  CheckFault("PortGroupImpl::GetName");
+  CheckFault(Operation::PortGroupImpl_GetName);
   return name_;
 }
 
 std::string PortGroupImpl::GetVirtualSwitchName() {
-  CheckFault("PortGroupImpl::GetVirtualSwitchName");
+  CheckFault(Operation::PortGroupImpl_GetVirtualSwitchName);
   return ReadGroup(name_).vswitch->name;
 }
 
 uint16_t PortGroupImpl::GetVlanId() {
-  CheckFault("PortGroupImpl::GetVlanId");
+  CheckFault(Operation::PortGroupImpl_GetVlanId);
   return ReadGroup(name_).group->vlan_id;
 }
 
 void PortGroupImpl::SetVlanId(uint16_t vlanId) {
-  CheckFault("PortGroupImpl::SetVlanId");
+  CheckFault(Operation::PortGroupImpl_SetVlanId);
   if (vlanId < MIN_VLAN_ID || vlanId > MAX_VLAN_ID) {
     throw HostCtlException("Invalid VLAN id " + std::to_string(vlanId) + " for port group " +
                            name_ + ": it must be between " + std::to_string(MIN_VLAN_ID) + " and " +
@@ -89,37 +90,37 @@ void PortGroupImpl::SetVlanId(uint16_t vlanId) {
 }
 
 PortSecurityPolicy PortGroupImpl::GetEffectiveSecurityPolicy() {
-  CheckFault("PortGroupImpl::GetEffectiveSecurityPolicy");
+  CheckFault(Operation::PortGroupImpl_GetEffectiveSecurityPolicy);
   auto ref = ReadGroup(name_);
   return Sim::EffectiveSecurity(*ref.vswitch, *ref.group);
 }
 
 PortSecurityPolicy PortGroupImpl::GetConfiguredSecurityPolicy() {
-  CheckFault("PortGroupImpl::GetConfiguredSecurityPolicy");
+  CheckFault(Operation::PortGroupImpl_GetConfiguredSecurityPolicy);
   return Sim::ToPolicy(ReadGroup(name_).group->security);
 }
 
 void PortGroupImpl::ApplySecurityPolicy(PortSecurityPolicy const& policy) {
-  CheckFault("PortGroupImpl::ApplySecurityPolicy");
+  CheckFault(Operation::PortGroupImpl_ApplySecurityPolicy);
   ChangeGroup(name_, [&](StandardSwitchState&, PortGroupState& group) {
     group.security = Sim::ToState(policy);
   });
 }
 
 NicTeamingPolicy PortGroupImpl::GetEffectiveTeamingPolicy() {
-  CheckFault("PortGroupImpl::GetEffectiveTeamingPolicy");
+  CheckFault(Operation::PortGroupImpl_GetEffectiveTeamingPolicy);
   HostModel const& host = Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch);
   auto ref = ReadGroup(host, name_);
   return Sim::EffectiveTeaming(host, *ref.vswitch, *ref.group);
 }
 
 NicTeamingPolicy PortGroupImpl::GetConfiguredTeamingPolicy() {
-  CheckFault("PortGroupImpl::GetConfiguredTeamingPolicy");
+  CheckFault(Operation::PortGroupImpl_GetConfiguredTeamingPolicy);
   return Sim::ToPolicy(ReadGroup(name_).group->teaming);
 }
 
 void PortGroupImpl::ApplyTeamingPolicy(NicTeamingPolicy policy) {
-  CheckFault("PortGroupImpl::ApplyTeamingPolicy");
+  CheckFault(Operation::PortGroupImpl_ApplyTeamingPolicy);
   ChangeGroup(name_, [&](StandardSwitchState& vswitch, PortGroupState& group) {
     Sim::CheckTeaming(vswitch, "port group " + name_, policy);
     group.teaming = Sim::ToState(policy);
@@ -127,18 +128,18 @@ void PortGroupImpl::ApplyTeamingPolicy(NicTeamingPolicy policy) {
 }
 
 ShapingPolicy PortGroupImpl::GetEffectiveShapingPolicy() {
-  CheckFault("PortGroupImpl::GetEffectiveShapingPolicy");
+  CheckFault(Operation::PortGroupImpl_GetEffectiveShapingPolicy);
   auto ref = ReadGroup(name_);
   return Sim::EffectiveShaping(*ref.vswitch, *ref.group);
 }
 
 ShapingPolicy PortGroupImpl::GetConfiguredShapingPolicy() {
-  CheckFault("PortGroupImpl::GetConfiguredShapingPolicy");
+  CheckFault(Operation::PortGroupImpl_GetConfiguredShapingPolicy);
   return Sim::ToPolicy(ReadGroup(name_).group->shaping);
 }
 
 void PortGroupImpl::ApplyShapingPolicy(ShapingPolicy policy) {
-  CheckFault("PortGroupImpl::ApplyShapingPolicy");
+  CheckFault(Operation::PortGroupImpl_ApplyShapingPolicy);
   ChangeGroup(name_, [&](StandardSwitchState& vswitch, PortGroupState& group) {
     group.shaping = Sim::ToState(policy);
     Sim::CheckShaping(vswitch);
@@ -146,12 +147,12 @@ void PortGroupImpl::ApplyShapingPolicy(ShapingPolicy policy) {
 }
 
 std::unique_ptr<HostCtl::Network::VirtualSwitch> PortGroupImpl::GetVirtualSwitch() {
-  CheckFault("PortGroupImpl::GetVirtualSwitch");
+  CheckFault(Operation::PortGroupImpl_GetVirtualSwitch);
   return std::make_unique<VirtualSwitchImpl>(ReadGroup(name_).vswitch->name);
 }
 
 int PortGroupImpl::GetNumActiveClients() {
-  CheckFault("PortGroupImpl::GetNumActiveClients");
+  CheckFault(Operation::PortGroupImpl_GetNumActiveClients);
   return ReadGroup(name_).group->active_clients;
 }
 
@@ -164,12 +165,12 @@ std::string PortGroupImpl::GetPortGroupName() const { return name_; }
 HostCtl::Network::DVPortParam PortGroupImpl::GetDVPortParam() const { return {}; }
 
 std::string PortGroupImpl::GetPortsetName() {
-  CheckFault("PortGroupImpl::GetPortsetName");
+  CheckFault(Operation::PortGroupImpl_GetPortsetName);
   return ReadGroup(name_).vswitch->name;
 }
 
 bool PortGroupImpl::IsValid() {
-  CheckFault("PortGroupImpl::IsValid");
+  CheckFault(Operation::PortGroupImpl_IsValid);
   return Sim::FindPortGroup(Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch).vswitch, name_) !=
          nullptr;
 }
@@ -179,7 +180,7 @@ bool PortGroupImpl::IsValid() {
 namespace OrvkCtl::Network {
 
 std::vector<std::unique_ptr<HostCtl::Network::PortGroup>> NetworkInfoImpl::GetAllPortGroups() {
-  CheckFault("NetworkInfoImpl::GetAllPortGroups");
+  CheckFault(Operation::NetworkInfoImpl_GetAllPortGroups);
   std::vector<std::unique_ptr<HostCtl::Network::PortGroup>> groups;
   for (auto const& vswitch :
        Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch).vswitch.standard_switches) {

@@ -1,6 +1,7 @@
 // Switch ports of the simulated host, with their counters and filters.
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
+#include "host_rules.h"
 #include "hostctl/port.h"
 #include "hostctl/virtual_switch.h"
 
@@ -13,6 +14,7 @@ namespace {
 
 using HostCtl::Lib::HostCtlException;
 using Sim::CheckFault;
+using Sim::Operation;
 
 Sim::PortState const& ReadPort(int id) {
   auto const* port = Sim::FindPort(
@@ -30,22 +32,22 @@ PortImpl::PortImpl(int id) : id_(id) {}
 PortImpl::~PortImpl() = default;
 
 void PortImpl::Refresh() {
-  CheckFault("PortImpl::Refresh");
+  CheckFault(Operation::PortImpl_Refresh);
   ReadPort(id_);
 }
 
 int PortImpl::GetId() {
-  CheckFault("PortImpl::GetId");
+  CheckFault(Operation::PortImpl_GetId);
   return id_;
 }
 
 int PortImpl::GetType() {
-  CheckFault("PortImpl::GetType");
+  CheckFault(Operation::PortImpl_GetType);
   return ReadPort(id_).type;
 }
 
 HostCtl::Network::PortStats PortImpl::GetPortStats() {
-  CheckFault("PortImpl::GetPortStats");
+  CheckFault(Operation::PortImpl_GetPortStats);
   auto const& port = ReadPort(id_);
   HostCtl::Network::PortStats stats;
   stats.bytesSent = port.bytes_sent;
@@ -54,7 +56,7 @@ HostCtl::Network::PortStats PortImpl::GetPortStats() {
 }
 
 void PortImpl::GetPacketStats(HostCtl::Network::PacketStats& stats) {
-  CheckFault("PortImpl::GetPacketStats");
+  CheckFault(Operation::PortImpl_GetPacketStats);
   auto const& port = ReadPort(id_);
   stats.packetsSent = port.packets_sent;
   stats.multicastPacketsSent = port.multicast_sent;
@@ -67,7 +69,7 @@ void PortImpl::GetPacketStats(HostCtl::Network::PacketStats& stats) {
 }
 
 std::vector<std::unique_ptr<HostCtl::Network::FilterStats>> PortImpl::GetFilterStats() {
-  CheckFault("PortImpl::GetFilterStats");
+  CheckFault(Operation::PortImpl_GetFilterStats);
   std::vector<std::unique_ptr<HostCtl::Network::FilterStats>> filters;
   for (auto const& filter : ReadPort(id_).filters) {
     auto stats = std::make_unique<HostCtl::Network::FilterStats>();
@@ -90,22 +92,22 @@ std::vector<std::unique_ptr<HostCtl::Network::FilterStats>> PortImpl::GetFilterS
 }
 
 uint32_t PortImpl::GetWorldLeader() {
-  CheckFault("PortImpl::GetWorldLeader");
+  CheckFault(Operation::PortImpl_GetWorldLeader);
   return ReadPort(id_).world_leader;
 }
 
 std::string PortImpl::GetPortGroupName() {
-  CheckFault("PortImpl::GetPortGroupName");
+  CheckFault(Operation::PortImpl_GetPortGroupName);
   return ReadPort(id_).portgroup;
 }
 
 std::string PortImpl::GetDVPortID() {
-  CheckFault("PortImpl::GetDVPortID");
+  CheckFault(Operation::PortImpl_GetDVPortID);
   return ReadPort(id_).dvport_id;
 }
 
 std::vector<HostCtl::Network::MacAddress> PortImpl::GetMacAddresses() {
-  CheckFault("PortImpl::GetMacAddresses");
+  CheckFault(Operation::PortImpl_GetMacAddresses);
   auto const& port = ReadPort(id_);
   std::vector<HostCtl::Network::MacAddress> addresses;
   if (!port.mac_address.empty()) addresses.emplace_back(port.mac_address);
@@ -113,7 +115,7 @@ std::vector<HostCtl::Network::MacAddress> PortImpl::GetMacAddresses() {
 }
 
 HostCtl::Network::Ipv4Address PortImpl::GetPortClientIpv4Address() {
-  CheckFault("PortImpl::GetPortClientIpv4Address");
+  CheckFault(Operation::PortImpl_GetPortClientIpv4Address);
   Sim::HostModel const& host =
       Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   auto const* port = Sim::FindPort(host.runtime, static_cast<uint32_t>(id_));
@@ -128,28 +130,16 @@ HostCtl::Network::Ipv4Address PortImpl::GetPortClientIpv4Address() {
 }
 
 std::string PortImpl::GetSchedTeamUplink() {
-  CheckFault("PortImpl::GetSchedTeamUplink");
+  CheckFault(Operation::PortImpl_GetSchedTeamUplink);
   Sim::HostModel const& host =
       Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   auto const* port = Sim::FindPort(host.runtime, static_cast<uint32_t>(id_));
   if (!port || id_ < 0) throw HostCtlException("Port " + std::to_string(id_) + " not found");
-  if (!port->team_uplink.empty()) return port->team_uplink;
-  std::vector<std::string> const* uplinks = nullptr;
-  if (auto const* vswitch = Sim::FindStandardSwitch(host.vswitch, port->portset)) {
-    uplinks = &vswitch->uplinks;
-  } else if (auto const* dvs = Sim::FindDistributedSwitch(host.vswitch, port->portset)) {
-    uplinks = &dvs->uplinks;
-  }
-  if (uplinks) {
-    for (auto const& uplink : *uplinks) {
-      if (Sim::FindPnic(host.nic, uplink)) return uplink;
-    }
-  }
-  return std::string();
+  return Sim::TeamUplink(host, *port);
 }
 
 std::vector<std::unique_ptr<HostCtl::Network::Port>> PortsetImpl::GetPorts() {
-  CheckFault("PortsetImpl::GetPorts");
+  CheckFault(Operation::PortsetImpl_GetPorts);
   Sim::HostModel const& host =
       Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime);
   if (!Sim::FindStandardSwitch(host.vswitch, name_)) {

@@ -2,7 +2,7 @@
 #include <functional>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/routing.h"
 
 namespace OrvkCtl::Network {
@@ -14,6 +14,7 @@ using HostCtl::Network::Ipv4Network;
 using HostCtl::Network::Ipv6Address;
 using HostCtl::Network::Ipv6Network;
 using Sim::CheckFault;
+using Sim::Operation;
 using Sim::NetstackRoutes;
 using Sim::RouteState;
 
@@ -187,49 +188,49 @@ RoutingInfoImpl::RoutingInfoImpl(std::string const& netstackKey) : key_(netstack
 RoutingInfoImpl::~RoutingInfoImpl() = default;
 
 void RoutingInfoImpl::Refresh() {
-  CheckFault("RoutingInfoImpl::Refresh");
+  CheckFault(Operation::RoutingInfoImpl_Refresh);
   ReadRoutes(key_);
 }
 
 void RoutingInfoImpl::SetNetstackInstanceKey(std::string const& key) {
-  CheckFault("RoutingInfoImpl::SetNetstackInstanceKey");
+  CheckFault(Operation::RoutingInfoImpl_SetNetstackInstanceKey);
   ReadRoutes(key);
   key_ = key;
   MarkStale();
 }
 
 void RoutingInfoImpl::AddOrvikRoute(Ipv4Network const& network, Ipv4Address const& gateway) {
-  CheckFault("RoutingInfoImpl::AddOrvikRoute");
+  CheckFault(Operation::RoutingInfoImpl_AddOrvikRoute);
   AddRoute<Ipv4Family>(key_, network, gateway);
 }
 
 void RoutingInfoImpl::RemoveOrvikRoute(Ipv4Network const& network, Ipv4Address const& gateway) {
-  CheckFault("RoutingInfoImpl::RemoveOrvikRoute");
+  CheckFault(Operation::RoutingInfoImpl_RemoveOrvikRoute);
   RemoveRoute<Ipv4Family>(key_, network, gateway);
 }
 
 void RoutingInfoImpl::AddIpv6OrvikRoute(Ipv6Network const& network, Ipv6Address const& gateway) {
-  CheckFault("RoutingInfoImpl::AddIpv6OrvikRoute");
+  CheckFault(Operation::RoutingInfoImpl_AddIpv6OrvikRoute);
   AddRoute<Ipv6Family>(key_, network, gateway);
 }
 
 void RoutingInfoImpl::RemoveIpv6OrvikRoute(Ipv6Network const& network, Ipv6Address const& gateway) {
-  CheckFault("RoutingInfoImpl::RemoveIpv6OrvikRoute");
+  CheckFault(Operation::RoutingInfoImpl_RemoveIpv6OrvikRoute);
   RemoveRoute<Ipv6Family>(key_, network, gateway);
 }
 
 std::vector<HostCtl::Network::Ipv4RouteRecord> RoutingInfoImpl::GetCurrentOrvikRoutes() {
-  CheckFault("RoutingInfoImpl::GetCurrentOrvikRoutes");
+  CheckFault(Operation::RoutingInfoImpl_GetCurrentOrvikRoutes);
   return CurrentRoutes<Ipv4Family>(key_);
 }
 
 std::vector<HostCtl::Network::Ipv6RouteRecord> RoutingInfoImpl::GetCurrentIpv6OrvikRoutes() {
-  CheckFault("RoutingInfoImpl::GetCurrentIpv6OrvikRoutes");
+  CheckFault(Operation::RoutingInfoImpl_GetCurrentIpv6OrvikRoutes);
   return CurrentRoutes<Ipv6Family>(key_);
 }
 
 std::string RoutingInfoImpl::GetDefaultGatewaySource(Ipv4Network const& network) {
-  CheckFault("RoutingInfoImpl::GetDefaultGatewaySource");
+  CheckFault(Operation::RoutingInfoImpl_GetDefaultGatewaySource);
   std::string const text = NetworkText<Ipv4Family>(network);
   for (auto const& row : ReadRoutes(key_).ipv4) {
     if (row.network == text) return row.source;
@@ -238,33 +239,33 @@ std::string RoutingInfoImpl::GetDefaultGatewaySource(Ipv4Network const& network)
 }
 
 Ipv4Address RoutingInfoImpl::GetOrvikDefaultGateway() {
-  CheckFault("RoutingInfoImpl::GetOrvikDefaultGateway");
+  CheckFault(Operation::RoutingInfoImpl_GetOrvikDefaultGateway);
   return DefaultGateway<Ipv4Family>(key_);
 }
 
 Ipv4Address RoutingInfoImpl::GetOrvikConfigDefaultGateway() {
-  CheckFault("RoutingInfoImpl::GetOrvikConfigDefaultGateway");
+  CheckFault(Operation::RoutingInfoImpl_GetOrvikConfigDefaultGateway);
   return Ipv4Address(ReadRoutes(key_).ipv4_config_gateway);
 }
 
 void RoutingInfoImpl::SetOrvikDefaultGateway(Ipv4Address const& gateway, bool runtimeOnly) {
-  CheckFault("RoutingInfoImpl::SetOrvikDefaultGateway");
+  CheckFault(Operation::RoutingInfoImpl_SetOrvikDefaultGateway);
   ChangeRoutes(
       key_, [&](NetstackRoutes& routes) { SetDefault<Ipv4Family>(routes, gateway, runtimeOnly); });
 }
 
 Ipv6Address RoutingInfoImpl::GetIpv6OrvikDefaultGateway() {
-  CheckFault("RoutingInfoImpl::GetIpv6OrvikDefaultGateway");
+  CheckFault(Operation::RoutingInfoImpl_GetIpv6OrvikDefaultGateway);
   return DefaultGateway<Ipv6Family>(key_);
 }
 
 Ipv6Address RoutingInfoImpl::GetIpv6OrvikConfigDefaultGateway() {
-  CheckFault("RoutingInfoImpl::GetIpv6OrvikConfigDefaultGateway");
+  CheckFault(Operation::RoutingInfoImpl_GetIpv6OrvikConfigDefaultGateway);
   return Ipv6Address(ReadRoutes(key_).ipv6_config_gateway);
 }
 
 void RoutingInfoImpl::SetIpv6OrvikDefaultGateway(Ipv6Address const& gateway) {
-  CheckFault("RoutingInfoImpl::SetIpv6OrvikDefaultGateway");
+  CheckFault(Operation::RoutingInfoImpl_SetIpv6OrvikDefaultGateway);
   ChangeRoutes(key_,
                [&](NetstackRoutes& routes) { SetDefault<Ipv6Family>(routes, gateway, false); });
 }

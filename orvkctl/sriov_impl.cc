@@ -2,7 +2,7 @@
 #include <string>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 
@@ -11,6 +11,7 @@ namespace {
 
 using HostCtl::Lib::HostCtlException;
 using Sim::CheckFault;
+using Sim::Operation;
 
 Sim::PnicState const& SriovNic(std::string const& name) {
   auto const* nic = Sim::FindPnic(Sim::ReadHost(Sim::kAreaNic).nic, name);
@@ -23,7 +24,7 @@ Sim::PnicState const& SriovNic(std::string const& name) {
 }  // namespace
 
 HostCtl::Network::PnicList NetworkInfoImpl::GetSriovNics() {
-  CheckFault("NetworkInfoImpl::GetSriovNics");
+  CheckFault(Operation::NetworkInfoImpl_GetSriovNics);
   HostCtl::Network::PnicList pnics;
   for (auto const& nic : Sim::ReadHost(Sim::kAreaNic).nic.pnics) {
     if (nic.sriov.enabled) pnics.push_back(std::make_unique<PnicImpl>(nic.name));
@@ -33,7 +34,7 @@ HostCtl::Network::PnicList NetworkInfoImpl::GetSriovNics() {
 
 std::unique_ptr<HostCtl::Network::Pnic> NetworkInfoImpl::GetSriovNicByName(
     std::string const& name) {
-  CheckFault("NetworkInfoImpl::GetSriovNicByName");
+  CheckFault(Operation::NetworkInfoImpl_GetSriovNicByName);
   auto const* nic = Sim::FindPnic(Sim::ReadHost(Sim::kAreaNic).nic, name);
   if (!nic || !nic->sriov.enabled) return nullptr;
   return std::make_unique<PnicImpl>(name);
@@ -41,7 +42,7 @@ std::unique_ptr<HostCtl::Network::Pnic> NetworkInfoImpl::GetSriovNicByName(
 
 std::vector<HostCtl::Network::SriovNicVFInfo> NetworkInfoImpl::GetSriovNicVFInfo(
     std::string const& name) {
-  CheckFault("NetworkInfoImpl::GetSriovNicVFInfo");
+  CheckFault(Operation::NetworkInfoImpl_GetSriovNicVFInfo);
   std::vector<HostCtl::Network::SriovNicVFInfo> result;
   for (auto const& vf : SriovNic(name).sriov.vfs) {
     result.push_back({static_cast<uint8_t>(vf.vf_id), vf.active, vf.pci_address,
@@ -52,7 +53,7 @@ std::vector<HostCtl::Network::SriovNicVFInfo> NetworkInfoImpl::GetSriovNicVFInfo
 
 void NetworkInfoImpl::GetSriovNicVFStats(HostCtl::Network::SriovNicVFStats* stats,
                                          std::string const& name, int vfId) {
-  CheckFault("NetworkInfoImpl::GetSriovNicVFStats");
+  CheckFault(Operation::NetworkInfoImpl_GetSriovNicVFStats);
   for (auto const& vf : SriovNic(name).sriov.vfs) {
     if (vfId < 0 || vf.vf_id != static_cast<uint32_t>(vfId)) continue;
     auto const& s = vf.stats;

@@ -1,5 +1,5 @@
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/system.h"
 
 namespace OrvkCtl::System {
@@ -7,6 +7,7 @@ namespace {
 
 using HostCtl::Lib::HostCtlException;
 using Sim::CheckFault;
+using Sim::Operation;
 using Sim::HostModel;
 
 constexpr char kFirewallModule[] = "haldenfw";
@@ -30,35 +31,35 @@ void ChangeFirewall(std::function<void(Sim::FirewallState&)> const& change) {
 SystemInfoImpl::SystemInfoImpl() = default;
 SystemInfoImpl::~SystemInfoImpl() = default;
 
-void SystemInfoImpl::Refresh() { CheckFault("SystemInfoImpl::Refresh"); }
+void SystemInfoImpl::Refresh() { CheckFault(Operation::SystemInfoImpl_Refresh); }
 
 bool SystemInfoImpl::IsFirewallEnabled() {
-  CheckFault("SystemInfoImpl::IsFirewallEnabled");
+  CheckFault(Operation::SystemInfoImpl_IsFirewallEnabled);
   return LoadedFirewall().enabled;
 }
 
 void SystemInfoImpl::SetFirewallEnabled(bool enabled) {
-  CheckFault("SystemInfoImpl::SetFirewallEnabled");
+  CheckFault(Operation::SystemInfoImpl_SetFirewallEnabled);
   ChangeFirewall([&](Sim::FirewallState& firewall) { firewall.enabled = enabled; });
 }
 
 bool SystemInfoImpl::GetFirewallDefaultAction() {
-  CheckFault("SystemInfoImpl::GetFirewallDefaultAction");
+  CheckFault(Operation::SystemInfoImpl_GetFirewallDefaultAction);
   return LoadedFirewall().default_action_pass;
 }
 
 void SystemInfoImpl::SetFirewallDefaultAction(bool pass) {
-  CheckFault("SystemInfoImpl::SetFirewallDefaultAction");
+  CheckFault(Operation::SystemInfoImpl_SetFirewallDefaultAction);
   ChangeFirewall([&](Sim::FirewallState& firewall) { firewall.default_action_pass = pass; });
 }
 
 void SystemInfoImpl::LoadFirewallRulesets() {
-  CheckFault("SystemInfoImpl::LoadFirewallRulesets");
+  CheckFault(Operation::SystemInfoImpl_LoadFirewallRulesets);
   ChangeFirewall([](Sim::FirewallState& firewall) { firewall.dynamic_rules.clear(); });
 }
 
 HostCtl::System::FirewallRuleList SystemInfoImpl::GetFirewallDynamicRules() {
-  CheckFault("SystemInfoImpl::GetFirewallDynamicRules");
+  CheckFault(Operation::SystemInfoImpl_GetFirewallDynamicRules);
   HostCtl::System::FirewallRuleList rules;
   for (auto const& rule : LoadedFirewall().dynamic_rules) {
     rules.push_back(std::make_unique<HostCtl::System::FirewallRule>(
@@ -69,7 +70,7 @@ HostCtl::System::FirewallRuleList SystemInfoImpl::GetFirewallDynamicRules() {
 }
 
 void SystemInfoImpl::AddFirewallDynamicRule(HostCtl::System::FirewallRule& rule) {
-  CheckFault("SystemInfoImpl::AddFirewallDynamicRule");
+  CheckFault(Operation::SystemInfoImpl_AddFirewallDynamicRule);
   if (rule.portBegin < 0 || rule.portEnd > 65535 || rule.portBegin > rule.portEnd) {
     throw HostCtlException("Invalid port range " + std::to_string(rule.portBegin) + "-" +
                            std::to_string(rule.portEnd) + " in firewall rule");
@@ -81,7 +82,7 @@ void SystemInfoImpl::AddFirewallDynamicRule(HostCtl::System::FirewallRule& rule)
 }
 
 void SystemInfoImpl::DestroyFirewallFilters() {
-  CheckFault("SystemInfoImpl::DestroyFirewallFilters");
+  CheckFault(Operation::SystemInfoImpl_DestroyFirewallFilters);
   ChangeFirewall([](Sim::FirewallState& firewall) { firewall.dynamic_rules.clear(); });
 }
 
@@ -89,20 +90,20 @@ ModuleImpl::ModuleImpl(std::string const& name) : name_(name) {}
 ModuleImpl::~ModuleImpl() = default;
 
 void ModuleImpl::Refresh() {
-  CheckFault("ModuleImpl::Refresh");
+  CheckFault(Operation::ModuleImpl_Refresh);
   auto const* module = Sim::FindModule(Sim::ReadHost(Sim::kAreaHost | Sim::kAreaFirewall), name_);
   if (!module) throw HostCtlException("Module " + name_ + " not found");
   loaded_ = module->loaded;
 }
 
 bool ModuleImpl::IsLoaded() {
-  CheckFault("ModuleImpl::IsLoaded");
+  CheckFault(Operation::ModuleImpl_IsLoaded);
   EnsureFresh();
   return loaded_;
 }
 
 void ModuleImpl::Load(std::string const& /*options*/, bool /*force*/) {
-  CheckFault("ModuleImpl::Load");
+  CheckFault(Operation::ModuleImpl_Load);
   Sim::ChangeHost(Sim::kAreaHost | Sim::kAreaFirewall, [&](HostModel& host) {
     auto* module = Sim::FindModule(host, name_);
     if (!module) throw HostCtlException("Module " + name_ + " not found");
@@ -112,7 +113,7 @@ void ModuleImpl::Load(std::string const& /*options*/, bool /*force*/) {
 }
 
 void ModuleImpl::Unload() {
-  CheckFault("ModuleImpl::Unload");
+  CheckFault(Operation::ModuleImpl_Unload);
   Sim::ChangeHost(Sim::kAreaHost | Sim::kAreaFirewall, [&](HostModel& host) {
     auto* module = Sim::FindModule(host, name_);
     if (!module) throw HostCtlException("Module " + name_ + " not found");

@@ -1,7 +1,7 @@
 // Whether a name is that of a physical NIC: the test behind every uplink name
 // a switch takes.
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/pnic.h"
 #include "vswitch_policy.h"
 
@@ -16,7 +16,7 @@ bool IsPhysicalNic(HostModel const& host, std::string const& name) {
 namespace OrvkCtl::Network {
 
 bool PnicImpl::IsValidPnic(std::string const& name) {
-  Sim::CheckFault("PnicImpl::IsValidPnic");
+  Sim::CheckFault(Sim::Operation::PnicImpl_IsValidPnic);
   return Sim::IsPhysicalNic(Sim::ReadHost(Sim::kAreaNic), name);
 }
 

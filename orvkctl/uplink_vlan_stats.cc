@@ -4,7 +4,7 @@
 #include <set>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/portset.h"
 
 namespace HostCtl::Network {
@@ -23,7 +23,7 @@ void CheckConnected(Portset& portset, std::string const& uplink) {
 
 std::vector<std::unique_ptr<UplinkVlanStats>> Portset::GetUplinkVlanStats(
     std::string const& uplink) {
-  OrvkCtl::Sim::CheckFault("Portset::GetUplinkVlanStats");
+  OrvkCtl::Sim::CheckFault(OrvkCtl::Sim::Operation::Portset_GetUplinkVlanStats);
   CheckConnected(*this, uplink);
   auto const* nic = OrvkCtl::Sim::FindPnic(OrvkCtl::Sim::ReadHost(OrvkCtl::Sim::kAreaNic | OrvkCtl::Sim::kAreaVswitch).nic, uplink);
   if (!nic) throw HostCtlException("Physical NIC " + uplink + " not found");
@@ -37,7 +37,7 @@ std::vector<std::unique_ptr<UplinkVlanStats>> Portset::GetUplinkVlanStats(
 }
 
 void Portset::SetUplinkVlanStats(std::string const& uplink, bool enabled) {
-  OrvkCtl::Sim::CheckFault("Portset::SetUplinkVlanStats");
+  OrvkCtl::Sim::CheckFault(OrvkCtl::Sim::Operation::Portset_SetUplinkVlanStats);
   CheckConnected(*this, uplink);
   std::string const switchName = GetName();
   OrvkCtl::Sim::ChangeHost(OrvkCtl::Sim::kAreaNic | OrvkCtl::Sim::kAreaVswitch, [&](OrvkCtl::Sim::HostModel& host) {

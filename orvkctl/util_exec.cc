@@ -1,7 +1,7 @@
 // Host programs: the simulated host records the command lines it is asked to
 // run. A fault injected for "OrvkCtl_Exec" makes the run fail with status 1.
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/lib.h"
 #include "hostctl/util.h"
 
@@ -9,7 +9,7 @@ namespace OrvkCtl::Util {
 
 int OrvkCtl_Exec(std::string const& commandLine, bool, bool, bool) {
   try {
-    Sim::CheckFault("OrvkCtl_Exec");
+    Sim::CheckFault(Sim::Operation::Exec);
     Sim::ChangeHost(Sim::kAreaIp, [&](Sim::HostModel& host) {
       host.ip.executed_commands.push_back(commandLine);
     });

@@ -2,7 +2,8 @@
 #include <algorithm>
 
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
+#include "host_rules.h"
 #include "hostctl/dvswitch.h"
 #include "hostctl/orvk_nic.h"
 #include "hostctl/port_group_impl.h"
@@ -21,6 +22,7 @@ using HostCtl::Network::NicTeamingPolicy;
 using HostCtl::Network::PortSecurityPolicy;
 using HostCtl::Network::ShapingPolicy;
 using Sim::CheckFault;
+using Sim::Operation;
 using Sim::HostModel;
 using Sim::StandardSwitchState;
 
@@ -95,46 +97,46 @@ PortsetImpl::PortsetImpl(std::string const& name) : name_(name) {}
 PortsetImpl::~PortsetImpl() = default;
 
 bool PortsetImpl::IsValidVirtualSwitch(std::string const& name) {
-  CheckFault("PortsetImpl::IsValidVirtualSwitch");
+  CheckFault(Operation::PortsetImpl_IsValidVirtualSwitch);
   return Sim::FindStandardSwitch(Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch).vswitch, name) !=
          nullptr;
 }
 
 void PortsetImpl::Refresh() {
-  CheckFault("PortsetImpl::Refresh");
+  CheckFault(Operation::PortsetImpl_Refresh);
   ReadSwitch(name_);
 }
 
 std::string PortsetImpl::GetName() {
-  CheckFault("PortsetImpl::GetName");
+  CheckFault(Operation::PortsetImpl_GetName);
   EnsureFresh();
   return name_;
 }
 
 std::string PortsetImpl::GetDvsIdentifier() {
-  CheckFault("PortsetImpl::GetDvsIdentifier");
+  CheckFault(Operation::PortsetImpl_GetDvsIdentifier);
   ReadSwitch(name_);
   return std::string();
 }
 
 std::vector<std::string> PortsetImpl::GetUplinks() {
-  CheckFault("PortsetImpl::GetUplinks");
+  CheckFault(Operation::PortsetImpl_GetUplinks);
   return ReadSwitch(name_).uplinks;
 }
 
 int PortsetImpl::GetNumPorts() {
-  CheckFault("PortsetImpl::GetNumPorts");
+  CheckFault(Operation::PortsetImpl_GetNumPorts);
   return NumPorts(ReadSwitch(name_));
 }
 
 std::vector<std::string> PortsetImpl::GetConnectedUplinks() {
-  CheckFault("PortsetImpl::GetConnectedUplinks");
+  CheckFault(Operation::PortsetImpl_GetConnectedUplinks);
   HostModel const& host = Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch);
   return Sim::ConnectedUplinks(host, ReadSwitch(host, name_));
 }
 
 int PortsetImpl::GetNumUsedPorts() {
-  CheckFault("PortsetImpl::GetNumUsedPorts");
+  CheckFault(Operation::PortsetImpl_GetNumUsedPorts);
   auto const& vswitch = ReadSwitch(name_);
   // One port for the switch itself, one per uplink, one per client.
   int used = 1 + static_cast<int>(vswitch.uplinks.size());
@@ -143,7 +145,7 @@ int PortsetImpl::GetNumUsedPorts() {
 }
 
 std::string PortsetImpl::GetClass() {
-  CheckFault("PortsetImpl::GetClass");
+  CheckFault(Operation::PortsetImpl_GetClass);
   ReadSwitch(name_);
   return "orvkswitch";
 }
@@ -153,7 +155,7 @@ VirtualSwitchImpl::~VirtualSwitchImpl() = default;
 
 std::unique_ptr<HostCtl::Network::PortGroup> VirtualSwitchImpl::AddPortGroup(
     std::string const& name) {
-  CheckFault("VirtualSwitchImpl::AddPortGroup");
+  CheckFault(Operation::VirtualSwitchImpl_AddPortGroup);
   CheckName("Port group", name);
   Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](HostModel& host) {
     auto& vswitch = WriteSwitch(host, name_);
@@ -170,7 +172,7 @@ std::unique_ptr<HostCtl::Network::PortGroup> VirtualSwitchImpl::AddPortGroup(
 }
 
 void VirtualSwitchImpl::RemovePortGroup(std::string const& name) {
-  CheckFault("VirtualSwitchImpl::RemovePortGroup");
+  CheckFault(Operation::VirtualSwitchImpl_RemovePortGroup);
   Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](HostModel& host) {
     auto& vswitch = WriteSwitch(host, name_);
     auto& groups = vswitch.port_groups;
@@ -188,34 +190,34 @@ void VirtualSwitchImpl::RemovePortGroup(std::string const& name) {
 }
 
 PortSecurityPolicy VirtualSwitchImpl::GetEffectiveSecurityPolicy() {
-  CheckFault("VirtualSwitchImpl::GetEffectiveSecurityPolicy");
+  CheckFault(Operation::VirtualSwitchImpl_GetEffectiveSecurityPolicy);
   return Sim::EffectiveSecurity(ReadSwitch(name_));
 }
 
 PortSecurityPolicy VirtualSwitchImpl::GetConfiguredSecurityPolicy() {
-  CheckFault("VirtualSwitchImpl::GetConfiguredSecurityPolicy");
+  CheckFault(Operation::VirtualSwitchImpl_GetConfiguredSecurityPolicy);
   return Sim::ToPolicy(ReadSwitch(name_).security);
 }
 
 void VirtualSwitchImpl::ApplySecurityPolicy(PortSecurityPolicy const& policy) {
-  CheckFault("VirtualSwitchImpl::ApplySecurityPolicy");
+  CheckFault(Operation::VirtualSwitchImpl_ApplySecurityPolicy);
   Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](HostModel& host) {
     WriteSwitch(host, name_).security = Sim::ToState(policy);
   });
 }
 
 ShapingPolicy VirtualSwitchImpl::GetEffectiveShapingPolicy() {
-  CheckFault("VirtualSwitchImpl::GetEffectiveShapingPolicy");
+  CheckFault(Operation::VirtualSwitchImpl_GetEffectiveShapingPolicy);
   return Sim::EffectiveShaping(ReadSwitch(name_));
 }
 
 ShapingPolicy VirtualSwitchImpl::GetConfiguredShapingPolicy() {
-  CheckFault("VirtualSwitchImpl::GetConfiguredShapingPolicy");
+  CheckFault(Operation::VirtualSwitchImpl_GetConfiguredShapingPolicy);
   return Sim::ToPolicy(ReadSwitch(name_).shaping);
 }
 
 void VirtualSwitchImpl::ApplyShapingPolicy(ShapingPolicy policy) {
-  CheckFault("VirtualSwitchImpl::ApplyShapingPolicy");
+  CheckFault(Operation::VirtualSwitchImpl_ApplyShapingPolicy);
   Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](HostModel& host) {
     auto& vswitch = WriteSwitch(host, name_);
     vswitch.shaping = Sim::ToState(policy);
@@ -224,18 +226,18 @@ void VirtualSwitchImpl::ApplyShapingPolicy(ShapingPolicy policy) {
 }
 
 NicTeamingPolicy VirtualSwitchImpl::GetEffectiveTeamingPolicy() {
-  CheckFault("VirtualSwitchImpl::GetEffectiveTeamingPolicy");
+  CheckFault(Operation::VirtualSwitchImpl_GetEffectiveTeamingPolicy);
   HostModel const& host = Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch);
   return Sim::EffectiveTeaming(host, ReadSwitch(host, name_));
 }
 
 NicTeamingPolicy VirtualSwitchImpl::GetConfiguredTeamingPolicy() {
-  CheckFault("VirtualSwitchImpl::GetConfiguredTeamingPolicy");
+  CheckFault(Operation::VirtualSwitchImpl_GetConfiguredTeamingPolicy);
   return Sim::ToPolicy(ReadSwitch(name_).teaming);
 }
 
 void VirtualSwitchImpl::ApplyTeamingPolicy(NicTeamingPolicy policy) {
-  CheckFault("VirtualSwitchImpl::ApplyTeamingPolicy");
+  CheckFault(Operation::VirtualSwitchImpl_ApplyTeamingPolicy);
   Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](HostModel& host) {
     auto& vswitch = WriteSwitch(host, name_);
     Sim::CheckTeaming(vswitch, "virtual switch " + name_, policy);
@@ -244,7 +246,7 @@ void VirtualSwitchImpl::ApplyTeamingPolicy(NicTeamingPolicy policy) {
 }
 
 void VirtualSwitchImpl::AddUplink(std::string const& name) {
-  CheckFault("VirtualSwitchImpl::AddUplink");
+  CheckFault(Operation::VirtualSwitchImpl_AddUplink);
   Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](HostModel& host) {
     if (!Sim::IsPhysicalNic(host, name)) {
       throw HostCtlException("Unable to add uplink " + name + ": no physical NIC of that name");
@@ -267,7 +269,7 @@ void VirtualSwitchImpl::AddUplink(std::string const& name) {
 }
 
 void VirtualSwitchImpl::RemoveUplink(std::string const& name, bool force) {
-  CheckFault("VirtualSwitchImpl::RemoveUplink");
+  CheckFault(Operation::VirtualSwitchImpl_RemoveUplink);
   Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](HostModel& host) {
     auto& vswitch = WriteSwitch(host, name_);
     auto it = std::find(vswitch.uplinks.begin(), vswitch.uplinks.end(), name);
@@ -282,7 +284,7 @@ void VirtualSwitchImpl::RemoveUplink(std::string const& name, bool force) {
 }
 
 void VirtualSwitchImpl::SetCdpStatus(int status) {
-  CheckFault("VirtualSwitchImpl::SetCdpStatus");
+  CheckFault(Operation::VirtualSwitchImpl_SetCdpStatus);
   if (status < 0 || status > 3) {
     throw HostCtlException("Invalid CDP status " + std::to_string(status));
   }
@@ -291,7 +293,7 @@ void VirtualSwitchImpl::SetCdpStatus(int status) {
 }
 
 void VirtualSwitchImpl::SetMTU(int mtu) {
-  CheckFault("VirtualSwitchImpl::SetMTU");
+  CheckFault(Operation::VirtualSwitchImpl_SetMTU);
   using HostCtl::Network::OrvkNic;
   if (mtu < OrvkNic::MIN_MTU || mtu > OrvkNic::MAX_MTU) {
     throw HostCtlException("Invalid MTU " + std::to_string(mtu) + " for virtual switch " + name_ +
@@ -303,45 +305,45 @@ void VirtualSwitchImpl::SetMTU(int mtu) {
 }
 
 int VirtualSwitchImpl::GetNumConfiguredPorts() {
-  CheckFault("VirtualSwitchImpl::GetNumConfiguredPorts");
+  CheckFault(Operation::VirtualSwitchImpl_GetNumConfiguredPorts);
   return ReadSwitch(name_).configured_ports;
 }
 
 int VirtualSwitchImpl::GetMTU() {
-  CheckFault("VirtualSwitchImpl::GetMTU");
+  CheckFault(Operation::VirtualSwitchImpl_GetMTU);
   return ReadSwitch(name_).mtu;
 }
 
 std::string VirtualSwitchImpl::GetCdpStatusString() {
-  CheckFault("VirtualSwitchImpl::GetCdpStatusString");
+  CheckFault(Operation::VirtualSwitchImpl_GetCdpStatusString);
   int status = ReadSwitch(name_).cdp_status;
   return status >= 0 && status <= 3 ? kCdpWords[status] : "unknown";
 }
 
 bool VirtualSwitchImpl::IsBeaconEnabled() {
-  CheckFault("VirtualSwitchImpl::IsBeaconEnabled");
+  CheckFault(Operation::VirtualSwitchImpl_IsBeaconEnabled);
   HostModel const& host = Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch);
   return !BeaconUsers(host, ReadSwitch(host, name_)).empty();
 }
 
 int VirtualSwitchImpl::GetBeaconInterval() {
-  CheckFault("VirtualSwitchImpl::GetBeaconInterval");
+  CheckFault(Operation::VirtualSwitchImpl_GetBeaconInterval);
   return ReadSwitch(name_).beacon_interval;
 }
 
 int VirtualSwitchImpl::GetBeaconThreshold() {
-  CheckFault("VirtualSwitchImpl::GetBeaconThreshold");
+  CheckFault(Operation::VirtualSwitchImpl_GetBeaconThreshold);
   return ReadSwitch(name_).beacon_threshold;
 }
 
 std::vector<std::string> VirtualSwitchImpl::NeedBeacon() {
-  CheckFault("VirtualSwitchImpl::NeedBeacon");
+  CheckFault(Operation::VirtualSwitchImpl_NeedBeacon);
   HostModel const& host = Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch);
   return BeaconUsers(host, ReadSwitch(host, name_));
 }
 
 std::vector<std::unique_ptr<HostCtl::Network::PortGroup>> VirtualSwitchImpl::GetPortGroups() {
-  CheckFault("VirtualSwitchImpl::GetPortGroups");
+  CheckFault(Operation::VirtualSwitchImpl_GetPortGroups);
   std::vector<std::unique_ptr<HostCtl::Network::PortGroup>> groups;
   auto const& list = ReadSwitch(name_).port_groups;
   for (size_t i = 0; i < list.size(); ++i) {
@@ -353,13 +355,13 @@ std::vector<std::unique_ptr<HostCtl::Network::PortGroup>> VirtualSwitchImpl::Get
 VirtualSwitchInfoImpl::VirtualSwitchInfoImpl() = default;
 VirtualSwitchInfoImpl::~VirtualSwitchInfoImpl() = default;
 
-void VirtualSwitchInfoImpl::Refresh() { CheckFault("VirtualSwitchInfoImpl::Refresh"); }
+void VirtualSwitchInfoImpl::Refresh() { CheckFault(Operation::VirtualSwitchInfoImpl_Refresh); }
 
 std::unique_ptr<HostCtl::Network::VirtualSwitch> VirtualSwitchInfoImpl::AddVirtualSwitchWithPolicy(
     NicTeamingPolicy const& teaming, PortSecurityPolicy const& security,
     ShapingPolicy const& shaping, HostCtl::Network::NicCapabilities const& capabilities,
     std::string const& name, unsigned int ports) {
-  CheckFault("VirtualSwitchInfoImpl::AddVirtualSwitchWithPolicy");
+  CheckFault(Operation::VirtualSwitchInfoImpl_AddVirtualSwitchWithPolicy);
   CheckName("Virtual switch", name);
   if (ports < 1 || ports > kMaxPortsPerSwitch) {
     throw HostCtlException("Invalid number of ports " + std::to_string(ports) +
@@ -395,26 +397,14 @@ std::unique_ptr<HostCtl::Network::VirtualSwitch> VirtualSwitchInfoImpl::AddVirtu
 }
 
 void VirtualSwitchInfoImpl::RemoveVirtualSwitch(std::string const& name) {
-  CheckFault("VirtualSwitchInfoImpl::RemoveVirtualSwitch");
-  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch, [&](HostModel& host) {
-    auto& switches = host.vswitch.standard_switches;
-    auto it =
-        std::find_if(switches.begin(), switches.end(),
-                     [&](StandardSwitchState const& vswitch) { return vswitch.name == name; });
-    if (it == switches.end()) throw HostCtlException("Virtual switch " + name + " not found");
-    for (auto const& group : it->port_groups) {
-      if (group.active_clients > 0) {
-        throw HostCtlException("Unable to remove virtual switch " + name + ": port group " +
-                               group.name + " is in use");
-      }
-    }
-    switches.erase(it);
-  });
+  CheckFault(Operation::VirtualSwitchInfoImpl_RemoveVirtualSwitch);
+  Sim::ChangeHost(Sim::kAreaNic | Sim::kAreaVswitch | Sim::kAreaRuntime,
+                  [&](HostModel& host) { Sim::RemoveStandardSwitch(host, name); });
 }
 
 std::unique_ptr<HostCtl::Network::VirtualSwitch> VirtualSwitchInfoImpl::GetVirtualSwitchByName(
     std::string const& name) {
-  CheckFault("VirtualSwitchInfoImpl::GetVirtualSwitchByName");
+  CheckFault(Operation::VirtualSwitchInfoImpl_GetVirtualSwitchByName);
   if (!Sim::FindStandardSwitch(Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch).vswitch, name))
     return nullptr;
   return std::make_unique<VirtualSwitchImpl>(name);
@@ -422,7 +412,7 @@ std::unique_ptr<HostCtl::Network::VirtualSwitch> VirtualSwitchInfoImpl::GetVirtu
 
 std::vector<std::unique_ptr<HostCtl::Network::VirtualSwitch>>
 VirtualSwitchInfoImpl::GetVirtualSwitches() {
-  CheckFault("VirtualSwitchInfoImpl::GetVirtualSwitches");
+  CheckFault(Operation::VirtualSwitchInfoImpl_GetVirtualSwitches);
   std::vector<std::unique_ptr<HostCtl::Network::VirtualSwitch>> switches;
   for (auto const& vswitch :
        Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch).vswitch.standard_switches) {
@@ -432,7 +422,7 @@ VirtualSwitchInfoImpl::GetVirtualSwitches() {
 }
 
 std::vector<std::unique_ptr<HostCtl::Network::Portset>> VirtualSwitchInfoImpl::GetAllSwitches() {
-  CheckFault("VirtualSwitchInfoImpl::GetAllSwitches");
+  CheckFault(Operation::VirtualSwitchInfoImpl_GetAllSwitches);
   std::vector<std::unique_ptr<HostCtl::Network::Portset>> switches;
   HostModel const& host = Sim::ReadHost(Sim::kAreaNic | Sim::kAreaVswitch);
   for (auto const& vswitch : host.vswitch.standard_switches) {

@@ -1,6 +1,6 @@
 // Worlds of the simulated host: the VMs that lead switch ports.
 #include "fault.h"
-#include "host_store.h"
+#include "host_backend.h"
 #include "hostctl/world.h"
 
 namespace OrvkCtl::Resource {
@@ -19,12 +19,12 @@ WorldImpl::WorldImpl(unsigned long id) : id_(id) {}
 WorldImpl::~WorldImpl() = default;
 
 void WorldImpl::Refresh() {
-  Sim::CheckFault("WorldImpl::Refresh");
+  Sim::CheckFault(Sim::Operation::WorldImpl_Refresh);
   ReadWorld(id_);
 }
 
 std::string WorldImpl::GetWorldName() {
-  Sim::CheckFault("WorldImpl::GetWorldName");
+  Sim::CheckFault(Sim::Operation::WorldImpl_GetWorldName);
   return ReadWorld(id_).name;
 }
 

