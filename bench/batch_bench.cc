@@ -55,4 +55,34 @@ void BM_BatchThousandPortgroupAdds(benchmark::State& state) {
 }
 BENCHMARK(BM_BatchThousandPortgroupAdds)->Unit(benchmark::kMillisecond);
 
+// A batch whose fourth line opens a quote that is never closed: reading it
+// finds that once, so the cost grows linearly with the lines after it.
+void BM_BatchWithAnUnclosedQuote(benchmark::State& state) {
+  char dir_template[] = "/tmp/toolbase-bench-quote-XXXXXX";
+  std::string dir = mkdtemp(dir_template);
+  std::string batch = dir + "/batch.txt";
+  {
+    std::ofstream file(batch);
+    file << "network firewall get\n\n# it's a comment\nnetwork nic list --formatter 'json\n";
+    for (int64_t i = 0; i < state.range(0); ++i) file << "network nic list\n";
+  }
+  setenv("TOOLBASE_HOST_STATE", (dir + "/state.json").c_str(), 1);
+  auto& root = TestSupport::PluginRoot();
+  for (auto _ : state) {
+    std::ostringstream out;
+    std::ostringstream err;
+    if (Toolbase::Cli::Run({"--batch", batch}, root, out, err) != 2) {
+      state.SkipWithError("the unclosed quote was not refused");
+      break;
+    }
+  }
+  state.SetComplexityN(state.range(0));
+  std::filesystem::remove_all(dir);
+}
+BENCHMARK(BM_BatchWithAnUnclosedQuote)
+    ->RangeMultiplier(4)
+    ->Range(1000, 64000)
+    ->Complexity()
+    ->Unit(benchmark::kMillisecond);
+
 }  // namespace
