@@ -49,7 +49,7 @@ set_target_properties(network PROPERTIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPA
 install(TARGETS toolbase_installed RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
 # Shared objects are mapped, not run: no execute bit (as Debian installs them).
 set(TOOLBASE_LIBRARY_MODE OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
-install(TARGETS toolbase orvkctl network_regex LIBRARY DESTINATION ${TOOLBASE_PRIVATE_LIBDIR}
+install(TARGETS toolbase orvkctl orvkctl_linux network_regex LIBRARY DESTINATION ${TOOLBASE_PRIVATE_LIBDIR}
         PERMISSIONS ${TOOLBASE_LIBRARY_MODE} COMPONENT runtime)
 install(TARGETS network LIBRARY DESTINATION ${TOOLBASE_PLUGIN_INSTALL_DIR}
         PERMISSIONS ${TOOLBASE_LIBRARY_MODE} COMPONENT runtime)

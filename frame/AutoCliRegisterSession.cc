@@ -17,6 +17,7 @@ namespace {
 // addresses, so loading it looks up none of the library's names; each is
 // bound when first called.
 char const* SetHostState(char const* path) { return OrvkCtl_SetHostState(path); }
+char const* SetHost(char const* kind) { return OrvkCtl_SetHost(kind); }
 char const* Begin() { return OrvkCtl_BeginTransaction(); }
 void Savepoint() { OrvkCtl_Savepoint(); }
 void Rollback() { OrvkCtl_RollbackToSavepoint(); }
@@ -31,6 +32,10 @@ extern "C" __attribute__((visibility("default"))) void AutoCli_RegisterSession(S
                             "Host state file of the simulated host (default: "
                             "$XDG_STATE_HOME/toolbase/host-state.json).",
                             SetHostState, true});
+  session->AddGlobalOption({"host", "kind",
+                            "Host to administer: sim, the simulated host (default), or linux, "
+                            "the network stack this process runs in (also TOOLBASE_HOST).",
+                            SetHost, false});
   session->SetTransaction({Begin, Savepoint, Rollback, Commit, Abort, ReadOnly});
   for (auto const& source : {
            CompletionSource{"nic-name", "network nic list", "Name"},

@@ -1,5 +1,6 @@
 #include "host_backend.h"
 
+#include <dlfcn.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 
@@ -7,12 +8,55 @@
 #include <string>
 
 #include "host_store.h"
+#include "hostctl/lib.h"
 #include "hostctl/transaction.h"
 
 namespace OrvkCtl::Sim {
 
+namespace {
+
+// The real host's backend lives in a library of its own beside this one, so
+// that neither it nor the netlink libraries it needs load for the simulated
+// host. It is opened by full path (a sanitizer's dlopen does not search run
+// paths), then by name.
+std::unique_ptr<HostBackend> NewLinuxBackend() {
+  constexpr char kName[] = "liborvkctl-linux.so";
+  std::string path = kName;
+  Dl_info info{};
+  if (dladdr(reinterpret_cast<void*>(&NewLinuxBackend), &info) != 0 && info.dli_fname) {
+    std::string self = info.dli_fname;
+    if (auto slash = self.rfind('/'); slash != std::string::npos) {
+      path = self.substr(0, slash + 1) + kName;
+    }
+  }
+  void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (!handle) handle = dlopen(kName, RTLD_NOW | RTLD_LOCAL);
+  using Make = HostBackend* (*)();
+  void* entry = handle ? dlsym(handle, "OrvkCtl_NewLinuxBackend") : nullptr;
+  if (!entry) {
+    char const* why = dlerror();
+    throw HostCtl::Lib::HostCtlException(std::string("Cannot load the linux host backend: ") +
+                                    (why ? why : kName));
+  }
+  return std::unique_ptr<HostBackend>(reinterpret_cast<Make>(entry)());
+}
+
+}  // namespace
+
+std::string HostKindError(std::string const& kind) {
+  if (kind.empty() || kind == "sim" || kind == "linux") return {};
+  return "Unknown host kind '" + kind + "': the hosts are sim (the simulated host) and linux";
+}
+
 HostBackend& Backend() {
-  static std::unique_ptr<HostBackend> const backend = NewStateFileBackend();
+  static std::unique_ptr<HostBackend> const backend = [] {
+    char const* kind = getenv("TOOLBASE_HOST");
+    std::string const name = kind ? kind : "";
+    if (auto error = HostKindError(name); !error.empty()) {
+      throw HostCtl::Lib::HostCtlException("TOOLBASE_HOST: " + error);
+    }
+    return name == "linux" ? NewLinuxBackend() : NewStateFileBackend();
+  }();
   return *backend;
 }
 
@@ -50,6 +94,15 @@ const char* OrvkCtl_SetHostState(const char* path) {
   }
   // StatePath() and the default-path checks read the variable.
   setenv("TOOLBASE_HOST_STATE", name.c_str(), 1);
+  return nullptr;
+}
+
+const char* OrvkCtl_SetHost(const char* kind) {
+  std::string const name = kind ? kind : "";
+  if (name.empty()) return Message("Option --host needs a host kind (sim or linux), got an empty one");
+  if (auto error = OrvkCtl::Sim::HostKindError(name); !error.empty()) return Message(error);
+  // Backend() reads the variable at the host's first use.
+  setenv("TOOLBASE_HOST", name.c_str(), 1);
   return nullptr;
 }
 

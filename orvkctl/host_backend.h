@@ -70,8 +70,14 @@ class HostBackend {
   virtual void Reset() = 0;
 };
 
-// The backend of this process, chosen at its first use.
+// The backend of this process, chosen at its first use by TOOLBASE_HOST:
+// "sim" (or unset) for the state file, "linux" for the network stack the
+// process runs in. Throws HostCtlException for another kind, or when the
+// linux backend's library cannot be loaded.
 HostBackend& Backend();
+
+// Why `kind` names no host kind, or an empty text when it names one.
+std::string HostKindError(std::string const& kind);
 
 // Shorthands for the Impl classes. ReadHost() and ChangeHost(change) without
 // a set take every area.

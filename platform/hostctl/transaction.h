@@ -26,6 +26,11 @@ void OrvkCtl_AbortTransaction();
 // default one (call before the host is first used). Returns nullptr, or a
 // message (valid until the next call) when `path` is empty or a folder.
 const char* OrvkCtl_SetHostState(const char* path);
+// Chooses the host for the rest of the process (call before the host is
+// first used): "sim", the simulated host of the state file (the default), or
+// "linux", the network stack the process runs in. Returns nullptr, or a
+// message (valid until the next call) for another kind.
+const char* OrvkCtl_SetHost(const char* kind);
 // From now on nothing reaches the disk: no lock file is made, a missing state
 // file reads as the default host and is not created, a change outside a
 // transaction throws HostCtlException, and one inside stays in memory (a
