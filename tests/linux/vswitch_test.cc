@@ -1,5 +1,6 @@
 // Standard switches of a linux host: bridges of the sandbox's namespace,
 // with the veth ends ornic0 and ornic1 as their uplinks.
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -167,6 +168,28 @@ TEST_F(VswitchTest, RefusedChangesChangeNothing) {
   EXPECT_NE(Ok({"network", "vswitch", "standard", "policy", "security", "get", "-v", "vSwitch1"})
                 .find("Allow Promiscuous: false"),
             std::string::npos);
+}
+
+// A batch that fails on its last line leaves the kernel as it was: the
+// bridge, its uplink and the NIC's offload made by earlier lines are undone.
+TEST_F(VswitchTest, AFailedBatchUndoesItsEarlierLines) {
+  std::string const batch = dir_ + "/batch";
+  std::ofstream(batch) << "network vswitch standard add -v vsA\n"
+                          "network vswitch standard uplink add -v vsA -u ornic0\n"
+                          "network nic tso set -n ornic1 -e 0\n"
+                          "network vswitch standard portgroup add -v vsA -p PG\n"
+                          "network vswitch standard portgroup set -p PG --vlan-id 7\n";
+  std::string const kernel = KernelLinks();
+  OrvkCtl::Sim::ResetHostForTest();
+  auto run = TestSupport::RunProcess({"--batch", batch});
+  EXPECT_NE(run.status, 0);
+  EXPECT_NE(run.err.find("batch line 5 failed; no change of the batch was applied"),
+            std::string::npos)
+      << run.out << run.err;
+  EXPECT_EQ(KernelLinks(), kernel);
+  EXPECT_EQ(Shell("bridge -j link"), "[]\n");
+  auto const tso = json::parse(Ok({"network", "nic", "tso", "get", "--formatter", "json"}));
+  for (auto const& row : tso) EXPECT_EQ(row["Value"], "on") << row;
 }
 
 }  // namespace
