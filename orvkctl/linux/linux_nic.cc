@@ -317,11 +317,12 @@ Step OffloadStep(PnicState const& was, PnicState const& now) {
 }
 
 // Rings and coalescing: the host's fields and the ioctl's, one for one.
-struct RingField {
-  uint32_t Sim::RingState::*state;
-  __u32 ethtool_ringparam::*kernel;
+template <typename State, typename Kernel>
+struct Field {
+  uint32_t State::*state;
+  __u32 Kernel::*kernel;
 };
-constexpr RingField kRingFields[] = {
+constexpr Field<Sim::RingState, ethtool_ringparam> kRingFields[] = {
     {&Sim::RingState::max_rx, &ethtool_ringparam::rx_max_pending},
     {&Sim::RingState::max_rx_mini, &ethtool_ringparam::rx_mini_max_pending},
     {&Sim::RingState::max_rx_jumbo, &ethtool_ringparam::rx_jumbo_max_pending},
@@ -332,11 +333,7 @@ constexpr RingField kRingFields[] = {
     {&Sim::RingState::tx, &ethtool_ringparam::tx_pending},
 };
 
-struct CoalesceField {
-  uint32_t Sim::CoalesceState::*state;
-  __u32 ethtool_coalesce::*kernel;
-};
-constexpr CoalesceField kCoalesceFields[] = {
+constexpr Field<Sim::CoalesceState, ethtool_coalesce> kCoalesceFields[] = {
     {&Sim::CoalesceState::stats_block_usecs, &ethtool_coalesce::stats_block_coalesce_usecs},
     {&Sim::CoalesceState::sample_interval, &ethtool_coalesce::rate_sample_interval},
     {&Sim::CoalesceState::pkt_rate_low, &ethtool_coalesce::pkt_rate_low},

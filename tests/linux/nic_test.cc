@@ -143,11 +143,7 @@ TEST_F(NicDetailsTest, QueueCountsAreTheChannels) {
 // for, is refused with a plain message; neither the kernel's links nor what
 // a new process reads of the NIC change.
 TEST_F(NicDetailsTest, WhatTheDriverOrTheHostLacksIsRefused) {
-  struct Case {
-    TestSupport::Args args;
-    std::string message;
-  };
-  std::vector<Case> const cases = {
+  std::vector<Refusal> const cases = {
       {{"network", "nic", "ring", "current", "set", "-n", "ornic0", "-r", "100"},
        "Ring parameters are not supported by ornic0"},
       {{"network", "nic", "coalesce", "set", "-n", "ornic0", "-r", "10"},

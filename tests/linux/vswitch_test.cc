@@ -124,11 +124,7 @@ TEST_F(VswitchTest, RefusedChangesChangeNothing) {
   Ok({"network", "vswitch", "standard", "uplink", "add", "-v", "vSwitch1", "-u", "ornic0"});
   Ok({"network", "vswitch", "standard", "portgroup", "add", "-v", "vSwitch1", "-p", "PG"});
   Ok({"network", "vswitch", "standard", "add", "-v", "vSwitch2"});
-  struct Case {
-    TestSupport::Args args;
-    std::string message;
-  };
-  std::vector<Case> const cases = {
+  std::vector<Refusal> const cases = {
       {{"network", "vswitch", "standard", "portgroup", "set", "-p", "PG", "--vlan-id", "20"},
        "Port group PG cannot use VLAN 20: VLANs need bridge VLAN filtering"},
       {{"network", "vswitch", "standard", "set", "-v", "vSwitch1", "-c", "both"},
