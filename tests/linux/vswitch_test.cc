@@ -78,6 +78,19 @@ TEST_F(VswitchTest, ASwitchIsABridgeAndItsUplinksItsPorts) {
   EXPECT_EQ(Row({"network", "vswitch", "standard", "list"}, "vSwitchT"), nullptr);
 }
 
+// The kernel tells which links are a bridge's ports, not in which order
+// they were added: the backend keeps the order, and a new process shows it.
+TEST_F(VswitchTest, UplinksKeepTheOrderTheyWereAddedIn) {
+  Ok({"network", "vswitch", "standard", "add", "-v", "vsA"});
+  Ok({"network", "vswitch", "standard", "uplink", "add", "-v", "vsA", "-u", "ornic1"});
+  Ok({"network", "vswitch", "standard", "uplink", "add", "-v", "vsA", "-u", "ornic0"});
+  OrvkCtl::Sim::ResetHostForTest();
+  auto other = TestSupport::RunProcess(
+      {"network", "vswitch", "standard", "list", "--formatter", "json"});
+  ASSERT_EQ(other.status, 0) << other.err;
+  EXPECT_EQ(json::parse(other.out)[0]["Uplinks"], json::array({"ornic1", "ornic0"}));
+}
+
 // The same commands on the simulated host (after freeing ornic1 there) give
 // the same rows.
 TEST_F(VswitchTest, RowsAgreeWithTheSimulatedHost) {
