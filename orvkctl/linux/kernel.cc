@@ -122,6 +122,11 @@ void SetLinkUp(std::string const& name, bool up, std::string const& netns) {
   ChangeLink(name, change.get(), (up ? "bring up " : "bring down ") + name, netns);
 }
 
+bool IsBridge(rtnl_link* link) {
+  char const* kind = rtnl_link_get_type(link);
+  return kind && std::strcmp(kind, "bridge") == 0;
+}
+
 int LinkIndex(std::string const& name, std::string const& what, std::string const& netns) {
   Link link = FindLink(name, netns);
   if (!link) FailErrno(what, ENODEV);

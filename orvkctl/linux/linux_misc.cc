@@ -3,8 +3,6 @@
 #include <netlink/route/link.h>
 #include <unistd.h>
 
-#include <cstring>
-
 #include "kernel.h"
 #include "linux_host.h"
 
@@ -43,8 +41,7 @@ void ReadRuntime(HostModel& host) {
   };
   std::erase_if(host.runtime.ports, [&](Sim::PortState const& port) {
     rtnl_link* bridge = find(port.portset);
-    char const* kind = bridge ? rtnl_link_get_type(bridge) : nullptr;
-    return !kind || std::strcmp(kind, "bridge") != 0;
+    return !bridge || !IsBridge(bridge);
   });
   for (auto& port : host.runtime.ports) {
     rtnl_link* end = find(kOwnLinkPrefix + port.client);

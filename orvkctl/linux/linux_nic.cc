@@ -39,8 +39,7 @@ std::string Mac(rtnl_link* link) {
 bool IsNic(rtnl_link* link, HostModel const& host) {
   if (rtnl_link_get_arptype(link) != ARPHRD_ETHER) return false;
   if (rtnl_link_get_flags(link) & IFF_LOOPBACK) return false;
-  char const* kind = rtnl_link_get_type(link);
-  if (kind && (std::strcmp(kind, "bridge") == 0)) return false;
+  if (IsBridge(link)) return false;
   std::string const name = rtnl_link_get_name(link);
   if (IsOwnLink(name)) return false;
   return Sim::FindInterface(host.ip, name) == nullptr;

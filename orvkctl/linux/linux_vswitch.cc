@@ -8,7 +8,6 @@
 #include <netlink/route/link.h>
 
 #include <algorithm>
-#include <cstring>
 #include <map>
 
 #include "hostctl/lib.h"
@@ -54,11 +53,6 @@ void OrderLike(std::vector<std::string> const& order, std::vector<T>& items, Nam
   };
   std::stable_sort(items.begin(), items.end(),
                    [&](T const& a, T const& b) { return rank(a) < rank(b); });
-}
-
-bool IsBridge(rtnl_link* link) {
-  char const* kind = rtnl_link_get_type(link);
-  return kind && std::strcmp(kind, "bridge") == 0;
 }
 
 void ReadSwitches(HostModel& host) {
