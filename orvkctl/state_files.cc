@@ -117,7 +117,6 @@ std::string NameHash(std::string const& file) {
 // Temporary files are "<folder>/.toolbase-<hash>-<8 hex digits>.tmp": a
 // fixed length, whatever the state file's name, and a pattern no user picks.
 constexpr size_t kRandomDigits = 8;
-std::string TempPrefix(std::string const& file) { return ".toolbase-" + NameHash(file) + "-"; }
 constexpr char kTempSuffix[] = ".tmp";
 
 std::string NewTempName(StateLocation const& at) {
@@ -127,7 +126,7 @@ std::string NewTempName(StateLocation const& at) {
   }
   char digits[kRandomDigits + 1];
   std::snprintf(digits, sizeof digits, "%08x", random);
-  return at.folder + "/" + TempPrefix(at.file) + digits + kTempSuffix;
+  return at.folder + "/" + StateTemporaryPrefix(at.file) + digits + kTempSuffix;
 }
 
 bool IsTempName(std::string const& name, std::string const& prefix) {
@@ -240,6 +239,10 @@ StateLocation LocateState(std::string const& path, bool make_folders) {
   return at;
 }
 
+std::string StateTemporaryPrefix(std::string const& file) {
+  return ".toolbase-" + NameHash(file) + "-";
+}
+
 bool StateExists(StateLocation const& at) {
   struct stat info {};
   return lstat(at.file.c_str(), &info) == 0;
@@ -308,7 +311,7 @@ void RemoveStateLock(StateLocation const& at, int& fd) {
 }
 
 void RemoveStaleTemporaries(StateLocation const& at) {
-  std::string prefix = TempPrefix(at.file);
+  std::string prefix = StateTemporaryPrefix(at.file);
   DIR* folder = opendir(at.folder.c_str());
   if (!folder) return;
   uid_t const me = geteuid();
@@ -325,8 +328,8 @@ void RemoveStaleTemporaries(StateLocation const& at) {
 
 void CheckStateSize(std::string const& path, uint64_t size) {
   if (size <= static_cast<uint64_t>(kMaxStateSize)) return;
-  throw HostCtlException("Cannot read host state file " + path + ": it holds " +
-                         std::to_string(size) + " bytes or more, more than a host state may (" +
+  throw HostCtlException("Cannot read host state file " + path +
+                         ": it is larger than a host state may be (" +
                          std::to_string(kMaxStateSize >> 20) + " MiB)");
 }
 

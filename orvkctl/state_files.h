@@ -71,6 +71,10 @@ void AcquireStateLock(StateLocation const& at, int& fd, int operation);
 // Removes the lock file, which this process holds exclusively, and closes it.
 void RemoveStateLock(StateLocation const& at, int& fd);
 
+// How the names of the state file `file`'s temporary files begin: each is
+// this, 8 hex digits and ".tmp", whatever the length of `file`'s name.
+std::string StateTemporaryPrefix(std::string const& file);
+
 // Removes the temporary files a writer killed mid-write left beside the
 // state file: only those of this library, for this state file, belonging to
 // this user. Only while holding the lock exclusively.
