@@ -77,13 +77,15 @@ char const* KindOf(mode_t mode) {
 }
 
 // Looks `entry` up (into `info`; false when it does not exist) after
-// checking its folder: the folder must exist, and if others may write it, it
-// must be sticky and `entry` (if there) this user's own. Sets `shared` when
-// others may write the folder.
-bool LookUp(std::string const& path, std::string const& entry, struct stat& info, bool& shared) {
+// checking its folder: the folder must exist (unless `missing` allows it),
+// and if others may write it, it must be sticky and `entry` (if there) this
+// user's own. Sets `shared` when others may write the folder.
+bool LookUp(std::string const& path, std::string const& entry, MissingFolders missing,
+            struct stat& info, bool& shared) {
   std::string folder = FolderOf(entry);
   struct stat folder_info {};
   if (stat(folder.c_str(), &folder_info) != 0) {
+    if (errno == ENOENT && missing == MissingFolders::kAllow) return false;
     Fail("Cannot use host state file " + path + ": folder", folder, errno);
   }
   bool exists = lstat(entry.c_str(), &info) == 0;
@@ -209,8 +211,8 @@ bool StateFileId::operator==(StateFileId const& other) const {
 
 std::string DefaultStatePath() { return DefaultPlaceOfState().file; }
 
-StateLocation LocateState(std::string const& path, bool make_folders) {
-  if (make_folders) {
+StateLocation LocateState(std::string const& path, MissingFolders missing) {
+  if (missing == MissingFolders::kMake) {
     DefaultPlace place = DefaultPlaceOfState();
     if (place.file == path) MakeFolders(place.file, place.first_made);
   }
@@ -218,7 +220,7 @@ StateLocation LocateState(std::string const& path, bool make_folders) {
   at.path = path;
   at.file = path;
   struct stat info {};
-  bool exists = LookUp(path, at.file, info, at.shared);
+  bool exists = LookUp(path, at.file, missing, info, at.shared);
   // A link is followed once, here: the file it names is read, locked and
   // replaced, and the link stays a link.
   for (int hops = 0; exists && S_ISLNK(info.st_mode); ++hops) {
@@ -228,7 +230,7 @@ StateLocation LocateState(std::string const& path, bool make_folders) {
     if (size <= 0) Fail("Cannot use host state file", path, size < 0 ? errno : ENOENT);
     std::string next(target.data(), static_cast<size_t>(size));
     at.file = next[0] == '/' ? next : FolderOf(at.file) + "/" + next;
-    exists = LookUp(path, at.file, info, at.shared);
+    exists = LookUp(path, at.file, missing, info, at.shared);
   }
   if (exists && !S_ISREG(info.st_mode)) NotRegular(at, at.file, info.st_mode);
   at.folder = FolderOf(at.file);

@@ -38,12 +38,18 @@ struct StateFileId {
   bool operator==(StateFileId const& other) const;
 };
 
+// What to do about missing folders of the state's path.
+enum class MissingFolders {
+  kRefuse,  // a path given by the user
+  kMake,    // the default path: made 0700 (never the home folder itself)
+  kAllow,   // only reading: a missing folder holds no file
+};
+
 // Finds the file `path` names and checks the folders on the way (see
-// above). `make_folders`: `path` is the default one, whose missing folders
-// are made 0700 (never the home folder itself). Throws HostCtlException
-// naming `path` when the file or a folder cannot be used, and why: a missing
-// folder, one that is not safe, a path that is not a regular file.
-StateLocation LocateState(std::string const& path, bool make_folders);
+// above). Throws HostCtlException naming `path` when the file or a folder
+// cannot be used, and why: a missing folder, one that is not safe, a path
+// that is not a regular file.
+StateLocation LocateState(std::string const& path, MissingFolders missing);
 
 // The default state file: $XDG_STATE_HOME/toolbase/host-state.json for an
 // absolute XDG_STATE_HOME, else ~/.local/state/toolbase/host-state.json.

@@ -193,6 +193,15 @@ TEST_F(StoreFilesTest, DefaultFoldersArePrivateAndNeverShared) {
     EXPECT_TRUE(fs::is_empty(dir_ + "/cwd"));
     EXPECT_FALSE(fs::exists(dir_ + "/gone"));
   }
+  // Only reading (completion, a dry run) makes no folder.
+  fs::remove_all(home);
+  fs::create_directory(home);
+  setenv("HOME", home.c_str(), 1);
+  Reload();
+  OrvkCtl::Sim::Backend().SetReadOnly();
+  EXPECT_EQ(Read(), "");
+  EXPECT_TRUE(fs::is_empty(home));
+
   fs::current_path(cwd);
   saved_home.empty() ? unsetenv("HOME") : setenv("HOME", saved_home.c_str(), 1);
   saved_tmpdir.empty() ? unsetenv("TMPDIR") : setenv("TMPDIR", saved_tmpdir.c_str(), 1);
