@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <list>
 
 #include "hostctl/lib.h"
 #include "state_files.h"
@@ -65,6 +66,7 @@ struct Store {
   Snapshot savepoint;
   // Only read: no lock, no seeded file, no change (SetReadOnly).
   bool read_only = false;
+  std::list<Snapshot> superseded;  // hosts read before another command's change
 };
 
 Store& TheStore() {
@@ -317,15 +319,6 @@ void Forget(Store& store) {
   store.open = false;
 }
 
-// Takes the lock for changing the host. A file that another command changed
-// since it was read (while this one only held the lock to read) is read again.
-void BecomeWriter(Store& store) {
-  if (!store.open) return Open(store, 0, LOCK_EX);
-  if (store.exclusive) return;
-  TakeLock(store, LOCK_EX);
-  if (!(CurrentStateId(store.at) == store.read_id)) Forget(store);
-}
-
 HostModel& Loaded(AreaSet areas) {
   Store& store = TheStore();
   Open(store, areas);
@@ -350,6 +343,23 @@ HostModel& Loaded(AreaSet areas) {
     store.current.loaded |= missing;
   }
   return store.current.host;
+}
+
+// Takes the lock for changing the host. A file that another command changed
+// since it was read (while this one only held the lock to read) is read
+// again, the areas loaded as before. What callers still hold of the host as
+// it was read (an element, a list being walked) stays as it was, in
+// `superseded`, until the process ends.
+void BecomeWriter(Store& store) {
+  if (!store.open) return Open(store, 0, LOCK_EX);
+  if (store.exclusive) return;
+  TakeLock(store, LOCK_EX);
+  if (CurrentStateId(store.at) == store.read_id) return;
+  AreaSet const loaded = store.current.loaded;
+  ForgetTexts(store);
+  store.superseded.push_back(std::move(store.current));
+  Forget(store);
+  Loaded(loaded);
 }
 
 }  // namespace
@@ -441,6 +451,7 @@ void StateFileBackend::Reset() {
     store.lock_fd = -1;
   }
   store.exclusive = false;
+  store.superseded.clear();
 }
 
 std::string StateFileBackend::BeginTransaction() {

@@ -380,6 +380,29 @@ TEST_F(StoreFilesTest, ReadersShareTheLockAndAChangeSeesWhatWasWrittenMeanwhile)
   EXPECT_FALSE(host.firewall.enabled);
 }
 
+// Another command's change lands between this one's read and its first
+// change: the change is made on top of it, the areas read are read again, and
+// what was taken from the host before stays readable.
+TEST_F(StoreFilesTest, AChangeAfterAReadIsMadeOnTopOfAChangeInBetween) {
+  ASSERT_EQ(Read(), "");
+  Reload();
+  HostModel const& host = OrvkCtl::Sim::ReadHost();
+  ASSERT_FALSE(host.firewall.rulesets.empty());
+  auto const& ruleset = host.firewall.rulesets.front();
+  std::string const id = ruleset.id;
+  HostModel other = OrvkCtl::Sim::HostFromJson(StateFileText());
+  other.firewall.enabled = false;
+  std::ofstream(dir_ + "/other") << OrvkCtl::Sim::HostToJson(other);
+  fs::rename(dir_ + "/other", state_path_);  // as a writer replaces it
+
+  EXPECT_EQ(Change("mine"), "");
+  EXPECT_FALSE(host.firewall.enabled);
+  EXPECT_EQ(ruleset.id, id);
+  auto written = OrvkCtl::Sim::HostFromJson(StateFileText());
+  EXPECT_EQ(written.hostname, "mine");
+  EXPECT_FALSE(written.firewall.enabled);
+}
+
 TEST_F(StoreFilesTest, ReadingWorksWhereNothingMayBeWritten) {
   if (geteuid() != 0) GTEST_SKIP() << "another user and a read-only mount need root";
   ASSERT_EQ(chmod(dir_.c_str(), 0755), 0);
