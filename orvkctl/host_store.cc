@@ -269,9 +269,9 @@ void Read(Store& store, AreaSet areas) {
 // host is only read here) and reads the file, or seeds a missing one.
 void Open(Store& store, AreaSet areas = 0, int operation = LOCK_SH) {
   if (store.open) return;
-  store.at = LocateState(StatePath(), store.read_only ? MissingFolders::kAllow
-                                     : IsDefaultPath() ? MissingFolders::kMake
-                                                       : MissingFolders::kRefuse);
+  store.at = LocateState(StatePath(), store.read_only   ? MissingFolders::kAllow
+                                      : IsDefaultPath() ? MissingFolders::kMake
+                                                        : MissingFolders::kRefuse);
   store.path = store.at.path;
   if (!store.read_only) {
     if (store.lock_fd < 0) store.lock_fd = OpenStateLock(store.at, store.lock_error);

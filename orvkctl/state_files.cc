@@ -51,7 +51,8 @@ std::string GroupName(gid_t gid) {
 
 // Who other than this user and root may write in a folder: empty if no one.
 std::string OthersWriting(struct stat const& folder) {
-  if (folder.st_uid != 0 && folder.st_uid != geteuid()) return "it belongs to " + UserName(folder.st_uid);
+  if (folder.st_uid != 0 && folder.st_uid != geteuid())
+    return "it belongs to " + UserName(folder.st_uid);
   if (folder.st_mode & S_IWOTH) return "every user may write it";
   if ((folder.st_mode & S_IWGRP) && folder.st_gid != 0 && folder.st_gid != getegid()) {
     return GroupName(folder.st_gid) + " may write it";
@@ -96,7 +97,8 @@ bool LookUp(std::string const& path, std::string const& entry, MissingFolders mi
   bool const foreign_folder = folder_info.st_uid != 0 && folder_info.st_uid != geteuid();
   if (foreign_folder || !(folder_info.st_mode & S_ISVTX)) {
     throw HostCtlException("Cannot use host state file " + path + ": folder " + folder +
-                           " is not safe: " + why + (foreign_folder ? "" : " and it is not sticky"));
+                           " is not safe: " + why +
+                           (foreign_folder ? "" : " and it is not sticky"));
   }
   if (exists && info.st_uid != geteuid()) {
     throw HostCtlException("Cannot use host state file " + path + ": " + entry + " belongs to " +
@@ -146,7 +148,8 @@ bool IsTempName(std::string const& name, std::string const& prefix) {
 // umask. `from`: the first that may be made (the home folder never is).
 void MakeFolders(std::string const& file, std::string const& from) {
   std::vector<std::string> missing;
-  for (std::string folder = FolderOf(file); folder.size() >= from.size(); folder = FolderOf(folder)) {
+  for (std::string folder = FolderOf(file); folder.size() >= from.size();
+       folder = FolderOf(folder)) {
     struct stat info {};
     if (stat(folder.c_str(), &info) == 0) break;
     missing.push_back(folder);
@@ -236,8 +239,9 @@ StateLocation LocateState(std::string const& path, MissingFolders missing) {
   at.folder = FolderOf(at.file);
   std::string name = NameOf(at.file);
   // "<name>.lock", or a name of fixed length where that is too long.
-  at.lock = at.folder + "/" +
-            (name.size() + 5 <= NAME_MAX ? name + ".lock" : ".toolbase-" + NameHash(at.file) + ".lock");
+  at.lock =
+      at.folder + "/" +
+      (name.size() + 5 <= NAME_MAX ? name + ".lock" : ".toolbase-" + NameHash(at.file) + ".lock");
   return at;
 }
 
@@ -279,12 +283,11 @@ int OpenStateLock(StateLocation const& at, int& error) {
   }
   if (!S_ISREG(info.st_mode) || (at.shared && info.st_uid != geteuid())) {
     close(fd);
-    throw HostCtlException("Cannot lock host state file " + at.path + ": " + at.lock +
-                           (S_ISREG(info.st_mode)
-                                ? " belongs to " + UserName(info.st_uid) +
-                                      ", in a folder other users may write"
-                                : std::string(" is ") + KindOf(info.st_mode) +
-                                      ", not a regular file"));
+    throw HostCtlException(
+        "Cannot lock host state file " + at.path + ": " + at.lock +
+        (S_ISREG(info.st_mode)
+             ? " belongs to " + UserName(info.st_uid) + ", in a folder other users may write"
+             : std::string(" is ") + KindOf(info.st_mode) + ", not a regular file"));
   }
   return fd;
 }
@@ -294,7 +297,8 @@ void AcquireStateLock(StateLocation const& at, int& fd, int operation) {
     WaitForLock(at, fd, operation);
     // A lock file removed while this waited (by a writer whose first write
     // failed) locks nothing: lock the one named so now.
-    struct stat held {}, named {};
+    struct stat held {
+    }, named{};
     if (fstat(fd, &held) == 0 && stat(at.lock.c_str(), &named) == 0 &&
         held.st_ino == named.st_ino && held.st_dev == named.st_dev) {
       return;

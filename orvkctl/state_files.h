@@ -22,10 +22,10 @@ inline constexpr off_t kMaxStateSize = off_t{256} << 20;
 
 // Where the state of a path is.
 struct StateLocation {
-  std::string path;    // as named (by the user or by default): messages name it
-  std::string file;    // the file it names, symbolic links followed
-  std::string folder;  // file's folder
-  std::string lock;    // the lock file beside `file`
+  std::string path;     // as named (by the user or by default): messages name it
+  std::string file;     // the file it names, symbolic links followed
+  std::string folder;   // file's folder
+  std::string lock;     // the lock file beside `file`
   bool shared = false;  // others may write `folder` (a sticky one): owners are checked
 };
 

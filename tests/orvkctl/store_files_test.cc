@@ -1,8 +1,6 @@
 // The state's files as another user, a careless one or an unsafe folder
 // would have them: modes and owners, default folders, planted links and
 // files, odd paths, read-only places, long names.
-#include "state_files.h"
-
 #include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
@@ -27,6 +25,7 @@
 #include "host_store.h"
 #include "hostctl/lib.h"
 #include "state_file_test.h"
+#include "state_files.h"
 #include "support/harness.h"
 
 namespace {
@@ -46,7 +45,9 @@ std::string Outcome(std::function<void()> const& call) {
     return error.message;
   }
 }
-std::string Read() { return Outcome([] { OrvkCtl::Sim::ReadHost(kAreaHost); }); }
+std::string Read() {
+  return Outcome([] { OrvkCtl::Sim::ReadHost(kAreaHost); });
+}
 std::string Change(std::string const& hostname = "changed") {
   return Outcome([&] {
     OrvkCtl::Sim::ChangeHost(kAreaHost, [&](HostModel& host) { host.hostname = hostname; });
@@ -95,15 +96,17 @@ class StoreFilesTest : public TestSupport::StateFileTest {
   // Runs `body` in a child process with the host forgotten, as user nobody
   // when `as_nobody`; what it returns, or nothing when the child could not
   // become nobody (or `prepare` failed).
-  std::optional<std::string> InChild(std::function<std::string()> const& body, bool as_nobody,
-                                     std::function<bool()> const& prepare = [] { return true; }) {
+  std::optional<std::string> InChild(
+      std::function<std::string()> const& body, bool as_nobody,
+      std::function<bool()> const& prepare = [] { return true; }) {
     int fds[2];
     if (pipe(fds) != 0) return std::nullopt;
     pid_t pid = fork();
     if (pid == 0) {
       close(fds[0]);
       if (!prepare()) _exit(99);
-      if (as_nobody && (setgroups(0, nullptr) != 0 || setgid(kNobody) != 0 || setuid(kNobody) != 0)) {
+      if (as_nobody &&
+          (setgroups(0, nullptr) != 0 || setgid(kNobody) != 0 || setuid(kNobody) != 0)) {
         _exit(99);
       }
       OrvkCtl::Sim::ResetHostForTest();
@@ -221,7 +224,8 @@ TEST_F(StoreFilesTest, FoldersOthersMayWriteAreRefusedUnlessStickyAndTheirFilesO
     std::string refused;
   };
   Case const cases[] = {
-      {"writable by all", 0777, 0, 0, 0, "is not safe: every user may write it and it is not sticky"},
+      {"writable by all", 0777, 0, 0, 0,
+       "is not safe: every user may write it and it is not sticky"},
       {"writable by another group", 0775, 0, kNobody, 0, "may write it and it is not sticky"},
       {"another user's", 0755, kNobody, 0, 0, "is not safe: it belongs to user nobody (65534)"},
       {"sticky, another user's file", 01777, 0, 0, kNobody,
@@ -351,7 +355,8 @@ TEST_F(StoreFilesTest, ReadersShareTheLockAndAChangeSeesWhatWasWrittenMeanwhile)
   ASSERT_EQ(flock(lock, LOCK_SH), 0);
   std::atomic<bool> done = false;
   std::thread release([&] {  // so that a reader wanting the lock alone does not wait forever
-    for (int i = 0; i < 100 && !done; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    for (int i = 0; i < 100 && !done; ++i)
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
     flock(lock, LOCK_UN);
   });
   auto run = TestSupport::RunProcess({"network", "firewall", "get"});
@@ -367,7 +372,9 @@ TEST_F(StoreFilesTest, ReadersShareTheLockAndAChangeSeesWhatWasWrittenMeanwhile)
   ASSERT_TRUE(OrvkCtl::Sim::ReadHost().firewall.enabled);
   struct stat held {};
   ASSERT_EQ(stat((state_path_ + ".lock").c_str(), &held), 0);
-  std::thread other([&] { run = TestSupport::RunProcess({"network", "firewall", "set", "--enabled", "false"}); });
+  std::thread other([&] {
+    run = TestSupport::RunProcess({"network", "firewall", "set", "--enabled", "false"});
+  });
   for (int i = 0; i < 600 && !AWaiterBlocksOn(held.st_ino); ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
   }
@@ -418,13 +425,16 @@ TEST_F(StoreFilesTest, ReadingWorksWhereNothingMayBeWritten) {
   };
   auto const nothing = [](std::string const&) { return true; };
   auto const read_only_mount = [](std::string const& folder) {
-    return unshare(CLONE_NEWNS) == 0 && mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+    return unshare(CLONE_NEWNS) == 0 &&
+           mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
            mount(folder.c_str(), folder.c_str(), nullptr, MS_BIND, nullptr) == 0 &&
            mount(nullptr, folder.c_str(), nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr) == 0;
   };
   Case const cases[] = {
-      {"another user's lock, folder not writable", true, 0, true, ": cannot open LOCK: Permission denied", nothing},
-      {"folder not writable, no lock", true, 0, false, ": cannot open LOCK: Permission denied", nothing},
+      {"another user's lock, folder not writable", true, 0, true,
+       ": cannot open LOCK: Permission denied", nothing},
+      {"folder not writable, no lock", true, 0, false, ": cannot open LOCK: Permission denied",
+       nothing},
       {"a file that may only be read", true, kNobody, false, ": Permission denied", nothing},
       {"read-only file system", false, 0, true, ": Read-only file system", read_only_mount},
   };
