@@ -1,6 +1,5 @@
 #include "host_store.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -13,10 +12,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <optional>
+#include <list>
 
 #include "hostctl/lib.h"
+#include "state_files.h"
 
 namespace OrvkCtl::Sim {
 namespace {
@@ -32,8 +31,16 @@ struct Snapshot {
 };
 
 struct Store {
-  std::string path;
+  std::string path;  // as named, for messages
+  StateLocation at;
+  // The lock on the state, held until the process ends: shared to read,
+  // exclusive from the first change on. -1 where none can be made (a
+  // read-only folder), which leaves reading (`lock_error` says why).
   int lock_fd = -1;
+  int lock_error = 0;
+  bool exclusive = false;
+  // The version of the file last read or written.
+  StateFileId read_id;
   bool open = false;
   // Each field's value text as the file has it (`texts`), once fetched: views
   // into the whole file as last written or read (`file_text`), or into the
@@ -59,6 +66,7 @@ struct Store {
   Snapshot savepoint;
   // Only read: no lock, no seeded file, no change (SetReadOnly).
   bool read_only = false;
+  std::list<Snapshot> superseded;  // hosts read before another command's change
 };
 
 Store& TheStore() {
@@ -100,112 +108,23 @@ void WriteAll(int fd, HostDocument const& document, std::string const& path) {
   }
 }
 
-std::string FolderOf(std::string const& path) {
-  std::string dir = std::filesystem::path(path).parent_path().string();
-  return dir.empty() ? "." : dir;
-}
-
-std::string TempPrefix(std::string const& path) {
-  return std::filesystem::path(path).filename().string() + ".tmp.";
-}
-
-// Removes temporary files a writer killed mid-write left beside `path`. Only
-// called under the lock, when no other writer can be using one.
-void RemoveStaleTemporaries(std::string const& path) {
-  std::string dir = FolderOf(path);
-  std::string prefix = TempPrefix(path);
-  DIR* folder = opendir(dir.c_str());
-  if (!folder) return;
-  while (dirent* entry = readdir(folder)) {
-    if (std::strncmp(entry->d_name, prefix.c_str(), prefix.size()) == 0) {
-      unlinkat(dirfd(folder), entry->d_name, 0);
-    }
-  }
-  closedir(folder);
-}
-
-// Writes `document` to `path` atomically: an unnamed temporary file in the
-// same folder, filled and flushed, then named and renamed over the old one,
-// and the folder flushed. A writer killed before the rename leaves nothing;
-// one killed between naming and renaming leaves a temporary that the next
-// command removes under the lock. Returns the file written, open for reading.
-int SaveAtomically(std::string const& path, HostDocument const& document) {
-  std::string dir = FolderOf(path);
-  std::string temp = dir + "/" + TempPrefix(path) + std::to_string(getpid());
-  int fd = open(dir.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0644);
-  bool unnamed = fd >= 0;
-  if (!unnamed) fd = open(temp.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-  if (fd < 0) Fail("Cannot write host state file", path, errno);
-  try {
-    WriteAll(fd, document, path);
-    if (fsync(fd) != 0) Fail("Cannot write host state file", path, errno);
-    if (unnamed) {
-      std::string self = "/proc/self/fd/" + std::to_string(fd);
-      unlink(temp.c_str());
-      if (linkat(AT_FDCWD, self.c_str(), AT_FDCWD, temp.c_str(), AT_SYMLINK_FOLLOW) != 0) {
-        Fail("Cannot write host state file", path, errno);
-      }
-    }
-  } catch (...) {
-    close(fd);
-    if (!unnamed) unlink(temp.c_str());
-    throw;
-  }
-  if (rename(temp.c_str(), path.c_str()) != 0) {
-    int error = errno;
-    close(fd);
-    unlink(temp.c_str());
-    Fail("Cannot replace host state file", path, error);
-  }
-  int dir_fd = open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (dir_fd >= 0) {
-    fsync(dir_fd);
-    close(dir_fd);
-  }
-  return fd;
-}
-
 bool IsDefaultPath() {
   char const* path = std::getenv("TOOLBASE_HOST_STATE");
   return !path || !*path;
 }
 
-void Lock(Store& store) {
-  std::string dir = FolderOf(store.path);
-  if (IsDefaultPath()) {
-    std::error_code ignored;
-    std::filesystem::create_directories(dir, ignored);
+// Takes the lock for reading (LOCK_SH) or for changing (LOCK_EX). Stale
+// temporary files go once it is exclusive. Reading goes on without a lock
+// where none can be made; a change cannot.
+void TakeLock(Store& store, int operation) {
+  if (store.lock_fd < 0 && operation == LOCK_EX) {
+    Fail("Cannot lock host state file " + store.path + ": cannot open", store.at.lock,
+         store.lock_error);
   }
-  struct stat info {};
-  if (stat(dir.c_str(), &info) != 0) {
-    Fail("Cannot use host state file " + store.path + ": folder", dir, errno);
-  }
-  if (stat(store.path.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) {
-    Fail("Cannot read host state file", store.path, EISDIR);
-  }
-  std::string lock_path = store.path + ".lock";
-  int fd = open(lock_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-  if (fd < 0) Fail("Cannot lock host state file " + store.path + ": cannot open", lock_path, errno);
-  // Another command may hold the lock: wait for it, and after a second say
-  // what is waited for, so that the wait is not taken for a hang.
-  int locked = flock(fd, LOCK_EX | LOCK_NB);
-  for (int tries = 0; locked != 0 && (errno == EWOULDBLOCK || errno == EINTR) && tries < 20;
-       ++tries) {
-    usleep(50 * 1000);
-    locked = flock(fd, LOCK_EX | LOCK_NB);
-  }
-  if (locked != 0 && errno == EWOULDBLOCK) {
-    std::fprintf(stderr, "Waiting for another command to release the lock on %s ...\n",
-                 store.path.c_str());
-    while ((locked = flock(fd, LOCK_EX)) != 0 && errno == EINTR) {
-    }
-  }
-  if (locked != 0) {
-    int lock_error = errno;
-    close(fd);
-    Fail("Cannot lock host state file " + store.path + ": cannot lock", lock_path, lock_error);
-  }
-  store.lock_fd = fd;
+  if (store.lock_fd < 0) return;
+  AcquireStateLock(store.at, store.lock_fd, operation);
+  store.exclusive = operation == LOCK_EX;
+  if (store.exclusive) RemoveStaleTemporaries(store.at);
 }
 
 [[noreturn]] void Corrupt(std::string const& path, std::string const& why) {
@@ -238,6 +157,7 @@ std::string ReadFile(int fd, std::string const& path) {
     if (done == text.size()) text.resize(text.size() * 2);
     size_t n = ReadAt(fd, text.data() + done, text.size() - done, static_cast<off_t>(done), path);
     done += n;
+    CheckStateSize(path, done);
     if (n == 0 || done < text.size()) break;
   }
   text.resize(done);
@@ -294,7 +214,8 @@ void Replace(Store& store, Snapshot snapshot) {
 // Writes `document` and makes it the file's known text: the document when
 // it is whole; else the file written, read again only where it is used.
 void Save(Store& store, HostDocument document) {
-  int fd = SaveAtomically(store.path, document);
+  int fd = ReplaceStateFile(
+      store.at, [&](int out) { WriteAll(out, document, store.path); }, store.read_id);
   ForgetTexts(store);
   CloseFile(store);
   if (document.pieces.empty()) {
@@ -317,10 +238,14 @@ void Save(Store& store, HostDocument document) {
 // Reads the file: in the line layout, where each field is, and the texts of
 // the fields of `areas`; a file laid out otherwise, whole.
 void Read(Store& store, AreaSet areas) {
-  int fd = open(store.path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (fd < 0) Fail("Cannot read host state file", store.path, errno);
+  int fd = OpenStateForReading(store.at, store.read_id);
   store.file_fd = fd;
-  auto read_next = [&](char* data, size_t size) { return ReadAt(fd, data, size, -1, store.path); };
+  uint64_t total = 0;
+  auto read_next = [&](char* data, size_t size) {
+    size_t n = ReadAt(fd, data, size, -1, store.path);
+    CheckStateSize(store.path, total += n);
+    return n;
+  };
   if (ScanHostDocument(read_next, store.spans, &store.compact)) {
     size_t count = HostFields().size();
     store.texts.assign(count, {});
@@ -340,18 +265,36 @@ void Read(Store& store, AreaSet areas) {
   store.fetched.assign(store.texts.size(), true);
 }
 
-void Open(Store& store, AreaSet areas = 0) {
+// Opens the state: finds its file, takes the lock (`operation`, unless the
+// host is only read here) and reads the file, or seeds a missing one.
+void Open(Store& store, AreaSet areas = 0, int operation = LOCK_SH) {
   if (store.open) return;
-  store.path = StatePath();
-  if (store.lock_fd < 0 && !store.read_only) Lock(store);
-  if (!store.read_only) RemoveStaleTemporaries(store.path);
-  struct stat info {};
-  if (stat(store.path.c_str(), &info) != 0 && errno == ENOENT) {
+  store.at = LocateState(StatePath(), store.read_only   ? MissingFolders::kAllow
+                                      : IsDefaultPath() ? MissingFolders::kMake
+                                                        : MissingFolders::kRefuse);
+  store.path = store.at.path;
+  if (!store.read_only) {
+    if (store.lock_fd < 0) store.lock_fd = OpenStateLock(store.at, store.lock_error);
+    if (!store.exclusive) TakeLock(store, operation);
+  }
+  bool exists = StateExists(store.at);
+  if (!exists && !store.read_only && !store.exclusive) {
+    TakeLock(store, LOCK_EX);  // seeding writes
+    exists = StateExists(store.at);
+  }
+  if (!exists) {
     HostModel host = DefaultHost();
     if (!store.read_only) {
       HostDocument document;
       document.text = HostToJson(host);
-      Save(store, std::move(document));
+      try {
+        Save(store, std::move(document));
+      } catch (...) {
+        // Nothing of this state is left: not its lock either.
+        if (!StateExists(store.at)) RemoveStateLock(store.at, store.lock_fd);
+        store.exclusive = false;
+        throw;
+      }
     }
     Replace(store, {std::move(host), kAreaAll});
   } else {
@@ -364,6 +307,16 @@ void Open(Store& store, AreaSet areas = 0) {
     Replace(store, {});
   }
   store.open = true;
+}
+
+// Forgets what was read of the file, for reading it again.
+void Forget(Store& store) {
+  Replace(store, {});  // the parses point into the texts
+  CloseFile(store);
+  store.texts.clear();
+  store.fetched.clear();
+  store.file_text.reset();
+  store.open = false;
 }
 
 HostModel& Loaded(AreaSet areas) {
@@ -392,19 +345,28 @@ HostModel& Loaded(AreaSet areas) {
   return store.current.host;
 }
 
+// Takes the lock for changing the host. A file that another command changed
+// since it was read (while this one only held the lock to read) is read
+// again, the areas loaded as before. What callers still hold of the host as
+// it was read (an element, a list being walked) stays as it was, in
+// `superseded`, until the process ends.
+void BecomeWriter(Store& store) {
+  if (!store.open) return Open(store, 0, LOCK_EX);
+  if (store.exclusive) return;
+  TakeLock(store, LOCK_EX);
+  if (CurrentStateId(store.at) == store.read_id) return;
+  AreaSet const loaded = store.current.loaded;
+  ForgetTexts(store);
+  store.superseded.push_back(std::move(store.current));
+  Forget(store);
+  Loaded(loaded);
+}
+
 }  // namespace
 
 std::string StatePath() {
   if (char const* path = std::getenv("TOOLBASE_HOST_STATE"); path && *path) return path;
-  std::filesystem::path base;
-  if (char const* state = std::getenv("XDG_STATE_HOME"); state && *state) {
-    base = state;
-  } else if (char const* home = std::getenv("HOME"); home && *home) {
-    base = std::filesystem::path(home) / ".local" / "state";
-  } else {
-    base = std::filesystem::temp_directory_path();
-  }
-  return (base / "toolbase" / "host-state.json").string();
+  return DefaultStatePath();
 }
 
 namespace {
@@ -428,6 +390,7 @@ void StateFileBackend::Commit(AreaSet areas, std::function<void(HostModel&)> con
   if (store.read_only && !store.in_transaction) {
     throw HostCtlException("The host is only read here; nothing was changed");
   }
+  if (!store.in_transaction) BecomeWriter(store);
   HostModel& host = Loaded(areas);
   if (store.in_transaction) {
     // The host holds the transaction's changes, which the file does not: a
@@ -479,26 +442,28 @@ void StateFileBackend::Commit(AreaSet areas, std::function<void(HostModel&)> con
 
 void StateFileBackend::Reset() {
   Store& store = TheStore();
-  store.open = false;
+  Forget(store);
   store.read_only = false;
-  Replace(store, {});  // the parses point into the texts
-  CloseFile(store);
-  store.texts.clear();
-  store.fetched.clear();
-  store.file_text.reset();
   store.in_transaction = false;
   store.begin = store.savepoint = {};
   if (store.lock_fd >= 0) {
     close(store.lock_fd);
     store.lock_fd = -1;
   }
+  store.exclusive = false;
+  store.superseded.clear();
 }
 
 std::string StateFileBackend::BeginTransaction() {
   Store& store = TheStore();
   if (store.in_transaction) return "A host transaction is already in progress";
   try {
-    Open(store);
+    if (store.read_only) {
+      Open(store);
+    } else {
+      BecomeWriter(store);
+      Open(store);
+    }
   } catch (std::exception const& error) {
     return error.what();
   }

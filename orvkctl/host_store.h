@@ -3,11 +3,13 @@
 // The state lives in one JSON file: the path given by TOOLBASE_HOST_STATE, or
 // $XDG_STATE_HOME/toolbase/host-state.json, or
 // ~/.local/state/toolbase/host-state.json. It is opened when a command first
-// touches the host; from then on the process holds an exclusive lock on
-// "<path>.lock" until it ends, so that concurrent commands see each other's
-// changes whole. A missing file is seeded with DefaultHost(). Every change is
-// written through at once, atomically (unnamed temporary file, fsync,
-// rename); temporary files left by a killed writer are removed under the lock.
+// touches the host; from then on the process holds a lock on it until it
+// ends: shared while it only reads, alone from its first change on (the file
+// is read again if another command changed it in between), so that
+// concurrent commands see each other's changes whole. A missing file is
+// seeded with DefaultHost(). Every change is written through at once,
+// atomically. How the files are found, made, locked, read and replaced, and
+// kept from other users: state_files.h.
 //
 // Areas. The file holds one top-level field of HostModel per line:
 //   {"format":1,"layout":"compact","host":{

@@ -13,6 +13,7 @@
 #include <map>
 #include <optional>
 #include <random>
+#include <set>
 
 #include <nlohmann/json.hpp>
 
@@ -29,6 +30,15 @@ using OrvkCtl::Sim::ReadHost;
 
 using HostStoreTest = TestSupport::StateFileTest;
 
+// No temporary file is left beside the state file and its lock.
+void ExpectOnlyStateAndLock(std::string const& dir) {
+  std::set<std::string> names;
+  for (auto const& entry : std::filesystem::directory_iterator(dir)) {
+    names.insert(entry.path().filename().string());
+  }
+  EXPECT_EQ(names, (std::set<std::string>{"host-state.json", "host-state.json.lock"}));
+}
+
 TEST_F(HostStoreTest, FirstUseSeedsTheDefaultHost) {
   EXPECT_FALSE(std::filesystem::exists(state_path_));
   EXPECT_EQ(ReadHost().hostname, "halden-01");
@@ -41,9 +51,7 @@ TEST_F(HostStoreTest, ChangesAreWrittenThroughAndLeaveNoTemporaryFiles) {
   ChangeHost([](HostModel& host) { host.hostname = "renamed"; });
   Reload();
   EXPECT_EQ(ReadHost().hostname, "renamed");
-  for (auto const& entry : std::filesystem::directory_iterator(dir_)) {
-    EXPECT_EQ(entry.path().string().find(".tmp."), std::string::npos) << entry.path();
-  }
+  ExpectOnlyStateAndLock(dir_);
 }
 
 TEST_F(HostStoreTest, AFailedChangeChangesNothing) {
@@ -159,9 +167,7 @@ TEST_F(HostStoreTest, KilledWritersLeaveAWholeFileAndLoseNoCommittedChange) {
     EXPECT_GE(found, committed[w]);
     EXPECT_LE(found, committed[w] + 1);
   }
-  for (auto const& entry : std::filesystem::directory_iterator(dir_)) {
-    EXPECT_EQ(entry.path().string().find(".tmp."), std::string::npos) << entry.path();
-  }
+  ExpectOnlyStateAndLock(dir_);
 }
 
 TEST_F(HostStoreTest, FaultyFilesGiveAClearErrorAndStayUntouched) {
