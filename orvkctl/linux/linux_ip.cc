@@ -1,7 +1,8 @@
 // Host interfaces, addresses, routes, neighbors, connections, DNS and the
-// hosts file of each netstack instance.
+// hosts file of each netstack instance; each part in a file of its own.
 #include "kernel.h"
 #include "linux_host.h"
+#include "linux_ip.h"
 
 namespace OrvkCtl::Linux {
 
@@ -12,11 +13,17 @@ void ReadIp(HostModel& host) {
   host.ip.ipsec_sas.clear();
   host.ip.ipsec_sps.clear();
   host.ip.connections.clear();
+  ReadRoutes(host);
 }
 
-void PlanIp(HostModel const&, HostModel const&, Plan&) {}
+void PlanIp(HostModel const& before, HostModel const& after, Plan& plan) {
+  if (before.ip.ipsec_sas != after.ip.ipsec_sas || before.ip.ipsec_sps != after.ip.ipsec_sps) {
+    NotAvailable("IPsec");
+  }
+  PlanRoutes(before, after, plan);
+}
 
-void KeepIp(HostModel const&, HostModel&) {}
+void KeepIp(HostModel const& after, HostModel& reread) { KeepRoutes(after, reread); }
 
 }  // namespace
 

@@ -1,0 +1,32 @@
+// The parts of the IP family of the linux host (linux_ip.cc puts them
+// together), and what they share.
+#pragma once
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "linux_host.h"
+
+namespace OrvkCtl::Linux {
+
+// Orders `held` as `asked` has the same rows (by `key`), the rest after
+// them in their own order: the kernel lists in an order of its own, the
+// host in the order rows were made.
+template <class T, class Key>
+void FollowOrder(std::vector<T> const& asked, std::vector<T>& held, Key key) {
+  auto place = [&](T const& row) {
+    auto const wanted = key(row);
+    auto at = std::find_if(asked.begin(), asked.end(), [&](T const& a) { return key(a) == wanted; });
+    return at - asked.begin();
+  };
+  std::stable_sort(held.begin(), held.end(),
+                   [&](T const& a, T const& b) { return place(a) < place(b); });
+}
+
+// Routes and neighbor tables of each netstack instance (linux_route.cc).
+void ReadRoutes(HostModel& host);
+void PlanRoutes(HostModel const& before, HostModel const& after, Plan& plan);
+void KeepRoutes(HostModel const& after, HostModel& reread);
+
+}  // namespace OrvkCtl::Linux
