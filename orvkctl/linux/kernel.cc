@@ -265,6 +265,39 @@ void ChangeLink(std::string const& name, rtnl_link* change, std::string const& w
   }
 }
 
+int LinkIndex(std::string const& name, std::string const& what, std::string const& netns) {
+  Link link = FindLink(name, netns);
+  if (!link) FailErrno(what, ENODEV);
+  return rtnl_link_get_ifindex(link.get());
+}
+
+void AddBridge(std::string const& name) {
+  Link link(rtnl_link_alloc());
+  rtnl_link_set_name(link.get(), name.c_str());
+  if (int error = rtnl_link_set_type(link.get(), "bridge"); error < 0) {
+    FailNl("create bridge " + name, error);
+  }
+  // Exclusive: never take over a link of that name.
+  int const error = rtnl_link_add(RouteSocket(), link.get(), NLM_F_CREATE | NLM_F_EXCL);
+  if (error < 0) FailNl("create bridge " + name, error);
+}
+
+void DeleteLink(std::string const& name, std::string const& what) {
+  Link link(rtnl_link_alloc());
+  rtnl_link_set_name(link.get(), name.c_str());
+  if (int error = rtnl_link_delete(RouteSocket(), link.get()); error < 0) FailNl(what, error);
+}
+
+void SetMaster(std::string const& name, std::string const& master) {
+  std::string const what =
+      master.empty() ? "release " + name + " from its bridge" : "add " + name + " to bridge " + master;
+  int const index = LinkIndex(name, what);
+  int const error = master.empty()
+                        ? rtnl_link_release_ifindex(RouteSocket(), index)
+                        : rtnl_link_enslave_ifindex(RouteSocket(), LinkIndex(master, what), index);
+  if (error < 0) FailNl(what, error);
+}
+
 int Ethtool(std::string const& name, void* command) {
   static int const sock = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
   if (sock < 0) return errno;

@@ -93,6 +93,16 @@ Addr ParseAddr(std::string const& text, int family);
 void ChangeLink(std::string const& name, rtnl_link* change, std::string const& what,
                 std::string const& netns = {});
 
+// The index of link `name` in `netns`; throws with `what` when there is none.
+int LinkIndex(std::string const& name, std::string const& what, std::string const& netns = {});
+
+// Bridges of the process's namespace: made (down, with the kernel's
+// defaults), deleted (its ports are released), and a link made a port of
+// bridge `master` or, with an empty `master`, released from its bridge.
+void AddBridge(std::string const& name);
+void DeleteLink(std::string const& name, std::string const& what);
+void SetMaster(std::string const& name, std::string const& master);
+
 // Runs an ethtool command on device `name` of the process's namespace;
 // returns 0 or the errno of the refusal.
 int Ethtool(std::string const& name, void* command);
