@@ -208,10 +208,6 @@ std::string LinkName(nl_cache* links, int index) {
   return rtnl_link_i2name(links, index, name, sizeof name) ? name : "";
 }
 
-int LinkIndex(nl_cache* links, std::string const& name) {
-  return rtnl_link_name2i(links, name.c_str());
-}
-
 std::string AddressText(nl_addr* address) {
   char text[INET6_ADDRSTRLEN] = {};
   if (!address || nl_addr_get_len(address) == 0) return {};

@@ -72,8 +72,6 @@ void Dump(std::string const& netns, int type, int family,
 
 // The name of link `index` in `links`, or "" when it has none there.
 std::string LinkName(nl_cache* links, int index);
-// The index of link `name` in `links`, or 0.
-int LinkIndex(nl_cache* links, std::string const& name);
 
 // An address as text without its prefix length ("10.0.0.1", "fe80::1").
 std::string AddressText(nl_addr* address);

@@ -9,7 +9,7 @@ namespace OrvkCtl::Linux {
 namespace {
 
 void ReadIp(HostModel& host) {
-  host.ip.interfaces.clear();
+  ReadInterfaces(host);
   host.ip.ipsec_sas.clear();
   host.ip.ipsec_sps.clear();
   host.ip.connections.clear();
@@ -20,10 +20,15 @@ void PlanIp(HostModel const& before, HostModel const& after, Plan& plan) {
   if (before.ip.ipsec_sas != after.ip.ipsec_sas || before.ip.ipsec_sps != after.ip.ipsec_sps) {
     NotAvailable("IPsec");
   }
-  PlanRoutes(before, after, plan);
+  PlanRouteRemovals(before, after, plan);
+  PlanInterfaces(before, after, plan);
+  PlanRouteAdditions(before, after, plan);
 }
 
-void KeepIp(HostModel const& after, HostModel& reread) { KeepRoutes(after, reread); }
+void KeepIp(HostModel const& after, HostModel& reread) {
+  KeepInterfaces(after, reread);
+  KeepRoutes(after, reread);
+}
 
 }  // namespace
 

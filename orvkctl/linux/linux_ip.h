@@ -25,8 +25,16 @@ void FollowOrder(std::vector<T> const& asked, std::vector<T>& held, Key key) {
 }
 
 // Routes and neighbor tables of each netstack instance (linux_route.cc).
+// What goes is planned before the interfaces change, what comes after.
 void ReadRoutes(HostModel& host);
-void PlanRoutes(HostModel const& before, HostModel const& after, Plan& plan);
+void PlanRouteRemovals(HostModel const& before, HostModel const& after, Plan& plan);
+void PlanRouteAdditions(HostModel const& before, HostModel const& after, Plan& plan);
 void KeepRoutes(HostModel const& after, HostModel& reread);
+
+// Host interfaces and their addresses (linux_interface.cc). Read after the
+// netstack instances.
+void ReadInterfaces(HostModel& host);
+void PlanInterfaces(HostModel const& before, HostModel const& after, Plan& plan);
+void KeepInterfaces(HostModel const& after, HostModel& reread);
 
 }  // namespace OrvkCtl::Linux

@@ -2,6 +2,9 @@
 // every other key a named namespace of /run/netns. Their settings are the
 // namespace's sysctls; the name, the connection limit and the flags are the
 // backend's own.
+#include <linux/if.h>
+#include <netlink/route/link.h>
+
 #include <algorithm>
 
 #include "hostctl/lib.h"
@@ -154,7 +157,14 @@ void PlanNetstacks(HostModel const& before, HostModel const& after, Plan& plan) 
     }
     std::string const key = wanted.key;
     if (!was) {
-      plan.push_back({"create netstack instance " + key, [key] { AddNamespace(key); },
+      plan.push_back({"create netstack instance " + key,
+                      [key] {
+                        AddNamespace(key);
+                        // Its own loopback works from the start.
+                        Link up(rtnl_link_alloc());
+                        rtnl_link_set_flags(up.get(), IFF_UP);
+                        ChangeLink("lo", up.get(), "bring up the loopback of " + key, key);
+                      },
                       [key] { RemoveNamespace(key); }});
     }
     PlanSettings(was, wanted, plan);

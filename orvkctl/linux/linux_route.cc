@@ -50,6 +50,8 @@ bool RouteRow(rtnl_route* route, nl_cache* links, RouteState& row) {
   std::string const gateway = AddressText(rtnl_route_nh_get_gateway(hop));
   row.gateway = gateway.empty() ? NoAddress(family) : gateway;
   row.interface = LinkName(links, rtnl_route_nh_get_ifindex(hop));
+  // The backend's own ends of its interfaces are its business.
+  if (IsOwnLink(row.interface)) return false;
   row.source = rtnl_route_get_protocol(route) == RTPROT_DHCP ? "DHCP" : "MANUAL";
   return true;
 }
@@ -69,6 +71,7 @@ bool NeighborRow(rtnl_neigh* neigh, nl_cache* links, NeighborState& row) {
   row.address = AddressText(rtnl_neigh_get_dst(neigh));
   row.mac = MacText(rtnl_neigh_get_lladdr(neigh));
   row.interface = LinkName(links, rtnl_neigh_get_ifindex(neigh));
+  if (IsOwnLink(row.interface)) return false;
   row.flags = (state & NUD_PERMANENT) ? Sim::kNeighborFlagStatic : 0;
   row.state = rtnl_neigh_get_family(neigh) == AF_INET6 ? Ipv6State(state) : 0;
   return !row.address.empty();
@@ -99,13 +102,6 @@ void ReadTables(NetstackRoutes& table) {
   }
 }
 
-// The index of link `name` in `netns` now; throws when there is none.
-int IndexOf(std::string const& name, std::string const& netns, std::string const& what) {
-  Link link = FindLink(name, netns);
-  if (!link) FailErrno(what + ": no device " + name, ENODEV);
-  return rtnl_link_get_ifindex(link.get());
-}
-
 std::unique_ptr<rtnl_route, RouteFree> MakeRoute(RouteState const& row, int family,
                                                  std::string const& netns,
                                                  std::string const& what) {
@@ -119,7 +115,7 @@ std::unique_ptr<rtnl_route, RouteFree> MakeRoute(RouteState const& row, int fami
   bool const onLink = row.gateway == NoAddress(family);
   rtnl_route_set_scope(route.get(), onLink ? RT_SCOPE_LINK : RT_SCOPE_UNIVERSE);
   rtnl_nexthop* hop = rtnl_route_nh_alloc();
-  rtnl_route_nh_set_ifindex(hop, IndexOf(row.interface, netns, what));
+  rtnl_route_nh_set_ifindex(hop, LinkIndex(row.interface, what, netns));
   if (!onLink) {
     Addr gateway = ParseAddr(row.gateway, family);
     rtnl_route_nh_set_gateway(hop, gateway.get());
@@ -154,7 +150,7 @@ std::unique_ptr<rtnl_neigh, NeighFree> MakeNeighbor(NeighborState const& row, in
                                                     std::string const& what) {
   std::unique_ptr<rtnl_neigh, NeighFree> neigh(rtnl_neigh_alloc());
   rtnl_neigh_set_family(neigh.get(), family);
-  rtnl_neigh_set_ifindex(neigh.get(), IndexOf(row.interface, netns, what));
+  rtnl_neigh_set_ifindex(neigh.get(), LinkIndex(row.interface, what, netns));
   Addr dst = ParseAddr(row.address, family);
   rtnl_neigh_set_dst(neigh.get(), dst.get());
   if (!row.mac.empty()) {
@@ -190,13 +186,17 @@ bool Holds(std::vector<T> const& rows, T const& row) {
   return std::find(rows.begin(), rows.end(), row) != rows.end();
 }
 
-void PlanTable(std::vector<RouteState> const& was, std::vector<RouteState> const& wanted,
-               int family, std::string const& key, Plan& plan) {
-  for (auto const& row : was) {
-    if (!Holds(wanted, row)) plan.push_back(RouteStep(row, family, key, false));
-  }
-  for (auto const& row : wanted) {
-    if (!Holds(was, row)) plan.push_back(RouteStep(row, family, key, true));
+bool OfAddress(HostModel const& host, RouteState const& row, int family);
+
+// The steps for the rows of `from` that `to` does not hold: removals, or
+// with `add` additions. The routes of the interfaces' addresses come and go
+// with the addresses.
+void PlanTable(HostModel const& before, HostModel const& after,
+               std::vector<RouteState> const& from, std::vector<RouteState> const& to, int family,
+               std::string const& key, bool add, Plan& plan) {
+  for (auto const& row : from) {
+    if (OfAddress(before, row, family) || OfAddress(after, row, family)) continue;
+    if (!Holds(to, row)) plan.push_back(RouteStep(row, family, key, add));
   }
 }
 
@@ -224,21 +224,56 @@ void FollowRoutes(std::vector<RouteState> const& asked, std::vector<RouteState>&
   });
 }
 
+// Whether `row` is the route to the network of a host interface's address
+// (or its link-local one): the kernel makes and removes those with the
+// addresses.
+bool OfAddress(HostModel const& host, RouteState const& row, int family) {
+  return row.gateway == NoAddress(family) && Sim::FindInterface(host.ip, row.interface);
+}
+
+// What the kernel does on its own with the routes of the host's interfaces:
+// the routes to their addresses' networks (and a link-local one with IPv6)
+// follow the addresses; and it drops every route through an interface
+// brought down (they do not come back with it).
+void KeepKernelMade(HostModel const& after, NetstackRoutes const& asked, NetstackRoutes& held) {
+  auto down = [&](RouteState const& row) {
+    auto const* nic = Sim::FindInterface(after.ip, row.interface);
+    return nic && !nic->enabled;
+  };
+  auto keep = [&](std::vector<RouteState> const& wanted, std::vector<RouteState>& rows, int family) {
+    std::erase_if(rows, [&](RouteState const& row) { return OfAddress(after, row, family); });
+    for (auto const& row : wanted) {
+      if ((OfAddress(after, row, family) || down(row)) && !Holds(rows, row)) rows.push_back(row);
+    }
+  };
+  keep(asked.ipv4, held.ipv4, AF_INET);
+  keep(asked.ipv6, held.ipv6, AF_INET6);
+}
+
 }  // namespace
 
 void ReadRoutes(HostModel& host) {
   for (auto& table : host.ip.routes) ReadTables(table);
 }
 
-void PlanRoutes(HostModel const& before, HostModel const& after, Plan& plan) {
+void PlanRouteRemovals(HostModel const& before, HostModel const& after, Plan& plan) {
   for (auto const& wanted : after.ip.routes) {
     // A new instance has no routes yet; a removed one takes its own along.
     auto const* was = Sim::FindNetstackRoutes(before.ip, wanted.netstack);
     if (!was) continue;
     PlanNeighbors(was->ipv4_neighbors, wanted.ipv4_neighbors, AF_INET, wanted.netstack, plan);
     PlanNeighbors(was->ipv6_neighbors, wanted.ipv6_neighbors, AF_INET6, wanted.netstack, plan);
-    PlanTable(was->ipv4, wanted.ipv4, AF_INET, wanted.netstack, plan);
-    PlanTable(was->ipv6, wanted.ipv6, AF_INET6, wanted.netstack, plan);
+    PlanTable(before, after, was->ipv4, wanted.ipv4, AF_INET, wanted.netstack, false, plan);
+    PlanTable(before, after, was->ipv6, wanted.ipv6, AF_INET6, wanted.netstack, false, plan);
+  }
+}
+
+void PlanRouteAdditions(HostModel const& before, HostModel const& after, Plan& plan) {
+  for (auto const& wanted : after.ip.routes) {
+    auto const* was = Sim::FindNetstackRoutes(before.ip, wanted.netstack);
+    if (!was) continue;
+    PlanTable(before, after, wanted.ipv4, was->ipv4, AF_INET, wanted.netstack, true, plan);
+    PlanTable(before, after, wanted.ipv6, was->ipv6, AF_INET6, wanted.netstack, true, plan);
   }
 }
 
@@ -246,6 +281,7 @@ void KeepRoutes(HostModel const& after, HostModel& reread) {
   for (auto& table : reread.ip.routes) {
     auto const* asked = Sim::FindNetstackRoutes(after.ip, table.netstack);
     if (!asked) continue;
+    KeepKernelMade(after, *asked, table);
     // Linux keeps no default gateway apart from the default route.
     table.ipv4_config_gateway = asked->ipv4_config_gateway;
     table.ipv6_config_gateway = asked->ipv6_config_gateway;
