@@ -14,6 +14,7 @@ void ReadIp(HostModel& host) {
   host.ip.ipsec_sps.clear();
   host.ip.connections.clear();
   ReadRoutes(host);
+  ReadResolution(host);
 }
 
 void PlanIp(HostModel const& before, HostModel const& after, Plan& plan) {
@@ -23,11 +24,13 @@ void PlanIp(HostModel const& before, HostModel const& after, Plan& plan) {
   PlanRouteRemovals(before, after, plan);
   PlanInterfaces(before, after, plan);
   PlanRouteAdditions(before, after, plan);
+  PlanResolution(before, after, plan);
 }
 
 void KeepIp(HostModel const& after, HostModel& reread) {
   KeepInterfaces(after, reread);
   KeepRoutes(after, reread);
+  KeepResolution(after, reread);
 }
 
 }  // namespace

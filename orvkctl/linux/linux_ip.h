@@ -37,4 +37,10 @@ void ReadInterfaces(HostModel& host);
 void PlanInterfaces(HostModel const& before, HostModel const& after, Plan& plan);
 void KeepInterfaces(HostModel const& after, HostModel& reread);
 
+// The resolver configuration and the hosts file (linux_dns.cc). Read after
+// the netstack instances.
+void ReadResolution(HostModel& host);
+void PlanResolution(HostModel const& before, HostModel const& after, Plan& plan);
+void KeepResolution(HostModel const& after, HostModel& reread);
+
 }  // namespace OrvkCtl::Linux
