@@ -28,6 +28,8 @@ void PlanIp(HostModel const& before, HostModel const& after, Plan& plan) {
 }
 
 void KeepIp(HostModel const& after, HostModel& reread) {
+  // Sockets come and go on their own; no change asks for one.
+  reread.ip.connections = after.ip.connections;
   KeepInterfaces(after, reread);
   KeepRoutes(after, reread);
   KeepResolution(after, reread);

@@ -43,4 +43,9 @@ void ReadResolution(HostModel& host);
 void PlanResolution(HostModel const& before, HostModel const& after, Plan& plan);
 void KeepResolution(HostModel const& after, HostModel& reread);
 
+// The open sockets of every instance (linux_connection.cc). They are read
+// with the runtime area, as the commands that list them ask for it: a
+// listing of routes reads no socket table.
+void ReadConnections(HostModel& host);
+
 }  // namespace OrvkCtl::Linux

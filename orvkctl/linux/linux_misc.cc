@@ -4,6 +4,7 @@
 
 #include "kernel.h"
 #include "linux_host.h"
+#include "linux_ip.h"
 
 namespace OrvkCtl::Linux {
 
@@ -25,6 +26,7 @@ void KeepNothing(HostModel const&, HostModel&) {}
 void ReadRuntime(HostModel& host) {
   host.runtime.worlds.clear();
   host.runtime.ens = {};
+  ReadConnections(host);
 }
 
 }  // namespace
