@@ -139,7 +139,10 @@ Step RouteStep(RouteState const& row, int family, std::string const& key, bool a
     int const error = in ? rtnl_route_add(RouteSocket(netns), route.get(), NLM_F_EXCL)
                          : rtnl_route_delete(RouteSocket(netns), route.get(), 0);
     if (first) *done = error >= 0;
-    if (error >= 0 || (onLink && (error == -NLE_EXIST || error == -NLE_OBJ_NOTFOUND))) return;
+    // Gone already (the kernel drops the routes of a link brought down) is
+    // as asked.
+    if (!in && error == -NLE_OBJ_NOTFOUND) return;
+    if (error >= 0 || (onLink && error == -NLE_EXIST)) return;
     FailNl(what, error);
   };
   return {what, [=] { put(add, true); }, [=] { put(!add, false); }};
@@ -225,10 +228,11 @@ void FollowRoutes(std::vector<RouteState> const& asked, std::vector<RouteState>&
 }
 
 // Whether `row` is the route to the network of a host interface's address
-// (or its link-local one): the kernel makes and removes those with the
-// addresses.
+// (the kernel makes and removes those with the addresses), or a link-local
+// network (the kernel's own, on every link with IPv6 and a carrier).
 bool OfAddress(HostModel const& host, RouteState const& row, int family) {
-  return row.gateway == NoAddress(family) && Sim::FindInterface(host.ip, row.interface);
+  if (row.gateway != NoAddress(family)) return false;
+  return Sim::FindInterface(host.ip, row.interface) || row.network == "fe80::/64";
 }
 
 // What the kernel does on its own with the routes of the host's interfaces:
