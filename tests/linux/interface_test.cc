@@ -1,6 +1,8 @@
 // Host interfaces of a linux host: veth pairs whose own end carries the
 // addresses, checked against `ip -j` and `bridge -j`, and against the
 // simulated host given the same commands.
+#include <cstdlib>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -166,6 +168,37 @@ TEST_F(InterfaceTest, WhatTheKernelCannotDoIsRefusedAndChangesNothing) {
     Refused(row.args, row.message);
     EXPECT_EQ(Shell("ip -j addr show; ip -j link show"), before);
   }
+}
+
+}  // namespace
+}  // namespace LinuxTest
+
+namespace LinuxTest {
+namespace {
+
+// A batch whose last line is refused leaves the kernel and the files as
+// they were: each earlier line's steps are undone.
+TEST_F(InterfaceTest, ABatchThatFailsUndoesEveryLine) {
+  std::string const root = std::getenv("TOOLBASE_LINUX_ROOT");
+  std::string const batch = root + "/batch.txt";
+  std::ofstream(batch) << "network vswitch standard add -v vSwitchT\n"
+                          "network vswitch standard portgroup add -p PG1 -v vSwitchT\n"
+                          "network ip interface add -i orvk1 -p PG1\n"
+                          "network ip interface ipv4 set -i orvk1 -t static -I 10.1.0.5 -N "
+                          "255.255.255.0\n"
+                          "network ip route ipv4 add -n 10.50.0.0/16 -g 10.1.0.1\n"
+                          "network ip netstack add -N blue\n"
+                          "network ip dns server add -s 192.0.2.77\n"
+                          "network ip interface ipv4 set -i orvk1 -t dhcp\n";
+  auto const state = [&] {
+    return Shell("ip -j link show; ip -j addr show; ip -j route show; ls /run/netns; cat " + root +
+                 "/etc/resolv.conf");
+  };
+  std::string const before = state();
+  auto run = Run({"--batch", batch});
+  EXPECT_NE(run.status, 0);
+  EXPECT_NE(run.err.find("DHCP"), std::string::npos) << run.err;
+  EXPECT_EQ(state(), before);
 }
 
 }  // namespace
