@@ -83,6 +83,7 @@ bool NetworkInfo::AddLcore(unsigned long lcoreId) {
   OrvkCtl::Sim::ChangeHost(
       OrvkCtl::Sim::kAreaVswitch | OrvkCtl::Sim::kAreaRuntime, [&](HostModel& host) {
         auto& ens = host.runtime.ens;
+        if (ens.max_lcores == 0) throw HostCtlException("The host has no ENS contexts");
         if (lcoreId >= ens.max_lcores) {
           throw HostCtlException("ENS context id " + std::to_string(lcoreId) +
                                  " is out of range 0 to " + std::to_string(ens.max_lcores - 1));

@@ -261,6 +261,23 @@ void ChangeLink(std::string const& name, rtnl_link* change, std::string const& w
   }
 }
 
+void SetLinkMtu(std::string const& name, int mtu, std::string const& netns) {
+  Link change(rtnl_link_alloc());
+  rtnl_link_set_mtu(change.get(), static_cast<unsigned>(mtu));
+  ChangeLink(name, change.get(), "set the MTU of " + name + " to " + std::to_string(mtu), netns);
+}
+
+void SetLinkUp(std::string const& name, bool up, std::string const& netns) {
+  Link change(rtnl_link_alloc());
+  up ? rtnl_link_set_flags(change.get(), IFF_UP) : rtnl_link_unset_flags(change.get(), IFF_UP);
+  ChangeLink(name, change.get(), (up ? "bring up " : "bring down ") + name, netns);
+}
+
+bool IsBridge(rtnl_link* link) {
+  char const* kind = rtnl_link_get_type(link);
+  return kind && std::strcmp(kind, "bridge") == 0;
+}
+
 int LinkIndex(std::string const& name, std::string const& what, std::string const& netns) {
   Link link = FindLink(name, netns);
   if (!link) FailErrno(what, ENODEV);
@@ -301,7 +318,8 @@ int Ethtool(std::string const& name, void* command) {
   if (name.size() >= sizeof(request.ifr_name)) return ENODEV;
   std::memcpy(request.ifr_name, name.c_str(), name.size() + 1);
   request.ifr_data = static_cast<char*>(command);
-  return ioctl(sock, SIOCETHTOOL, &request) == 0 ? 0 : errno;
+  // Some commands answer with a positive number of flags: still a success.
+  return ioctl(sock, SIOCETHTOOL, &request) >= 0 ? 0 : errno;
 }
 
 }  // namespace OrvkCtl::Linux

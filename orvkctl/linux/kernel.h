@@ -91,6 +91,13 @@ Addr ParseAddr(std::string const& text, int family);
 void ChangeLink(std::string const& name, rtnl_link* change, std::string const& what,
                 std::string const& netns = {});
 
+// Sets the MTU of link `name`, or brings it up or down.
+void SetLinkMtu(std::string const& name, int mtu, std::string const& netns = {});
+void SetLinkUp(std::string const& name, bool up, std::string const& netns = {});
+
+// Whether `link` is a bridge.
+bool IsBridge(rtnl_link* link);
+
 // The index of link `name` in `netns`; throws with `what` when there is none.
 int LinkIndex(std::string const& name, std::string const& what, std::string const& netns = {});
 

@@ -4,11 +4,10 @@
 // the kernel: the backend keeps them, per switch. A policy other than the
 // defaults, and a port group on a VLAN, need what this mapping does not do
 // yet (traffic control, bridge VLAN filtering): planning them is refused.
-#include <linux/if.h>
+#include <net/if.h>
 #include <netlink/route/link.h>
 
 #include <algorithm>
-#include <cstring>
 #include <map>
 
 #include "hostctl/lib.h"
@@ -54,11 +53,6 @@ void OrderLike(std::vector<std::string> const& order, std::vector<T>& items, Nam
   };
   std::stable_sort(items.begin(), items.end(),
                    [&](T const& a, T const& b) { return rank(a) < rank(b); });
-}
-
-bool IsBridge(rtnl_link* link) {
-  char const* kind = rtnl_link_get_type(link);
-  return kind && std::strcmp(kind, "bridge") == 0;
 }
 
 void ReadSwitches(HostModel& host) {
@@ -131,24 +125,9 @@ void CheckBridgeName(std::string const& name) {
   }
 }
 
-// A step that sets the MTU of a link, and back.
 Step MtuStep(std::string const& name, int mtu, int old) {
-  auto set = [name](int value) {
-    Link change(rtnl_link_alloc());
-    rtnl_link_set_mtu(change.get(), static_cast<unsigned>(value));
-    ChangeLink(name, change.get(), "set the MTU of " + name + " to " + std::to_string(value));
-  };
-  return {"set the MTU of " + name, [=] { set(mtu); }, [=] { set(old); }};
-}
-
-Step UpStep(std::string const& name) {
-  return {"bring up " + name,
-          [name] {
-            Link change(rtnl_link_alloc());
-            rtnl_link_set_flags(change.get(), IFF_UP);
-            ChangeLink(name, change.get(), "bring up " + name);
-          },
-          {}};
+  return {"set the MTU of " + name, [=] { SetLinkMtu(name, mtu); },
+          [=] { SetLinkMtu(name, old); }};
 }
 
 // The steps that make bridge `vswitch` with its MTU and uplinks.
@@ -158,7 +137,7 @@ void PlanCreate(StandardSwitchState const& vswitch, Plan& plan) {
                   [name] { DeleteLink(name, "delete bridge " + name); }});
   // Setting the MTU keeps it from following the uplinks'.
   plan.push_back(MtuStep(name, vswitch.mtu, vswitch.mtu));
-  plan.push_back(UpStep(name));
+  plan.push_back({"bring up " + name, [name] { SetLinkUp(name, true); }, {}});
 }
 
 void PlanUplinks(std::string const& bridge, std::vector<std::string> const& was,

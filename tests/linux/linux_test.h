@@ -16,6 +16,12 @@ std::string Shell(std::string const& line);
 // `ip -j ARGS` parsed.
 nlohmann::json IpJson(std::string const& args);
 
+// A command that must be refused, and what its message says.
+struct Refusal {
+  TestSupport::Args args;
+  std::string message;
+};
+
 class LinuxHostTest : public TestSupport::HostTest {
  protected:
   // Runs `args`, expects it to succeed, and gives its output.

@@ -1,5 +1,6 @@
 // Standard switches of a linux host: bridges of the sandbox's namespace,
 // with the veth ends ornic0 and ornic1 as their uplinks.
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -77,6 +78,19 @@ TEST_F(VswitchTest, ASwitchIsABridgeAndItsUplinksItsPorts) {
   EXPECT_EQ(Row({"network", "vswitch", "standard", "list"}, "vSwitchT"), nullptr);
 }
 
+// The kernel tells which links are a bridge's ports, not in which order
+// they were added: the backend keeps the order, and a new process shows it.
+TEST_F(VswitchTest, UplinksKeepTheOrderTheyWereAddedIn) {
+  Ok({"network", "vswitch", "standard", "add", "-v", "vsA"});
+  Ok({"network", "vswitch", "standard", "uplink", "add", "-v", "vsA", "-u", "ornic1"});
+  Ok({"network", "vswitch", "standard", "uplink", "add", "-v", "vsA", "-u", "ornic0"});
+  OrvkCtl::Sim::ResetHostForTest();
+  auto other = TestSupport::RunProcess(
+      {"network", "vswitch", "standard", "list", "--formatter", "json"});
+  ASSERT_EQ(other.status, 0) << other.err;
+  EXPECT_EQ(json::parse(other.out)[0]["Uplinks"], json::array({"ornic1", "ornic0"}));
+}
+
 // The same commands on the simulated host (after freeing ornic1 there) give
 // the same rows.
 TEST_F(VswitchTest, RowsAgreeWithTheSimulatedHost) {
@@ -123,11 +137,7 @@ TEST_F(VswitchTest, RefusedChangesChangeNothing) {
   Ok({"network", "vswitch", "standard", "uplink", "add", "-v", "vSwitch1", "-u", "ornic0"});
   Ok({"network", "vswitch", "standard", "portgroup", "add", "-v", "vSwitch1", "-p", "PG"});
   Ok({"network", "vswitch", "standard", "add", "-v", "vSwitch2"});
-  struct Case {
-    TestSupport::Args args;
-    std::string message;
-  };
-  std::vector<Case> const cases = {
+  std::vector<Refusal> const cases = {
       {{"network", "vswitch", "standard", "portgroup", "set", "-p", "PG", "--vlan-id", "20"},
        "Port group PG cannot use VLAN 20: VLANs need bridge VLAN filtering"},
       {{"network", "vswitch", "standard", "set", "-v", "vSwitch1", "-c", "both"},
@@ -167,6 +177,33 @@ TEST_F(VswitchTest, RefusedChangesChangeNothing) {
   EXPECT_NE(Ok({"network", "vswitch", "standard", "policy", "security", "get", "-v", "vSwitch1"})
                 .find("Allow Promiscuous: false"),
             std::string::npos);
+}
+
+// A batch that fails on its last line leaves the kernel as it was: the
+// bridge, its uplink and the NIC's offload made by earlier lines are undone,
+// and the switch it removed is back with its uplink.
+TEST_F(VswitchTest, AFailedBatchUndoesItsEarlierLines) {
+  Ok({"network", "vswitch", "standard", "add", "-v", "vsB"});
+  Ok({"network", "vswitch", "standard", "set", "-v", "vsB", "-m", "2000"});
+  Ok({"network", "vswitch", "standard", "uplink", "add", "-v", "vsB", "-u", "ornic1"});
+  std::string const batch = dir_ + "/batch";
+  std::ofstream(batch) << "network vswitch standard uplink remove -v vsB -u ornic1\n"
+                          "network vswitch standard remove -v vsB\n"
+                          "network vswitch standard add -v vsA\n"
+                          "network vswitch standard uplink add -v vsA -u ornic0\n"
+                          "network nic tso set -n ornic1 -e 0\n"
+                          "network vswitch standard portgroup add -v vsA -p PG\n"
+                          "network vswitch standard portgroup set -p PG --vlan-id 7\n";
+  std::string const kernel = KernelLinks();
+  OrvkCtl::Sim::ResetHostForTest();
+  auto run = TestSupport::RunProcess({"--batch", batch});
+  EXPECT_NE(run.status, 0);
+  EXPECT_NE(run.err.find("batch line 7 failed; no change of the batch was applied"),
+            std::string::npos)
+      << run.out << run.err;
+  EXPECT_EQ(KernelLinks(), kernel);
+  auto const tso = json::parse(Ok({"network", "nic", "tso", "get", "--formatter", "json"}));
+  for (auto const& row : tso) EXPECT_EQ(row["Value"], "on") << row;
 }
 
 }  // namespace
