@@ -16,7 +16,10 @@ JSON_RANGE(ConnectionState, state, 0, 10)
 JSON_RECORD(ConnectionState, netstack, protocol, recv_q, send_q, local_address, local_port,
             foreign_address, foreign_port, state, world_id, cc_algo)
 JSON_ONE_OF_NUMBERS(NetstackState, state, 0, kNetstackStateUp)
-JSON_ONE_OF(NetstackState, cc_algorithm, "newreno", "cubic")
+// The host sets newreno or cubic; a linux host may run any of its kernel's.
+JSON_ONE_OF(NetstackState, cc_algorithm, "newreno", "cubic", "bbr", "bic", "cdg", "dctcp",
+            "highspeed", "htcp", "hybla", "illinois", "lp", "nv", "scalable", "vegas", "veno",
+            "westwood", "yeah")
 JSON_ONE_OF(NetstackState, ecn_status, "disabled", "enabled", "echo-only")
 JSON_RECORD(NetstackState, key, name, state, max_connections, current_max_connections, cc_algorithm,
             ipv6_enabled, current_ipv6_enabled, ecn_status, flags)

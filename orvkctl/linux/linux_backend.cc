@@ -123,7 +123,9 @@ class LinuxBackend final : public Sim::HostBackend {
         step.apply();
         done.push_back(std::move(step));
       }
-      HostModel reread = Read(areas);
+      // Read over what is kept now: what the kernel holds is told apart by
+      // it (a new interface's link is no NIC).
+      HostModel reread = Read(areas, kept);
       for (auto const& family : Families()) {
         if (family.areas & areas) family.keep(after, reread);
       }
@@ -261,9 +263,11 @@ class LinuxBackend final : public Sim::HostBackend {
     kept_text_ = text;
   }
 
-  // The host as the kernel and the kept state have it now, for `areas`.
-  HostModel Read(AreaSet areas) {
-    HostModel host = kept_;
+  // The host as the kernel and the kept state `kept` have it now, for
+  // `areas`.
+  HostModel Read(AreaSet areas) { return Read(areas, kept_); }
+  HostModel Read(AreaSet areas, HostModel const& kept) {
+    HostModel host = kept;
     for (auto const& family : Families()) {
       if (family.areas & areas) family.read(host);
     }

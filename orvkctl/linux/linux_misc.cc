@@ -5,6 +5,7 @@
 
 #include "kernel.h"
 #include "linux_host.h"
+#include "linux_ip.h"
 
 namespace OrvkCtl::Linux {
 
@@ -24,7 +25,9 @@ void KeepNothing(HostModel const&, HostModel&) {}
 // No virtual machines run on such a host: no worlds, and no ENS contexts
 // (none can be made: a change of them is refused). The switch ports are those of the interfaces, kept by
 // the backend while their switch is a bridge of the kernel, with the
-// counters of the interface's end on the bridge.
+// counters of the interface's end on the bridge. The sockets of the
+// netstack instances are read here too, as the commands that list them ask
+// for the runtime area.
 void ReadRuntime(HostModel& host) {
   host.runtime.worlds.clear();
   host.runtime.ens = {};
@@ -54,6 +57,7 @@ void ReadRuntime(HostModel& host) {
     port.tx_dropped = rtnl_link_get_stat(end, RTNL_LINK_TX_DROPPED);
     port.multicast_received = rtnl_link_get_stat(end, RTNL_LINK_MULTICAST);
   }
+  ReadConnections(host);
 }
 
 void PlanRuntime(HostModel const& before, HostModel const& after, Plan&) {

@@ -25,16 +25,6 @@ namespace {
 using HostCtl::Lib::HostCtlException;
 using Sim::PnicState;
 
-std::string Mac(rtnl_link* link) {
-  nl_addr* address = rtnl_link_get_addr(link);
-  if (!address || nl_addr_get_len(address) != 6) return {};
-  auto const* bytes = static_cast<unsigned char const*>(nl_addr_get_binary_addr(address));
-  char text[18];
-  std::snprintf(text, sizeof text, "%02x:%02x:%02x:%02x:%02x:%02x", bytes[0], bytes[1], bytes[2],
-                bytes[3], bytes[4], bytes[5]);
-  return text;
-}
-
 // Whether the link is one the host shows as a physical NIC.
 bool IsNic(rtnl_link* link, HostModel const& host) {
   if (rtnl_link_get_arptype(link) != ARPHRD_ETHER) return false;
@@ -460,7 +450,7 @@ void ReadNics(HostModel& host) {
     if (!IsNic(link, host)) continue;
     PnicState nic;
     nic.name = rtnl_link_get_name(link);
-    nic.mac = Mac(link);
+    nic.mac = MacText(rtnl_link_get_addr(link));
     nic.mtu = static_cast<int32_t>(rtnl_link_get_mtu(link));
     unsigned const flags = rtnl_link_get_flags(link);
     nic.admin_up = flags & IFF_UP;
