@@ -101,14 +101,16 @@ class LinuxBackend final : public Sim::HostBackend {
     Load(areas);
     HostModel after = host_;
     change(after);
-    if (read_only_) {
-      if (!in_transaction_) throw HostCtlException("The host is open only for reading");
-      CopyAreas(areas, after, host_);
-      return;
-    }
+    if (read_only_ && !in_transaction_) throw HostCtlException("The host is open only for reading");
+    // Planning only reads: a dry run plans too, so that what the host would
+    // refuse is refused there as well, and then applies nothing.
     Plan plan;
     for (auto const& family : Families()) {
       if (family.areas & areas) family.plan(host_, after, plan);
+    }
+    if (read_only_) {
+      CopyAreas(areas, after, host_);
+      return;
     }
     std::string const old_kept = kept_text_;
     HostModel kept = kept_;

@@ -206,5 +206,24 @@ TEST_F(VswitchTest, AFailedBatchUndoesItsEarlierLines) {
   for (auto const& row : tso) EXPECT_EQ(row["Value"], "on") << row;
 }
 
+TEST_F(VswitchTest, ADryRunChangesNoLinkAndRefusesWhatTheHostWould) {
+  std::string const kernel = KernelLinks();
+  std::string const batch = dir_ + "/batch";
+  std::ofstream(batch) << "network vswitch standard add -v vsA\n"
+                          "network vswitch standard uplink add -v vsA -u ornic0\n";
+  OrvkCtl::Sim::ResetHostForTest();
+  auto run = TestSupport::RunProcess({"--dry-run", "--batch", batch});
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(KernelLinks(), kernel);
+
+  std::ofstream(batch) << "network vswitch standard add -v vsA\n"
+                          "network vswitch standard portgroup add -v vsA -p PG\n"
+                          "network vswitch standard portgroup set -p PG --vlan-id 7\n";
+  run = TestSupport::RunProcess({"--dry-run", "--batch", batch});
+  EXPECT_NE(run.status, 0) << run.out;
+  EXPECT_NE(run.err.find("bridge VLAN filtering"), std::string::npos) << run.err;
+  EXPECT_EQ(KernelLinks(), kernel);
+}
+
 }  // namespace
 }  // namespace LinuxTest
