@@ -12,7 +12,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kInterfaceName = "interface-name";
 const std::string kIpv6 = "ipv6";
 }  // namespace
 
@@ -25,7 +24,7 @@ IpInterfaceIpv6AddressAdd::IpInterfaceIpv6AddressAdd() {
 std::shared_ptr<InputSpec> IpInterfaceIpv6AddressAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(Required(
-      kInterfaceName, ParameterType::String, "i",
+      Shared::InterfaceName,
       "The name of the Orvik network interface to add a static IPv6 address to. This name must be "
       "an interface listed in the interface list command."));
   spec->AddParameter(Required(

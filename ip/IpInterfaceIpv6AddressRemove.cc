@@ -12,7 +12,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kInterfaceName = "interface-name";
 const std::string kIpv6 = "ipv6";
 }  // namespace
 
@@ -25,7 +24,7 @@ IpInterfaceIpv6AddressRemove::IpInterfaceIpv6AddressRemove() {
 std::shared_ptr<InputSpec> IpInterfaceIpv6AddressRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(Required(
-      kInterfaceName, ParameterType::String, "i",
+      Shared::InterfaceName,
       "The name of the Orvik network interface to remove an IPv6 address from. This name must be "
       "an interface listed in the interface list command."));
   spec->AddParameter(

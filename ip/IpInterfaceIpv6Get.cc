@@ -14,7 +14,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kInterfaceName = "interface-name";
 const std::string kName = "Name";
 const std::string kIpv6Enabled = "IPv6 Enabled";
 const std::string kDhcpv6Enabled = "DHCPv6 Enabled";
@@ -65,7 +64,7 @@ void IpInterfaceIpv6Get::ExecuteInternal(std::shared_ptr<Input> const& input,
     HostCtl::Network::OrvkNicList nics;
     std::string const name = OptionalText(*input, kInterfaceName);
     if (name.empty()) {
-      std::string const netstack = OptionalText(*input, kNetstackOption);
+      std::string const netstack = OptionalText(*input, kNetstack);
       nics =
           netstack.empty() ? nicInfo.GetOrvikNics() : nicInfo.GetOrvikNicsByInstanceKey(netstack);
     } else {

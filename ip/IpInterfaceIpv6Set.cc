@@ -12,7 +12,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kInterfaceName = "interface-name";
 const std::string kEnableIpv6 = "enable-ipv6";
 const std::string kEnableDhcpv6 = "enable-dhcpv6";
 const std::string kEnableRouterAdv = "enable-router-adv";
@@ -29,7 +28,7 @@ IpInterfaceIpv6Set::IpInterfaceIpv6Set() {
 std::shared_ptr<InputSpec> IpInterfaceIpv6Set::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(Required(
-      kInterfaceName, ParameterType::String, "i",
+      Shared::InterfaceName,
       "The name of the Orvik network interface to set IPv6 settings for. This name must be an "
       "interface listed in the interface list command."));
   spec->AddParameter(

@@ -88,7 +88,7 @@ void IpInterfaceList::ExecuteInternal(std::shared_ptr<Input> const& input,
   try {
     OrvkCtl::Network::OrvikNicInfoImpl nicInfo;
     auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
-    std::string const netstack = OptionalText(*input, kNetstackOption);
+    std::string const netstack = OptionalText(*input, kNetstack);
     auto nics =
         netstack.empty() ? nicInfo.GetOrvikNics() : nicInfo.GetOrvikNicsByInstanceKey(netstack);
     for (auto const& nic : nics) {

@@ -12,7 +12,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kNetstack = "netstack";
 const std::string kDisabled = "disabled";
 // The settings of a new instance.
 constexpr uint32_t kNewMaxConnections = 11000;
@@ -28,7 +27,7 @@ IpNetstackInstanceAdd::IpNetstackInstanceAdd() { SetDescription("Add a new Netst
 
 std::shared_ptr<InputSpec> IpNetstackInstanceAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(Required(kNetstack, ParameterType::String, "N", "The network stack instance"));
+  spec->AddParameter(Required(Shared::Netstack, "The network stack instance"));
   spec->AddParameter(Optional(
       kDisabled, ParameterType::Flag, "d",
       "Create the netstack instance only in config i.e. in disabled state. Does not create in "

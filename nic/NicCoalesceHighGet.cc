@@ -27,8 +27,8 @@ std::shared_ptr<MetaStruct> NicCoalesceHighGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicCoalesceHighGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(Required("ornic", ParameterType::String, "n",
-                              "The name of the pnic for which information should be retrieved."));
+  spec->AddParameter(
+      Required(Shared::Ornic, "The name of the pnic for which information should be retrieved."));
   return spec;
 }
 

@@ -27,8 +27,7 @@ std::shared_ptr<MetaStruct> NicCsoGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicCsoGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(
-      Optional("ornic", ParameterType::String, "n", "The name of pnic to get CSO settings"));
+  spec->AddParameter(Optional(Shared::Ornic, "The name of pnic to get CSO settings"));
   return spec;
 }
 

@@ -15,7 +15,6 @@ using namespace Toolbase::MetaObj;
 using HostCtl::Misc::StrPrintf;
 
 namespace {
-const std::string kNicName = "nic-name";
 
 const std::string kStatus = "DCBStatus";
 const std::string kStatusNicName = "Nic Name";
@@ -166,7 +165,7 @@ std::shared_ptr<MetaStruct> NicDcbStatusGet::GetDcbAppsStructure() {
 std::shared_ptr<InputSpec> NicDcbStatusGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(
-      Required(kNicName, ParameterType::String, "n",
+      Required(Shared::NicName,
                "The name of the NIC for which you need the info. See \"nic list\" command."));
   return spec;
 }

@@ -12,10 +12,6 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kNicName = "nic-name";
-}  // namespace
-
 NETWORK_COMMAND_NEW(NicDown)
 
 NicDown::NicDown() { SetDescription("Bring down the specified network device."); }
@@ -23,7 +19,7 @@ NicDown::NicDown() { SetDescription("Bring down the specified network device.");
 std::shared_ptr<InputSpec> NicDown::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(Required(
-      kNicName, ParameterType::String, "n",
+      Shared::NicName,
       "The name of the NIC to configured. This must be one of the cards listed in the nic list "
       "command."));
   return spec;

@@ -13,7 +13,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kOrnic = "ornic";
 const std::string kOffset = "offset";
 const std::string kValue = "value";
 const std::string kFile = "file";
@@ -26,8 +25,7 @@ NicEepromChange::NicEepromChange() { SetDescription("Change EEPROM on a nic"); }
 
 std::shared_ptr<InputSpec> NicEepromChange::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kOrnic, ParameterType::String, "n", "Name of ornic to change EEPROM."));
+  spec->AddParameter(Required(Shared::Ornic, "Name of ornic to change EEPROM."));
   spec->AddParameter(Optional(kOffset, ParameterType::Int, "o", "Offset of EEPROM to change"));
   spec->AddParameter(Optional(kValue, ParameterType::Int, "v", "New EEPROM value in double word"));
   spec->AddParameter(

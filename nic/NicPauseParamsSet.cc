@@ -14,7 +14,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kNicName = "nic-name";
 const std::string kAuto = "auto";
 const std::string kRx = "rx";
 const std::string kTx = "tx";
@@ -26,8 +25,8 @@ NicPauseParamsSet::NicPauseParamsSet() { SetDescription("Set pause parameters fo
 
 std::shared_ptr<InputSpec> NicPauseParamsSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(Required(kNicName, ParameterType::String, "n",
-                              "Name of NIC whose pause parameters should be set."));
+  spec->AddParameter(
+      Required(Shared::NicName, "Name of NIC whose pause parameters should be set."));
   spec->AddParameter(Optional(kAuto, ParameterType::Bool, "a", "Enable/disable auto negotiation."));
   spec->AddParameter(
       Optional(kRx, ParameterType::Bool, "r", "Enable/disable pause RX flow control."));

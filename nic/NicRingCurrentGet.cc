@@ -14,7 +14,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kNicName = "nic-name";
 const std::string kStructure = "RingInfo";
 const std::string kRx = "RX";
 const std::string kRxMini = "RX Mini";
@@ -43,7 +42,7 @@ std::shared_ptr<MetaStruct> NicRingCurrentGet::GetOutputStructure() {
 std::shared_ptr<InputSpec> NicRingCurrentGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(Required(
-      kNicName, ParameterType::String, "n",
+      Shared::NicName,
       "The name of the NIC whose current RX/TX ring buffer parameters should be retrieved."));
   return spec;
 }

@@ -15,7 +15,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kNicName = "nic-name";
 const std::string kRx = "rx";
 const std::string kRxMini = "rx-mini";
 const std::string kRxJumbo = "rx-jumbo";
@@ -31,7 +30,7 @@ NicRingCurrentSet::NicRingCurrentSet() {
 std::shared_ptr<InputSpec> NicRingCurrentSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(
-      Required(kNicName, ParameterType::String, "n",
+      Required(Shared::NicName,
                "The name of the NIC whose current RX/TX ring buffer parameters should be set."));
   spec->AddParameter(
       Optional(kRx, ParameterType::Int, "r", "Number of ring entries for the RX ring."));

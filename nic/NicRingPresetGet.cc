@@ -14,7 +14,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kNicName = "nic-name";
 const std::string kStructure = "RingInfo";
 const std::string kRx = "RX";
 const std::string kRxMini = "RX Mini";
@@ -51,7 +50,7 @@ std::shared_ptr<MetaStruct> NicRingPresetGet::GetOutputStructure() {
 std::shared_ptr<InputSpec> NicRingPresetGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(Required(
-      kNicName, ParameterType::String, "n",
+      Shared::NicName,
       "The name of the NIC whose preset maximums for RX/TX ring buffer parameters should be "
       "retrieved."));
   return spec;

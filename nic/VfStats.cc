@@ -16,7 +16,6 @@ using namespace Toolbase::MetaObj;
 namespace {
 using HostCtl::Network::SriovNicVFStats;
 
-const std::string kNicName = "nic-name";
 const std::string kVfIdParameter = "vf-id";
 // The directives name the types "VF" and "VFStats" although the record is
 // "VfStats", and the header a field "vf" that the record lacks; both stay.
@@ -84,7 +83,7 @@ std::shared_ptr<MetaStruct> VfStats::GetOutputStructure() {
 std::shared_ptr<InputSpec> VfStats::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(Required(
-      kNicName, ParameterType::String, "n",
+      Shared::NicName,
       "The name of the SRIOV NIC. This must be one of the cards listed in the sriovNic list "
       "command."));
   spec->AddParameter(Required(

@@ -12,11 +12,6 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kPortgroupName = "portgroup-name";
-const std::string kVswitchName = "vswitch-name";
-}  // namespace
-
 NETWORK_COMMAND_NEW(VirtualSwitchPortGroupAdd)
 
 VirtualSwitchPortGroupAdd::VirtualSwitchPortGroupAdd() {
@@ -25,10 +20,8 @@ VirtualSwitchPortGroupAdd::VirtualSwitchPortGroupAdd() {
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(Required(kPortgroupName, Toolbase::CallSpec::String, "p",
-                              "The name of the port group to add"));
-  spec->AddParameter(Required(kVswitchName, Toolbase::CallSpec::String, "v",
-                              "The virtual switch to add the port group to."));
+  spec->AddParameter(Required(Shared::PortgroupName, "The name of the port group to add"));
+  spec->AddParameter(Required(Shared::VswitchName, "The virtual switch to add the port group to."));
   return spec;
 }
 

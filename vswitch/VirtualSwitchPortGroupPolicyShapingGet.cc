@@ -14,7 +14,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kPortgroupName = "portgroup-name";
 const std::string kOverrideEnabled = "Override Vswitch Enabled";
 const std::string kOverrideAverage = "Override Vswitch Average Bandwidth";
 const std::string kOverridePeak = "Override Vswitch Peak Bandwidth";
@@ -49,7 +48,7 @@ std::shared_ptr<MetaStruct> VirtualSwitchPortGroupPolicyShapingGet::GetOutputStr
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupPolicyShapingGet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(
-      Required(kPortgroupName, Toolbase::CallSpec::String, "p",
+      Required(Shared::PortgroupName,
                "The name of the port group to use when fetching the port group shaping policy."));
   return spec;
 }

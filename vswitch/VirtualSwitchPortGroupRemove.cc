@@ -12,11 +12,6 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kPortgroupName = "portgroup-name";
-const std::string kVswitchName = "vswitch-name";
-}  // namespace
-
 NETWORK_COMMAND_NEW(VirtualSwitchPortGroupRemove)
 
 VirtualSwitchPortGroupRemove::VirtualSwitchPortGroupRemove() {
@@ -25,8 +20,8 @@ VirtualSwitchPortGroupRemove::VirtualSwitchPortGroupRemove() {
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(Required(kPortgroupName, Toolbase::CallSpec::String, "p", " "));
-  spec->AddParameter(Required(kVswitchName, Toolbase::CallSpec::String, "v", " "));
+  spec->AddParameter(Required(Shared::PortgroupName, " "));
+  spec->AddParameter(Required(Shared::VswitchName, " "));
   return spec;
 }
 

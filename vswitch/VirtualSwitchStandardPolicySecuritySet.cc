@@ -13,7 +13,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kVswitchName = "vswitch-name";
 const std::string kAllowPromiscuous = "allow-promiscuous";
 const std::string kAllowMacChange = "allow-mac-change";
 const std::string kAllowForgedTransmits = "allow-forged-transmits";
@@ -28,7 +27,7 @@ VirtualSwitchStandardPolicySecuritySet::VirtualSwitchStandardPolicySecuritySet()
 std::shared_ptr<InputSpec> VirtualSwitchStandardPolicySecuritySet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(
-      Required(kVswitchName, Toolbase::CallSpec::String, "v",
+      Required(Shared::VswitchName,
                "The name of the virtual switch to use when setting the switch security policy."));
   spec->AddParameter(Optional(kAllowPromiscuous, Bool, "p",
                               "Allow ports on the virtual switch to enter promiscuous mode."));

@@ -11,10 +11,6 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kVswitchName = "vswitch-name";
-}  // namespace
-
 NETWORK_COMMAND_NEW(VirtualSwitchStandardRemove)
 
 VirtualSwitchStandardRemove::VirtualSwitchStandardRemove() {
@@ -23,8 +19,7 @@ VirtualSwitchStandardRemove::VirtualSwitchStandardRemove() {
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(Required(kVswitchName, Toolbase::CallSpec::String, "v",
-                              "The name of the virtual switch to remove."));
+  spec->AddParameter(Required(Shared::VswitchName, "The name of the virtual switch to remove."));
   return spec;
 }
 

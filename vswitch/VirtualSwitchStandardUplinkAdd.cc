@@ -12,7 +12,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kVswitchName = "vswitch-name";
 const std::string kUplinkName = "uplink-name";
 }  // namespace
 
@@ -27,8 +26,8 @@ VirtualSwitchStandardUplinkAdd::VirtualSwitchStandardUplinkAdd() {
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardUplinkAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(Required(kVswitchName, Toolbase::CallSpec::String, "v",
-                              "The name of the virtual switch to add an uplink to."));
+  spec->AddParameter(
+      Required(Shared::VswitchName, "The name of the virtual switch to add an uplink to."));
   spec->AddParameter(Required(kUplinkName, Toolbase::CallSpec::String, "u",
                               "The name of the uplink to add to the virtual switch."));
   return spec;

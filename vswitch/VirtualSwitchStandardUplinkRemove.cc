@@ -12,7 +12,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kVswitchName = "vswitch-name";
 const std::string kUplinkName = "uplink-name";
 }  // namespace
 
@@ -27,8 +26,8 @@ VirtualSwitchStandardUplinkRemove::VirtualSwitchStandardUplinkRemove() {
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardUplinkRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(Required(kVswitchName, Toolbase::CallSpec::String, "v",
-                              "The name of the virtual switch to remove an uplink from."));
+  spec->AddParameter(
+      Required(Shared::VswitchName, "The name of the virtual switch to remove an uplink from."));
   spec->AddParameter(Required(kUplinkName, Toolbase::CallSpec::String, "u",
                               "The name of the uplink to remove from the virtual switch."));
   return spec;
