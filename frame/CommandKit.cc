@@ -67,6 +67,13 @@ bool TakeUint32(Input const& input, std::string const& name, uint32_t& field) {
   return true;
 }
 
+std::shared_ptr<InputSpec> InputSpecOf(
+    std::initializer_list<std::shared_ptr<ParameterSpec>> parameters) {
+  auto spec = InputSpec::New();
+  for (auto const& parameter : parameters) spec->AddParameter(parameter);
+  return spec;
+}
+
 std::shared_ptr<OutputSpec> RootSpec(std::shared_ptr<Toolbase::MetaObj::MetaObject> const& root) {
   auto spec = OutputSpec::New();
   spec->SetRootObject(root);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <memory>
 #include <string>
 
@@ -71,6 +72,10 @@ std::shared_ptr<Toolbase::CallSpec::ParameterSpec> Optional(Shared which, std::s
 // `field`, as the host record takes it: the range is the library's matter.
 // Returns whether it was given.
 bool TakeUint32(Toolbase::CallSpec::Input const& input, std::string const& name, uint32_t& field);
+
+// A new input specification with `parameters`, in their order.
+std::shared_ptr<Toolbase::CallSpec::InputSpec> InputSpecOf(
+    std::initializer_list<std::shared_ptr<Toolbase::CallSpec::ParameterSpec>> parameters);
 
 // A new output specification whose root is the prototype `root`.
 std::shared_ptr<Toolbase::CallSpec::OutputSpec> RootSpec(

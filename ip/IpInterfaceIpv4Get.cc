@@ -47,12 +47,11 @@ std::shared_ptr<MetaStruct> IpInterfaceIpv4Get::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpInterfaceIpv4Get::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewNetstackParameter(NetstackScope::ConsiderAll));
-  spec->AddParameter(
-      Optional(Shared::InterfaceName,
-               "The name of the Orvik network interface to limit the output of this command to."));
-  return spec;
+  return InputSpecOf(
+      {NewNetstackParameter(NetstackScope::ConsiderAll),
+       Optional(
+           Shared::InterfaceName,
+           "The name of the Orvik network interface to limit the output of this command to.")});
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceIpv4Get::GetOutputSpecInternal() {

@@ -67,11 +67,9 @@ std::shared_ptr<MetaStruct> IpInterfaceIpv6AddressList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpInterfaceIpv6AddressList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Optional(Shared::InterfaceName,
-               "The name of the Orvik network interface to limit the output of this command to."));
-  return spec;
+  return InputSpecOf({Optional(
+      Shared::InterfaceName,
+      "The name of the Orvik network interface to limit the output of this command to.")});
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceIpv6AddressList::GetOutputSpecInternal() {

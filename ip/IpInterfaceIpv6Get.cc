@@ -45,12 +45,10 @@ std::shared_ptr<MetaStruct> IpInterfaceIpv6Get::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpInterfaceIpv6Get::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Optional(kInterfaceName, ParameterType::String, "n",
-               "The name of the Orvik network interface to limit the output of this command to."));
-  spec->AddParameter(NewNetstackParameter(NetstackScope::ConsiderAll));
-  return spec;
+  return InputSpecOf(
+      {Optional(kInterfaceName, ParameterType::String, "n",
+                "The name of the Orvik network interface to limit the output of this command to."),
+       NewNetstackParameter(NetstackScope::ConsiderAll)});
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceIpv6Get::GetOutputSpecInternal() {

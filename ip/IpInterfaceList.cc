@@ -74,9 +74,7 @@ std::shared_ptr<MetaStruct> IpInterfaceList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpInterfaceList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewNetstackParameter(NetstackScope::ConsiderAll));
-  return spec;
+  return InputSpecOf({NewNetstackParameter(NetstackScope::ConsiderAll)});
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceList::GetOutputSpecInternal() {

@@ -22,13 +22,11 @@ IpInterfaceSet::IpInterfaceSet() {
 }
 
 std::shared_ptr<InputSpec> IpInterfaceSet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(Shared::InterfaceName, "The name of the interface to apply the configurations."));
-  spec->AddParameter(Optional(kEnabled, ParameterType::Bool, "e",
-                              "Set to true to enable the interface, set to false to disable it."));
-  spec->AddParameter(Optional(kMtu, ParameterType::Int, "m", "The MTU size of the IP interface. "));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::InterfaceName, "The name of the interface to apply the configurations."),
+       Optional(kEnabled, ParameterType::Bool, "e",
+                "Set to true to enable the interface, set to false to disable it."),
+       Optional(kMtu, ParameterType::Int, "m", "The MTU size of the IP interface. ")});
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceSet::GetOutputSpecInternal() {

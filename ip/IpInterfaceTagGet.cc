@@ -33,9 +33,8 @@ std::shared_ptr<MetaStruct> IpInterfaceTagGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpInterfaceTagGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(Shared::InterfaceName, "Name of orvknic whose tags are to be read"));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::InterfaceName, "Name of orvknic whose tags are to be read")});
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceTagGet::GetOutputSpecInternal() {

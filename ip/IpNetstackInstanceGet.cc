@@ -53,9 +53,7 @@ std::shared_ptr<MetaStruct> IpNetstackInstanceGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpNetstackInstanceGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(Shared::Netstack, "The network stack instance"));
-  return spec;
+  return InputSpecOf({Required(Shared::Netstack, "The network stack instance")});
 }
 
 std::shared_ptr<OutputSpec> IpNetstackInstanceGet::GetOutputSpecInternal() {

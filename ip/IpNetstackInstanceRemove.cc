@@ -17,9 +17,7 @@ IpNetstackInstanceRemove::IpNetstackInstanceRemove() {
 }
 
 std::shared_ptr<InputSpec> IpNetstackInstanceRemove::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(Shared::Netstack, "The network stack instance"));
-  return spec;
+  return InputSpecOf({Required(Shared::Netstack, "The network stack instance")});
 }
 
 std::shared_ptr<OutputSpec> IpNetstackInstanceRemove::GetOutputSpecInternal() {

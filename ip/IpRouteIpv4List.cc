@@ -38,9 +38,7 @@ std::shared_ptr<MetaStruct> IpRouteIpv4List::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpRouteIpv4List::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
-  return spec;
+  return InputSpecOf({NewNetstackParameter(NetstackScope::UseDefault)});
 }
 
 std::shared_ptr<OutputSpec> IpRouteIpv4List::GetOutputSpecInternal() {

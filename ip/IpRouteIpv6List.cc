@@ -36,9 +36,7 @@ std::shared_ptr<MetaStruct> IpRouteIpv6List::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpRouteIpv6List::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
-  return spec;
+  return InputSpecOf({NewNetstackParameter(NetstackScope::UseDefault)});
 }
 
 std::shared_ptr<OutputSpec> IpRouteIpv6List::GetOutputSpecInternal() {

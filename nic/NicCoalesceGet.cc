@@ -52,9 +52,7 @@ std::shared_ptr<MetaStruct> NicCoalesceGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicCoalesceGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Optional(Shared::Ornic, "The name of pnic to get coalesce parameters"));
-  return spec;
+  return InputSpecOf({Optional(Shared::Ornic, "The name of pnic to get coalesce parameters")});
 }
 
 std::shared_ptr<OutputSpec> NicCoalesceGet::GetOutputSpecInternal() {

@@ -163,11 +163,9 @@ std::shared_ptr<MetaStruct> NicDcbStatusGet::GetDcbAppsStructure() {
 }
 
 std::shared_ptr<InputSpec> NicDcbStatusGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(Shared::NicName,
-               "The name of the NIC for which you need the info. See \"nic list\" command."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::NicName,
+                "The name of the NIC for which you need the info. See \"nic list\" command.")});
 }
 
 std::shared_ptr<OutputSpec> NicDcbStatusGet::GetOutputSpecInternal() {

@@ -142,12 +142,7 @@ std::shared_ptr<MetaStruct> NicGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(
-      Shared::NicName,
-      "The name of the NIC to configured. This must be one of the cards listed in the nic list "
-      "command."));
-  return spec;
+  return InputSpecOf({Required(Shared::NicName, kConfiguredNicHelp)});
 }
 
 std::shared_ptr<OutputSpec> NicGet::GetOutputSpecInternal() {

@@ -19,9 +19,7 @@ NicNegotiationRestart::NicNegotiationRestart() {
 }
 
 std::shared_ptr<InputSpec> NicNegotiationRestart::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(Shared::Ornic, "Name of ornic to restart negotiation"));
-  return spec;
+  return InputSpecOf({Required(Shared::Ornic, "Name of ornic to restart negotiation")});
 }
 
 std::shared_ptr<OutputSpec> NicNegotiationRestart::GetOutputSpecInternal() {

@@ -87,10 +87,8 @@ std::shared_ptr<MetaStruct> NicPauseParamsList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicPauseParamsList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Optional(Shared::NicName, "The name of the NIC whose pause parameters should be retrieved."));
-  return spec;
+  return InputSpecOf({Optional(Shared::NicName,
+                               "The name of the NIC whose pause parameters should be retrieved.")});
 }
 
 std::shared_ptr<OutputSpec> NicPauseParamsList::GetOutputSpecInternal() {

@@ -24,12 +24,10 @@ NETWORK_COMMAND_NEW(NicQueueCountSet)
 NicQueueCountSet::NicQueueCountSet() { SetDescription("Set number of netqueues on a nic"); }
 
 std::shared_ptr<InputSpec> NicQueueCountSet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(Shared::Ornic, "Name of ornic to set netqueue count."));
-  spec->AddParameter(Optional(kTx, ParameterType::Bool, "t", "Tx netqueue to set count."));
-  spec->AddParameter(Optional(kRx, ParameterType::Bool, "r", "Rx netqueue to set count."));
-  spec->AddParameter(Required(kNum, ParameterType::Int, "q", "Number of queues to set."));
-  return spec;
+  return InputSpecOf({Required(Shared::Ornic, "Name of ornic to set netqueue count."),
+                      Optional(kTx, ParameterType::Bool, "t", "Tx netqueue to set count."),
+                      Optional(kRx, ParameterType::Bool, "r", "Rx netqueue to set count."),
+                      Required(kNum, ParameterType::Int, "q", "Number of queues to set.")});
 }
 
 std::shared_ptr<OutputSpec> NicQueueCountSet::GetOutputSpecInternal() {

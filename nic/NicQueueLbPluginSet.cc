@@ -26,15 +26,11 @@ NicQueueLbPluginSet::NicQueueLbPluginSet() {
 }
 
 std::shared_ptr<InputSpec> NicQueueLbPluginSet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(Shared::Ornic, "Name of ornic to change netqueue balancer plugin state"));
-  spec->AddParameter(Required(kEnable, ParameterType::Bool, "e", "Netqueue balancer plugin state"));
-  spec->AddParameter(
-      Required(kModule, ParameterType::String, "m", "Name of netqueue balancer module"));
-  spec->AddParameter(
-      Required(kPlugin, ParameterType::String, "p", "Name of netqueue balancer plugin"));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::Ornic, "Name of ornic to change netqueue balancer plugin state"),
+       Required(kEnable, ParameterType::Bool, "e", "Netqueue balancer plugin state"),
+       Required(kModule, ParameterType::String, "m", "Name of netqueue balancer module"),
+       Required(kPlugin, ParameterType::String, "p", "Name of netqueue balancer plugin")});
 }
 
 std::shared_ptr<OutputSpec> NicQueueLbPluginSet::GetOutputSpecInternal() {

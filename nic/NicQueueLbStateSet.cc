@@ -24,10 +24,8 @@ NicQueueLbStateSet::NicQueueLbStateSet() {
 }
 
 std::shared_ptr<InputSpec> NicQueueLbStateSet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(Shared::Ornic, "Name of ornic to change netqueue balancer state"));
-  spec->AddParameter(Required(kEnable, ParameterType::Bool, "e", "Netqueue balancer state"));
-  return spec;
+  return InputSpecOf({Required(Shared::Ornic, "Name of ornic to change netqueue balancer state"),
+                      Required(kEnable, ParameterType::Bool, "e", "Netqueue balancer state")});
 }
 
 std::shared_ptr<OutputSpec> NicQueueLbStateSet::GetOutputSpecInternal() {

@@ -38,9 +38,7 @@ std::shared_ptr<MetaStruct> NicRegisterDump::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicRegisterDump::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(Shared::Ornic, "The name of pnic to dump registers"));
-  return spec;
+  return InputSpecOf({Required(Shared::Ornic, "The name of pnic to dump registers")});
 }
 
 std::shared_ptr<OutputSpec> NicRegisterDump::GetOutputSpecInternal() {

@@ -40,11 +40,9 @@ std::shared_ptr<MetaStruct> NicRingCurrentGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicRingCurrentGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(
+  return InputSpecOf({Required(
       Shared::NicName,
-      "The name of the NIC whose current RX/TX ring buffer parameters should be retrieved."));
-  return spec;
+      "The name of the NIC whose current RX/TX ring buffer parameters should be retrieved.")});
 }
 
 std::shared_ptr<OutputSpec> NicRingCurrentGet::GetOutputSpecInternal() {

@@ -28,19 +28,13 @@ NicRingCurrentSet::NicRingCurrentSet() {
 }
 
 std::shared_ptr<InputSpec> NicRingCurrentSet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(Shared::NicName,
-               "The name of the NIC whose current RX/TX ring buffer parameters should be set."));
-  spec->AddParameter(
-      Optional(kRx, ParameterType::Int, "r", "Number of ring entries for the RX ring."));
-  spec->AddParameter(
-      Optional(kRxMini, ParameterType::Int, "m", "Number of ring entries for the RX mini ring."));
-  spec->AddParameter(
-      Optional(kRxJumbo, ParameterType::Int, "j", "Number of ring entries for the RX jumbo ring."));
-  spec->AddParameter(
-      Optional(kTx, ParameterType::Int, "t", "Number of ring entries for the TX ring."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::NicName,
+                "The name of the NIC whose current RX/TX ring buffer parameters should be set."),
+       Optional(kRx, ParameterType::Int, "r", "Number of ring entries for the RX ring."),
+       Optional(kRxMini, ParameterType::Int, "m", "Number of ring entries for the RX mini ring."),
+       Optional(kRxJumbo, ParameterType::Int, "j", "Number of ring entries for the RX jumbo ring."),
+       Optional(kTx, ParameterType::Int, "t", "Number of ring entries for the TX ring.")});
 }
 
 std::shared_ptr<OutputSpec> NicRingCurrentSet::GetOutputSpecInternal() {

@@ -48,12 +48,9 @@ std::shared_ptr<MetaStruct> NicRingPresetGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicRingPresetGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(
-      Shared::NicName,
-      "The name of the NIC whose preset maximums for RX/TX ring buffer parameters should be "
-      "retrieved."));
-  return spec;
+  return InputSpecOf({Required(Shared::NicName,
+                               "The name of the NIC whose preset maximums for RX/TX ring buffer "
+                               "parameters should be retrieved.")});
 }
 
 std::shared_ptr<OutputSpec> NicRingPresetGet::GetOutputSpecInternal() {

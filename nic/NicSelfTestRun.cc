@@ -36,13 +36,10 @@ std::shared_ptr<MetaStruct> NicSelfTestRun::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicSelfTestRun::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(Shared::Ornic, "The name of pnic to dump EEPROM"));
-  spec->AddParameter(Optional(
-      kOnline, ParameterType::Int, "o",
-      "Performing limited set of tests do not inetrrupt normal adapter operation, default is "
-      "offline"));
-  return spec;
+  return InputSpecOf({Required(Shared::Ornic, "The name of pnic to dump EEPROM"),
+                      Optional(kOnline, ParameterType::Int, "o",
+                               "Performing limited set of tests do not inetrrupt normal adapter "
+                               "operation, default is offline")});
 }
 
 std::shared_ptr<OutputSpec> NicSelfTestRun::GetOutputSpecInternal() {

@@ -78,9 +78,7 @@ std::shared_ptr<MetaStruct> NicStatsGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicStatsGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(Shared::NicName, "Name of the NIC to get statistics from."));
-  return spec;
+  return InputSpecOf({Required(Shared::NicName, "Name of the NIC to get statistics from.")});
 }
 
 std::shared_ptr<OutputSpec> NicStatsGet::GetOutputSpecInternal() {

@@ -37,9 +37,7 @@ std::shared_ptr<MetaStruct> NicVlanStatsGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicVlanStatsGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(Shared::NicName, "Name of the NIC to get statistics from."));
-  return spec;
+  return InputSpecOf({Required(Shared::NicName, "Name of the NIC to get statistics from.")});
 }
 
 std::shared_ptr<OutputSpec> NicVlanStatsGet::GetOutputSpecInternal() {

@@ -23,11 +23,9 @@ NicVlanStatsSet::NicVlanStatsSet() {
 }
 
 std::shared_ptr<InputSpec> NicVlanStatsSet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(Shared::NicName, "Name of the NIC to get statistics from."));
-  spec->AddParameter(
-      Required(kEnabled, ParameterType::Bool, "e", "Whether to enable or disable VLAN statistics"));
-  return spec;
+  return InputSpecOf({Required(Shared::NicName, "Name of the NIC to get statistics from."),
+                      Required(kEnabled, ParameterType::Bool, "e",
+                               "Whether to enable or disable VLAN statistics")});
 }
 
 std::shared_ptr<OutputSpec> NicVlanStatsSet::GetOutputSpecInternal() {

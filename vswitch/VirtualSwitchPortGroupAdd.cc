@@ -19,10 +19,9 @@ VirtualSwitchPortGroupAdd::VirtualSwitchPortGroupAdd() {
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupAdd::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(Shared::PortgroupName, "The name of the port group to add"));
-  spec->AddParameter(Required(Shared::VswitchName, "The virtual switch to add the port group to."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::PortgroupName, "The name of the port group to add"),
+       Required(Shared::VswitchName, "The virtual switch to add the port group to.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchPortGroupAdd::GetOutputSpecInternal() {

@@ -48,11 +48,9 @@ std::shared_ptr<MetaStruct> VirtualSwitchPortGroupPolicyFailoverGet::GetOutputSt
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupPolicyFailoverGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(Shared::PortgroupName,
-               "The name of the port group to use when fetching the port group failover policy."));
-  return spec;
+  return InputSpecOf({Required(
+      Shared::PortgroupName,
+      "The name of the port group to use when fetching the port group failover policy.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchPortGroupPolicyFailoverGet::GetOutputSpecInternal() {

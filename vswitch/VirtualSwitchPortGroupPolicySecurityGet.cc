@@ -41,11 +41,9 @@ std::shared_ptr<MetaStruct> VirtualSwitchPortGroupPolicySecurityGet::GetOutputSt
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupPolicySecurityGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(Shared::PortgroupName,
-               "The name of the port group to use when fetching the network security policy."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::PortgroupName,
+                "The name of the port group to use when fetching the network security policy.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchPortGroupPolicySecurityGet::GetOutputSpecInternal() {

@@ -46,11 +46,9 @@ std::shared_ptr<MetaStruct> VirtualSwitchPortGroupPolicyShapingGet::GetOutputStr
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupPolicyShapingGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(Shared::PortgroupName,
-               "The name of the port group to use when fetching the port group shaping policy."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::PortgroupName,
+                "The name of the port group to use when fetching the port group shaping policy.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchPortGroupPolicyShapingGet::GetOutputSpecInternal() {

@@ -19,10 +19,7 @@ VirtualSwitchPortGroupRemove::VirtualSwitchPortGroupRemove() {
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupRemove::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(Shared::PortgroupName, " "));
-  spec->AddParameter(Required(Shared::VswitchName, " "));
-  return spec;
+  return InputSpecOf({Required(Shared::PortgroupName, " "), Required(Shared::VswitchName, " ")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchPortGroupRemove::GetOutputSpecInternal() {

@@ -61,11 +61,9 @@ std::shared_ptr<MetaStruct> VirtualSwitchStandardList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Optional(Shared::VswitchName,
-               "Limit the output of this command to only virtual switches with the given name."));
-  return spec;
+  return InputSpecOf(
+      {Optional(Shared::VswitchName,
+                "Limit the output of this command to only virtual switches with the given name.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardList::GetOutputSpecInternal() {

@@ -30,11 +30,9 @@ std::shared_ptr<MetaStruct> VirtualSwitchStandardPolicyFailoverGet::GetOutputStr
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardPolicyFailoverGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(Shared::VswitchName,
-               "The name of the virtual switch to use when fetching the switch failover policy."));
-  return spec;
+  return InputSpecOf({Required(
+      Shared::VswitchName,
+      "The name of the virtual switch to use when fetching the switch failover policy.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardPolicyFailoverGet::GetOutputSpecInternal() {

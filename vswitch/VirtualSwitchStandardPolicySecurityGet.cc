@@ -29,11 +29,9 @@ std::shared_ptr<MetaStruct> VirtualSwitchStandardPolicySecurityGet::GetOutputStr
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardPolicySecurityGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(Shared::VswitchName,
-               "The name of the virtual switch to use when fetching the network security policy."));
-  return spec;
+  return InputSpecOf({Required(
+      Shared::VswitchName,
+      "The name of the virtual switch to use when fetching the network security policy.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardPolicySecurityGet::GetOutputSpecInternal() {

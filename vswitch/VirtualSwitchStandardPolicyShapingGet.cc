@@ -32,11 +32,9 @@ std::shared_ptr<MetaStruct> VirtualSwitchStandardPolicyShapingGet::GetOutputStru
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardPolicyShapingGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(Shared::VswitchName,
-               "The name of the virtual switch to use when fetching the switch shaping policy."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::VswitchName,
+                "The name of the virtual switch to use when fetching the switch shaping policy.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardPolicyShapingGet::GetOutputSpecInternal() {

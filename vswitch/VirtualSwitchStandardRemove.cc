@@ -18,9 +18,7 @@ VirtualSwitchStandardRemove::VirtualSwitchStandardRemove() {
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardRemove::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(Shared::VswitchName, "The name of the virtual switch to remove."));
-  return spec;
+  return InputSpecOf({Required(Shared::VswitchName, "The name of the virtual switch to remove.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardRemove::GetOutputSpecInternal() {

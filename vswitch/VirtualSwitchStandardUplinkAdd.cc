@@ -25,12 +25,10 @@ VirtualSwitchStandardUplinkAdd::VirtualSwitchStandardUplinkAdd() {
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardUplinkAdd::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(Shared::VswitchName, "The name of the virtual switch to add an uplink to."));
-  spec->AddParameter(Required(kUplinkName, Toolbase::CallSpec::String, "u",
-                              "The name of the uplink to add to the virtual switch."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::VswitchName, "The name of the virtual switch to add an uplink to."),
+       Required(kUplinkName, Toolbase::CallSpec::String, "u",
+                "The name of the uplink to add to the virtual switch.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardUplinkAdd::GetOutputSpecInternal() {

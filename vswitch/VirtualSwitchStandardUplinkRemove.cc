@@ -25,12 +25,10 @@ VirtualSwitchStandardUplinkRemove::VirtualSwitchStandardUplinkRemove() {
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardUplinkRemove::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(Shared::VswitchName, "The name of the virtual switch to remove an uplink from."));
-  spec->AddParameter(Required(kUplinkName, Toolbase::CallSpec::String, "u",
-                              "The name of the uplink to remove from the virtual switch."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::VswitchName, "The name of the virtual switch to remove an uplink from."),
+       Required(kUplinkName, Toolbase::CallSpec::String, "u",
+                "The name of the uplink to remove from the virtual switch.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardUplinkRemove::GetOutputSpecInternal() {
