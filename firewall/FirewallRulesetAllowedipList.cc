@@ -32,9 +32,7 @@ std::shared_ptr<MetaStruct> FirewallRulesetAllowedipList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> FirewallRulesetAllowedipList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewRulesetIdParameter(false, kRulesetLabelDescription));
-  return spec;
+  return InputSpecOf({NewRulesetIdParameter(false, kRulesetLabelDescription)});
 }
 
 std::shared_ptr<OutputSpec> FirewallRulesetAllowedipList::GetOutputSpecInternal() {

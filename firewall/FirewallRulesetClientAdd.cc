@@ -20,9 +20,7 @@ FirewallRulesetClientAdd::FirewallRulesetClientAdd() {
 }
 
 std::shared_ptr<InputSpec> FirewallRulesetClientAdd::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewRulesetIdParameter(true, kRulesetLabelDescription));
-  return spec;
+  return InputSpecOf({NewRulesetIdParameter(true, kRulesetLabelDescription)});
 }
 
 std::shared_ptr<OutputSpec> FirewallRulesetClientAdd::GetOutputSpecInternal() {

@@ -30,9 +30,7 @@ std::shared_ptr<MetaStruct> FirewallRulesetClientGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> FirewallRulesetClientGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewRulesetIdParameter(true, kRulesetLabelDescription));
-  return spec;
+  return InputSpecOf({NewRulesetIdParameter(true, kRulesetLabelDescription)});
 }
 
 std::shared_ptr<OutputSpec> FirewallRulesetClientGet::GetOutputSpecInternal() {

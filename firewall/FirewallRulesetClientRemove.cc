@@ -20,9 +20,7 @@ FirewallRulesetClientRemove::FirewallRulesetClientRemove() {
 }
 
 std::shared_ptr<InputSpec> FirewallRulesetClientRemove::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewRulesetIdParameter(true, kRulesetLabelDescription));
-  return spec;
+  return InputSpecOf({NewRulesetIdParameter(true, kRulesetLabelDescription)});
 }
 
 std::shared_ptr<OutputSpec> FirewallRulesetClientRemove::GetOutputSpecInternal() {

@@ -25,9 +25,7 @@ FirewallRulesetList::FirewallRulesetList() {
 }
 
 std::shared_ptr<InputSpec> FirewallRulesetList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewRulesetIdParameter(false, "List configuration for specfic ruleset"));
-  return spec;
+  return InputSpecOf({NewRulesetIdParameter(false, "List configuration for specfic ruleset")});
 }
 
 std::shared_ptr<OutputSpec> FirewallRulesetList::GetOutputSpecInternal() {

@@ -43,9 +43,7 @@ std::shared_ptr<MetaStruct> FirewallRulesetRuleList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> FirewallRulesetRuleList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewRulesetIdParameter(false, "List rules for specfic ruleset"));
-  return spec;
+  return InputSpecOf({NewRulesetIdParameter(false, "List rules for specfic ruleset")});
 }
 
 std::shared_ptr<OutputSpec> FirewallRulesetRuleList::GetOutputSpecInternal() {

@@ -23,14 +23,12 @@ FirewallRulesetSet::FirewallRulesetSet() {
 }
 
 std::shared_ptr<InputSpec> FirewallRulesetSet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewRulesetIdParameter(true, kRulesetLabelDescription));
-  spec->AddParameter(
-      Optional(kAllowedAll, ParameterType::Bool, "a",
-               "Set to true to allowed all ip, set to false to use allowed ip list."));
-  spec->AddParameter(Optional(kEnabled, ParameterType::Bool, "e",
-                              "Set to true to enable ruleset, set to false to disable it."));
-  return spec;
+  return InputSpecOf(
+      {NewRulesetIdParameter(true, kRulesetLabelDescription),
+       Optional(kAllowedAll, ParameterType::Bool, "a",
+                "Set to true to allowed all ip, set to false to use allowed ip list."),
+       Optional(kEnabled, ParameterType::Bool, "e",
+                "Set to true to enable ruleset, set to false to disable it.")});
 }
 
 std::shared_ptr<OutputSpec> FirewallRulesetSet::GetOutputSpecInternal() {

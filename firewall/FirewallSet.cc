@@ -21,13 +21,11 @@ NETWORK_COMMAND_NEW(FirewallSet)
 FirewallSet::FirewallSet() { SetDescription("Set firewall enabled status and default action."); }
 
 std::shared_ptr<InputSpec> FirewallSet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Optional(kEnabled, Bool, "e",
-               "Set to true to enable the firewall, set to false to disable the firewall."));
-  spec->AddParameter(Optional(kDefaultAction, Bool, "d",
-                              "Set to true to set defaultaction PASS, set to false to DROP."));
-  return spec;
+  return InputSpecOf(
+      {Optional(kEnabled, Bool, "e",
+                "Set to true to enable the firewall, set to false to disable the firewall."),
+       Optional(kDefaultAction, Bool, "d",
+                "Set to true to set defaultaction PASS, set to false to DROP.")});
 }
 
 std::shared_ptr<OutputSpec> FirewallSet::GetOutputSpecInternal() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <memory>
 #include <string>
 
@@ -46,10 +47,35 @@ std::shared_ptr<Toolbase::CallSpec::ParameterSpec> Optional(std::string const& n
                                                             char const* shortName,
                                                             std::string description);
 
+// The string parameters that many commands take, each with one long and one
+// short name; the help text is the command's own.
+enum class Shared {
+  NicName,        // "nic-name", -n
+  Ornic,          // "ornic", -n
+  VswitchName,    // "vswitch-name", -v
+  PortgroupName,  // "portgroup-name", -p
+  InterfaceName,  // "interface-name", -i
+  Netstack,       // "netstack", -N
+};
+extern const std::string kNicName;
+extern const std::string kOrnic;
+extern const std::string kVswitchName;
+extern const std::string kPortgroupName;
+extern const std::string kInterfaceName;
+extern const std::string kNetstack;
+
+// One of those parameters, required or optional, with its help text.
+std::shared_ptr<Toolbase::CallSpec::ParameterSpec> Required(Shared which, std::string description);
+std::shared_ptr<Toolbase::CallSpec::ParameterSpec> Optional(Shared which, std::string description);
+
 // When `name` was given, its value narrowed to the 32 bits of the host field
 // `field`, as the host record takes it: the range is the library's matter.
 // Returns whether it was given.
 bool TakeUint32(Toolbase::CallSpec::Input const& input, std::string const& name, uint32_t& field);
+
+// A new input specification with `parameters`, in their order.
+std::shared_ptr<Toolbase::CallSpec::InputSpec> InputSpecOf(
+    std::initializer_list<std::shared_ptr<Toolbase::CallSpec::ParameterSpec>> parameters);
 
 // A new output specification whose root is the prototype `root`.
 std::shared_ptr<Toolbase::CallSpec::OutputSpec> RootSpec(

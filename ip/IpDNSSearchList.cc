@@ -33,9 +33,7 @@ std::shared_ptr<MetaStruct> IpDNSSearchList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpDNSSearchList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
-  return spec;
+  return InputSpecOf({NewNetstackParameter(NetstackScope::UseDefault)});
 }
 
 std::shared_ptr<OutputSpec> IpDNSSearchList::GetOutputSpecInternal() {

@@ -21,12 +21,10 @@ IpDNSServerAdd::IpDNSServerAdd() {
 }
 
 std::shared_ptr<InputSpec> IpDNSServerAdd::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kDnsServerOption, ParameterType::String, "s",
-               "The IP address (v4 or v6) of the DNS server to add to the DNS server list."));
-  spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
-  return spec;
+  return InputSpecOf(
+      {Required(kDnsServerOption, ParameterType::String, "s",
+                "The IP address (v4 or v6) of the DNS server to add to the DNS server list."),
+       NewNetstackParameter(NetstackScope::UseDefault)});
 }
 
 std::shared_ptr<OutputSpec> IpDNSServerAdd::GetOutputSpecInternal() {

@@ -31,9 +31,7 @@ std::shared_ptr<MetaStruct> IpDNSServerList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpDNSServerList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
-  return spec;
+  return InputSpecOf({NewNetstackParameter(NetstackScope::UseDefault)});
 }
 
 std::shared_ptr<OutputSpec> IpDNSServerList::GetOutputSpecInternal() {

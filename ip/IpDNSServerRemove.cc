@@ -26,11 +26,9 @@ IpDNSServerRemove::IpDNSServerRemove() {
 }
 
 std::shared_ptr<InputSpec> IpDNSServerRemove::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Optional(kAll, ParameterType::Flag, "a", kUndocumented));
-  spec->AddParameter(Optional(kDnsServerOption, ParameterType::String, "s", kUndocumented));
-  spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
-  return spec;
+  return InputSpecOf({Optional(kAll, ParameterType::Flag, "a", kUndocumented),
+                      Optional(kDnsServerOption, ParameterType::String, "s", kUndocumented),
+                      NewNetstackParameter(NetstackScope::UseDefault)});
 }
 
 std::shared_ptr<OutputSpec> IpDNSServerRemove::GetOutputSpecInternal() {

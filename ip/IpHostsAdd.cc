@@ -23,14 +23,11 @@ NETWORK_COMMAND_NEW(IpHostsAdd)
 IpHostsAdd::IpHostsAdd() { SetDescription("Add association of IP addresses with host names."); }
 
 std::shared_ptr<InputSpec> IpHostsAdd::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kIp, ParameterType::String, "I", "The IP address (v4 or v6) of the host."));
-  spec->AddParameter(Required(kHostname, ParameterType::String, "H", "The name of the host."));
-  spec->AddParameter(
-      Optional(kAlias, ParameterType::StringList, "A", "The list of aliases of the host."));
-  spec->AddParameter(Optional(kComment, ParameterType::String, "C", "Comment line of this item"));
-  return spec;
+  return InputSpecOf(
+      {Required(kIp, ParameterType::String, "I", "The IP address (v4 or v6) of the host."),
+       Required(kHostname, ParameterType::String, "H", "The name of the host."),
+       Optional(kAlias, ParameterType::StringList, "A", "The list of aliases of the host."),
+       Optional(kComment, ParameterType::String, "C", "Comment line of this item")});
 }
 
 std::shared_ptr<OutputSpec> IpHostsAdd::GetOutputSpecInternal() {

@@ -22,11 +22,9 @@ IpHostsRemove::IpHostsRemove() {
 }
 
 std::shared_ptr<InputSpec> IpHostsRemove::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kIp, ParameterType::String, "I", "The IP address (v4 or v6) of the host."));
-  spec->AddParameter(Required(kHostname, ParameterType::String, "H", "The name of the host."));
-  return spec;
+  return InputSpecOf(
+      {Required(kIp, ParameterType::String, "I", "The IP address (v4 or v6) of the host."),
+       Required(kHostname, ParameterType::String, "H", "The name of the host.")});
 }
 
 std::shared_ptr<OutputSpec> IpHostsRemove::GetOutputSpecInternal() {

@@ -19,13 +19,11 @@ using namespace Toolbase::MetaObj;
 using HostCtl::Network::OrvkNicTagType;
 
 namespace {
-const std::string kPortgroupName = "portgroup-name";
 const std::string kDvsName = "dvs-name";
 const std::string kDvportId = "dvport-id";
 const std::string kMtu = "mtu";
 const std::string kNumRxqueue = "num-rxqueue";
 const std::string kMacAddress = "mac-address";
-const std::string kInterfaceName = "interface-name";
 const std::string kInterfaceNameRegex = "orvk([0-9]|[1-9][0-9]|1[0-9][0-9]|2[0-4][0-9]|25[0-5])";
 const std::string kProvisioningNetstack = "TamariskProvisioning";
 
@@ -49,7 +47,7 @@ std::shared_ptr<InputSpec> IpInterfaceAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
   spec->AddParameter(
-      Optional(kPortgroupName, ParameterType::String, "p",
+      Optional(Shared::PortgroupName,
                "The name of the vswitch port group to add this Orvik network interface to."));
   spec->AddParameter(Optional(
       kDvsName, ParameterType::String, "s",
@@ -76,7 +74,7 @@ std::shared_ptr<InputSpec> IpInterfaceAdd::GetInputSpecInternal() {
       Optional(kMacAddress, ParameterType::String, "M",
                "Set the MAC address for the newly created Orvik network interface."));
   auto name = Optional(
-      kInterfaceName, ParameterType::String, "i",
+      Shared::InterfaceName,
       "The name of the Orvik network interface to create. This name must be in the form orvkX, "
       "where X is a number 0-255");
   auto nameRegex = ParameterConstraint::New(ParameterConstraintType::StringRegex);
@@ -102,8 +100,8 @@ void IpInterfaceAdd::MoveTag(HostCtl::Network::OrvkNic& nic, int tag) {
 
 void IpInterfaceAdd::ExecuteInternal(std::shared_ptr<Input> const& input,
                                      std::shared_ptr<Output> const& output) {
-  if (input->HasParameter(kNetstackOption)) {
-    std::string const& key = input->GetParameter(kNetstackOption);
+  if (input->HasParameter(kNetstack)) {
+    std::string const& key = input->GetParameter(kNetstack);
     OrvkCtl::Network::NetworkInfoImpl networkInfo;
     bool found = false;
     for (auto const& instance : networkInfo.ListNetstackInstances()) {

@@ -4,6 +4,7 @@
 #include <ctime>
 #include <string>
 
+#include "frame/CommandKit.h"
 #include "hostctl/dvswitch.h"
 #include "hostctl/network_info.h"
 #include "hostctl/network_types.h"
@@ -15,7 +16,6 @@
 namespace CorvaneCli::NetworkNamespace {
 
 namespace {
-const std::string kPortgroupName = "portgroup-name";
 const std::string kDvsName = "dvs-name";
 const std::string kDvportId = "dvport-id";
 const std::string kErrorWas = ". Error was: ";

@@ -15,7 +15,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kInterfaceName = "interface-name";
 const std::string kName = "Name";
 const std::string kIpv4Address = "IPv4 Address";
 const std::string kIpv4Netmask = "IPv4 Netmask";
@@ -48,12 +47,11 @@ std::shared_ptr<MetaStruct> IpInterfaceIpv4Get::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpInterfaceIpv4Get::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewNetstackParameter(NetstackScope::ConsiderAll));
-  spec->AddParameter(
-      Optional(kInterfaceName, ParameterType::String, "i",
-               "The name of the Orvik network interface to limit the output of this command to."));
-  return spec;
+  return InputSpecOf(
+      {NewNetstackParameter(NetstackScope::ConsiderAll),
+       Optional(
+           Shared::InterfaceName,
+           "The name of the Orvik network interface to limit the output of this command to.")});
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceIpv4Get::GetOutputSpecInternal() {
@@ -69,7 +67,7 @@ void IpInterfaceIpv4Get::ExecuteInternal(std::shared_ptr<Input> const& input,
     HostCtl::Network::OrvkNicList nics;
     std::string const name = OptionalText(*input, kInterfaceName);
     if (name.empty()) {
-      std::string const netstack = OptionalText(*input, kNetstackOption);
+      std::string const netstack = OptionalText(*input, kNetstack);
       if (netstack.empty()) {
         nics = nicInfo.GetOrvikNics();
       } else {

@@ -12,7 +12,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kInterfaceName = "interface-name";
 const std::string kType = "type";
 const std::string kIpv4 = "ipv4";
 const std::string kNetmask = "netmask";
@@ -32,7 +31,7 @@ IpInterfaceIpv4Set::IpInterfaceIpv4Set() {
 std::shared_ptr<InputSpec> IpInterfaceIpv4Set::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(Required(
-      kInterfaceName, ParameterType::String, "i",
+      Shared::InterfaceName,
       "The name of the Orvik network interface to set IPv4 settings for. This name must be an "
       "interface listed in the interface list command."));
   auto type = Optional(kType, ParameterType::String, "t", "IPv4 Address type : %FULLENUM%");

@@ -12,7 +12,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kInterfaceName = "interface-name";
 const std::string kIpv6 = "ipv6";
 }  // namespace
 
@@ -23,16 +22,13 @@ IpInterfaceIpv6AddressAdd::IpInterfaceIpv6AddressAdd() {
 }
 
 std::shared_ptr<InputSpec> IpInterfaceIpv6AddressAdd::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(
-      kInterfaceName, ParameterType::String, "i",
-      "The name of the Orvik network interface to add a static IPv6 address to. This name must be "
-      "an interface listed in the interface list command."));
-  spec->AddParameter(Required(
-      kIpv6, ParameterType::String, "I",
-      "The IPv6 address to add to the given Orvik network interface. This must be in X:X:X::/X "
-      "format"));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::InterfaceName,
+                "The name of the Orvik network interface to add a static IPv6 address to. This "
+                "name must be an interface listed in the interface list command."),
+       Required(kIpv6, ParameterType::String, "I",
+                "The IPv6 address to add to the given Orvik network interface. This must be in "
+                "X:X:X::/X format")});
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceIpv6AddressAdd::GetOutputSpecInternal() {

@@ -14,7 +14,6 @@ using namespace Toolbase::MetaObj;
 using HostCtl::Network::Ipv6Network;
 
 namespace {
-const std::string kInterfaceName = "interface-name";
 const std::string kInterface = "Interface";
 const std::string kAddress = "Address";
 const std::string kNetmask = "Netmask";
@@ -68,11 +67,9 @@ std::shared_ptr<MetaStruct> IpInterfaceIpv6AddressList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpInterfaceIpv6AddressList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Optional(kInterfaceName, ParameterType::String, "i",
-               "The name of the Orvik network interface to limit the output of this command to."));
-  return spec;
+  return InputSpecOf({Optional(
+      Shared::InterfaceName,
+      "The name of the Orvik network interface to limit the output of this command to.")});
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceIpv6AddressList::GetOutputSpecInternal() {

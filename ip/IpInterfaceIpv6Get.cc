@@ -14,7 +14,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kInterfaceName = "interface-name";
 const std::string kName = "Name";
 const std::string kIpv6Enabled = "IPv6 Enabled";
 const std::string kDhcpv6Enabled = "DHCPv6 Enabled";
@@ -46,12 +45,10 @@ std::shared_ptr<MetaStruct> IpInterfaceIpv6Get::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpInterfaceIpv6Get::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Optional(kInterfaceName, ParameterType::String, "n",
-               "The name of the Orvik network interface to limit the output of this command to."));
-  spec->AddParameter(NewNetstackParameter(NetstackScope::ConsiderAll));
-  return spec;
+  return InputSpecOf(
+      {Optional(kInterfaceName, ParameterType::String, "n",
+                "The name of the Orvik network interface to limit the output of this command to."),
+       NewNetstackParameter(NetstackScope::ConsiderAll)});
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceIpv6Get::GetOutputSpecInternal() {
@@ -65,7 +62,7 @@ void IpInterfaceIpv6Get::ExecuteInternal(std::shared_ptr<Input> const& input,
     HostCtl::Network::OrvkNicList nics;
     std::string const name = OptionalText(*input, kInterfaceName);
     if (name.empty()) {
-      std::string const netstack = OptionalText(*input, kNetstackOption);
+      std::string const netstack = OptionalText(*input, kNetstack);
       nics =
           netstack.empty() ? nicInfo.GetOrvikNics() : nicInfo.GetOrvikNicsByInstanceKey(netstack);
     } else {

@@ -12,7 +12,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kInterfaceName = "interface-name";
 const std::string kEnableIpv6 = "enable-ipv6";
 const std::string kEnableDhcpv6 = "enable-dhcpv6";
 const std::string kEnableRouterAdv = "enable-router-adv";
@@ -27,31 +26,24 @@ IpInterfaceIpv6Set::IpInterfaceIpv6Set() {
 }
 
 std::shared_ptr<InputSpec> IpInterfaceIpv6Set::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(
-      kInterfaceName, ParameterType::String, "i",
-      "The name of the Orvik network interface to set IPv6 settings for. This name must be an "
-      "interface listed in the interface list command."));
-  spec->AddParameter(
-      Optional(kEnableIpv6, ParameterType::Bool, "e",
-               "Setting this value to true enables IPv6 on thisinterface while setting it to false "
-               "disables IPv6 on this interface."));
-  spec->AddParameter(Optional(
-      kEnableDhcpv6, ParameterType::Bool, "d",
-      "Setting this value to true will enable DHCPv6 on this interface and attempt to aquire an "
-      "IPv6 address from the network "));
-  spec->AddParameter(Optional(
-      kEnableRouterAdv, ParameterType::Bool, "r",
-      "Setting this value to true will enable IPv6 Router Advertised IPv6 addresses to be added "
-      "to this interface from any routers broadcasting on the local network."));
-  spec->AddParameter(Optional(
-      kPeerDns, ParameterType::Bool, "P",
-      "A boolean value to indicate if the system should use the DNS settings published via "
-      "DHCPv6 for this interface."));
-  spec->AddParameter(
-      Optional(kGateway, ParameterType::String, "g",
-               "A default gateway for this interface. The value must be a valid IPv6 address."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::InterfaceName,
+                "The name of the Orvik network interface to set IPv6 settings for. This name must "
+                "be an interface listed in the interface list command."),
+       Optional(kEnableIpv6, ParameterType::Bool, "e",
+                "Setting this value to true enables IPv6 on thisinterface while setting it to "
+                "false disables IPv6 on this interface."),
+       Optional(kEnableDhcpv6, ParameterType::Bool, "d",
+                "Setting this value to true will enable DHCPv6 on this interface and attempt to "
+                "aquire an IPv6 address from the network "),
+       Optional(kEnableRouterAdv, ParameterType::Bool, "r",
+                "Setting this value to true will enable IPv6 Router Advertised IPv6 addresses to "
+                "be added to this interface from any routers broadcasting on the local network."),
+       Optional(kPeerDns, ParameterType::Bool, "P",
+                "A boolean value to indicate if the system should use the DNS settings published "
+                "via DHCPv6 for this interface."),
+       Optional(kGateway, ParameterType::String, "g",
+                "A default gateway for this interface. The value must be a valid IPv6 address.")});
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceIpv6Set::GetOutputSpecInternal() {

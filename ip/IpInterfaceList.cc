@@ -74,9 +74,7 @@ std::shared_ptr<MetaStruct> IpInterfaceList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpInterfaceList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewNetstackParameter(NetstackScope::ConsiderAll));
-  return spec;
+  return InputSpecOf({NewNetstackParameter(NetstackScope::ConsiderAll)});
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceList::GetOutputSpecInternal() {
@@ -88,7 +86,7 @@ void IpInterfaceList::ExecuteInternal(std::shared_ptr<Input> const& input,
   try {
     OrvkCtl::Network::OrvikNicInfoImpl nicInfo;
     auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
-    std::string const netstack = OptionalText(*input, kNetstackOption);
+    std::string const netstack = OptionalText(*input, kNetstack);
     auto nics =
         netstack.empty() ? nicInfo.GetOrvikNics() : nicInfo.GetOrvikNicsByInstanceKey(netstack);
     for (auto const& nic : nics) {

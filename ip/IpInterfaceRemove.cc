@@ -14,10 +14,8 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kPortgroupName = "portgroup-name";
 const std::string kDvsName = "dvs-name";
 const std::string kDvportId = "dvport-id";
-const std::string kInterfaceName = "interface-name";
 const std::string kNotUnique =
     "Please correctly and uniquely specify a way to remove it. A Orvik network interface can be "
     "uniquely specified by --interface-name or --portgroup-name or --dvs-name/--dvport-id. i.e. "
@@ -40,7 +38,7 @@ std::shared_ptr<InputSpec> IpInterfaceRemove::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
   spec->AddParameter(
-      Optional(kPortgroupName, ParameterType::String, "p",
+      Optional(Shared::PortgroupName,
                "The name of the vswitch port group to delete this Orvik network interface from."));
   spec->AddParameter(Optional(
       kDvsName, ParameterType::String, "s",
@@ -51,7 +49,7 @@ std::shared_ptr<InputSpec> IpInterfaceRemove::GetInputSpecInternal() {
       "DVPort ID of the connection point. This requires --dvs-name to be given in the same "
       "command"));
   auto name = Optional(
-      kInterfaceName, ParameterType::String, "i",
+      Shared::InterfaceName,
       "The name of the Orvik network interface to remove. This name must be in the form orvkX, "
       "where X is a number 0-255");
   auto nameRegex = ParameterConstraint::New(ParameterConstraintType::StringRegex);

@@ -11,7 +11,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kInterfaceName = "interface-name";
 const std::string kEnabled = "enabled";
 const std::string kMtu = "mtu";
 }  // namespace
@@ -23,13 +22,11 @@ IpInterfaceSet::IpInterfaceSet() {
 }
 
 std::shared_ptr<InputSpec> IpInterfaceSet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(kInterfaceName, ParameterType::String, "i",
-                              "The name of the interface to apply the configurations."));
-  spec->AddParameter(Optional(kEnabled, ParameterType::Bool, "e",
-                              "Set to true to enable the interface, set to false to disable it."));
-  spec->AddParameter(Optional(kMtu, ParameterType::Int, "m", "The MTU size of the IP interface. "));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::InterfaceName, "The name of the interface to apply the configurations."),
+       Optional(kEnabled, ParameterType::Bool, "e",
+                "Set to true to enable the interface, set to false to disable it."),
+       Optional(kMtu, ParameterType::Int, "m", "The MTU size of the IP interface. ")});
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceSet::GetOutputSpecInternal() {

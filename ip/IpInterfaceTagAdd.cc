@@ -38,12 +38,10 @@ IpInterfaceTagAdd::IpInterfaceTagAdd() {
 }
 
 std::shared_ptr<InputSpec> IpInterfaceTagAdd::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewTagInterfaceParameter(
-      "The name of the Orvik network interface on which tags should be set. This name must be an "
-      "interface listed in the interface list command."));
-  spec->AddParameter(NewTagNameParameter());
-  return spec;
+  return InputSpecOf({NewTagInterfaceParameter(
+                          "The name of the Orvik network interface on which tags should be set. "
+                          "This name must be an interface listed in the interface list command."),
+                      NewTagNameParameter()});
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceTagAdd::GetOutputSpecInternal() {

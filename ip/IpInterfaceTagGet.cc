@@ -12,7 +12,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kInterfaceName = "interface-name";
 const std::string kTags = "Tags";
 }  // namespace
 
@@ -34,10 +33,8 @@ std::shared_ptr<MetaStruct> IpInterfaceTagGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpInterfaceTagGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(kInterfaceName, ParameterType::String, "i",
-                              "Name of orvknic whose tags are to be read"));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::InterfaceName, "Name of orvknic whose tags are to be read")});
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceTagGet::GetOutputSpecInternal() {

@@ -18,12 +18,11 @@ IpInterfaceTagRemove::IpInterfaceTagRemove() {
 }
 
 std::shared_ptr<InputSpec> IpInterfaceTagRemove::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewTagInterfaceParameter(
-      "The name of the Orvik network interface from which tags should be removed. This name must "
-      "be an interface listed  in the interface list command."));
-  spec->AddParameter(NewTagNameParameter());
-  return spec;
+  return InputSpecOf(
+      {NewTagInterfaceParameter(
+           "The name of the Orvik network interface from which tags should be removed. This name "
+           "must be an interface listed  in the interface list command."),
+       NewTagNameParameter()});
 }
 
 std::shared_ptr<OutputSpec> IpInterfaceTagRemove::GetOutputSpecInternal() {

@@ -28,25 +28,21 @@ IpIpsecSARemove::IpIpsecSARemove() {
 }
 
 std::shared_ptr<InputSpec> IpIpsecSARemove::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewIpsecParameter(
-      kSaName, "n", ParameterType::String, false,
-      "Name for the Security Association to be removed. Specify 'auto' to remove an auto SA."));
-  spec->AddParameter(NewIpsecParameter(kRemoveAll, "a", ParameterType::Flag, false,
-                                       "Set to remove all Security Associations."));
-  spec->AddParameter(NewIpsecParameter(
-      kSaSource, "s", ParameterType::String, false,
-      "Ipv6 address of Security Association source. This option needs to be specified when "
-      "removing an auto SA."));
-  spec->AddParameter(NewIpsecParameter(
-      kSaDestination, "d", ParameterType::String, false,
-      "Ipv6 address of Security Association destination. This option needs to be specified when "
-      "removing an auto SA."));
-  spec->AddParameter(NewIpsecParameter(
-      kSaSpi, "p", ParameterType::String, false,
-      "SPI value for the Security Association (hex). This option needs to be specified when "
-      "removing an auto SA"));
-  return spec;
+  return InputSpecOf(
+      {NewIpsecParameter(
+           kSaName, "n", ParameterType::String, false,
+           "Name for the Security Association to be removed. Specify 'auto' to remove an auto SA."),
+       NewIpsecParameter(kRemoveAll, "a", ParameterType::Flag, false,
+                         "Set to remove all Security Associations."),
+       NewIpsecParameter(kSaSource, "s", ParameterType::String, false,
+                         "Ipv6 address of Security Association source. This option needs to be "
+                         "specified when removing an auto SA."),
+       NewIpsecParameter(kSaDestination, "d", ParameterType::String, false,
+                         "Ipv6 address of Security Association destination. This option needs to "
+                         "be specified when removing an auto SA."),
+       NewIpsecParameter(kSaSpi, "p", ParameterType::String, false,
+                         "SPI value for the Security Association (hex). This option needs to be "
+                         "specified when removing an auto SA")});
 }
 
 std::shared_ptr<OutputSpec> IpIpsecSARemove::GetOutputSpecInternal() {

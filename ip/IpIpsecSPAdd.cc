@@ -41,41 +41,35 @@ NETWORK_COMMAND_NEW(IpIpsecSPAdd)
 IpIpsecSPAdd::IpIpsecSPAdd() { SetDescription("Add a Security Policy."); }
 
 std::shared_ptr<InputSpec> IpIpsecSPAdd::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewIpsecParameter(kSpName, "n", ParameterType::String, true,
-                                       "Name for the Security Policy to be added."));
-  spec->AddParameter(NewIpsecParameter(
-      kSaName, "a", ParameterType::String, false,
-      "Name for the Security Association. Not being Specified lets orvik automatically choose an "
-      "Security Association. If no applicable Security Association exists, then orvik may request "
-      "one using IKE."));
-  spec->AddParameter(NewIpsecParameter(
-      kSpSource, "s", ParameterType::String, true,
-      "Ipv6 address and prefix length of Security Policy source. Can be specified as 'any' or a "
-      "correct IPv6 network address."));
-  spec->AddParameter(NewIpsecParameter(
-      kSpDestination, "d", ParameterType::String, true,
-      "Ipv6 address and prefix length of Security Policy destination. Can be specified as 'any' or "
-      "a correct Ipv6 network address."));
-  spec->AddParameter(NewIpsecParameter(kSpMode, "m", ParameterType::String, false,
-                                       "Security Policy mode. Should be one in set %ENUM%.",
-                                       {"transport", "tunnel"}));
-  spec->AddParameter(NewIpsecParameter(kSourcePort, "p", ParameterType::Int, true,
-                                       "Source Port for Security Policy. '0' stands for 'any'"));
-  spec->AddParameter(
-      NewIpsecParameter(kDestinationPort, "P", ParameterType::Int, true,
-                        "Destination Port for Security Policy. '0' stands for 'any'"));
-  spec->AddParameter(NewIpsecParameter(kAction, "A", ParameterType::String, false,
-                                       "Action for Security Policy. Should be one in set %ENUM%.",
-                                       {"none", "discard", "ipsec"}));
-  spec->AddParameter(
-      NewIpsecParameter(kUpperLayerProtocol, "u", ParameterType::String, false,
-                        "Upper layer protocol for Security Policy, Should be one in set %ENUM%.",
-                        {"any", "tcp", "udp", "icmp6"}));
-  spec->AddParameter(NewIpsecParameter(
-      kFlowDirection, "w", ParameterType::String, false,
-      "Flow direction for Security Policy. Should be one in set %ENUM%.", {"in", "out"}));
-  return spec;
+  return InputSpecOf(
+      {NewIpsecParameter(kSpName, "n", ParameterType::String, true,
+                         "Name for the Security Policy to be added."),
+       NewIpsecParameter(kSaName, "a", ParameterType::String, false,
+                         "Name for the Security Association. Not being Specified lets orvik "
+                         "automatically choose an Security Association. If no applicable Security "
+                         "Association exists, then orvik may request one using IKE."),
+       NewIpsecParameter(kSpSource, "s", ParameterType::String, true,
+                         "Ipv6 address and prefix length of Security Policy source. Can be "
+                         "specified as 'any' or a correct IPv6 network address."),
+       NewIpsecParameter(kSpDestination, "d", ParameterType::String, true,
+                         "Ipv6 address and prefix length of Security Policy destination. Can be "
+                         "specified as 'any' or a correct Ipv6 network address."),
+       NewIpsecParameter(kSpMode, "m", ParameterType::String, false,
+                         "Security Policy mode. Should be one in set %ENUM%.",
+                         {"transport", "tunnel"}),
+       NewIpsecParameter(kSourcePort, "p", ParameterType::Int, true,
+                         "Source Port for Security Policy. '0' stands for 'any'"),
+       NewIpsecParameter(kDestinationPort, "P", ParameterType::Int, true,
+                         "Destination Port for Security Policy. '0' stands for 'any'"),
+       NewIpsecParameter(kAction, "A", ParameterType::String, false,
+                         "Action for Security Policy. Should be one in set %ENUM%.",
+                         {"none", "discard", "ipsec"}),
+       NewIpsecParameter(kUpperLayerProtocol, "u", ParameterType::String, false,
+                         "Upper layer protocol for Security Policy, Should be one in set %ENUM%.",
+                         {"any", "tcp", "udp", "icmp6"}),
+       NewIpsecParameter(kFlowDirection, "w", ParameterType::String, false,
+                         "Flow direction for Security Policy. Should be one in set %ENUM%.",
+                         {"in", "out"})});
 }
 
 std::shared_ptr<OutputSpec> IpIpsecSPAdd::GetOutputSpecInternal() {

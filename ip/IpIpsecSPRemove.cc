@@ -21,12 +21,10 @@ NETWORK_COMMAND_NEW(IpIpsecSPRemove)
 IpIpsecSPRemove::IpIpsecSPRemove() { SetDescription("Operation to remove Security Policy"); }
 
 std::shared_ptr<InputSpec> IpIpsecSPRemove::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewIpsecParameter(kSpName, "n", ParameterType::String, false,
-                                       "Name for the Security Policy to be removed."));
-  spec->AddParameter(NewIpsecParameter(kRemoveAll, "a", ParameterType::Flag, false,
-                                       "Set to remove all Security Policys"));
-  return spec;
+  return InputSpecOf({NewIpsecParameter(kSpName, "n", ParameterType::String, false,
+                                        "Name for the Security Policy to be removed."),
+                      NewIpsecParameter(kRemoveAll, "a", ParameterType::Flag, false,
+                                        "Set to remove all Security Policys")});
 }
 
 std::shared_ptr<OutputSpec> IpIpsecSPRemove::GetOutputSpecInternal() {

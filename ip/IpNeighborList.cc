@@ -16,7 +16,6 @@ using namespace Toolbase::MetaObj;
 
 namespace {
 const std::string kVersion = "version";
-const std::string kInterfaceName = "interface-name";
 const std::string kAll = "all";
 const std::string kNeighbor = "Neighbor";
 const std::string kMacAddress = "Mac Address";
@@ -58,7 +57,7 @@ std::shared_ptr<InputSpec> IpNeighborList::GetInputSpecInternal() {
   spec->AddParameter(version);
   spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
   spec->AddParameter(
-      Optional(kInterfaceName, ParameterType::String, "i",
+      Optional(Shared::InterfaceName,
                "The name of the Orvik network interface to limit the output of this command to; if "
                "unspecified, list neighbors on all interfaces."));
   return spec;

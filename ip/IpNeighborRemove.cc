@@ -15,7 +15,6 @@ using namespace Toolbase::MetaObj;
 
 namespace {
 const std::string kVersion = "version";
-const std::string kInterfaceName = "interface-name";
 const std::string kNeighborAddr = "neighbor-addr";
 }  // namespace
 
@@ -33,7 +32,7 @@ std::shared_ptr<InputSpec> IpNeighborRemove::GetInputSpecInternal() {
   spec->AddParameter(version);
   spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
   spec->AddParameter(
-      Optional(kInterfaceName, ParameterType::String, "i",
+      Optional(Shared::InterfaceName,
                "The name of the Orvik network interface to remove the neighbor entry from. If not "
                "specified, neighbor will be removed from all interfaces"));
   spec->AddParameter(Required(kNeighborAddr, ParameterType::String, "a",

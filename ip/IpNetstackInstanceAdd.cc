@@ -12,7 +12,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kNetstack = "netstack";
 const std::string kDisabled = "disabled";
 // The settings of a new instance.
 constexpr uint32_t kNewMaxConnections = 11000;
@@ -27,13 +26,10 @@ NETWORK_COMMAND_NEW(IpNetstackInstanceAdd)
 IpNetstackInstanceAdd::IpNetstackInstanceAdd() { SetDescription("Add a new Netstack Instance."); }
 
 std::shared_ptr<InputSpec> IpNetstackInstanceAdd::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(kNetstack, ParameterType::String, "N", "The network stack instance"));
-  spec->AddParameter(Optional(
-      kDisabled, ParameterType::Flag, "d",
-      "Create the netstack instance only in config i.e. in disabled state. Does not create in "
-      "kernel."));
-  return spec;
+  return InputSpecOf({Required(Shared::Netstack, "The network stack instance"),
+                      Optional(kDisabled, ParameterType::Flag, "d",
+                               "Create the netstack instance only in config i.e. in disabled "
+                               "state. Does not create in kernel.")});
 }
 
 std::shared_ptr<OutputSpec> IpNetstackInstanceAdd::GetOutputSpecInternal() {

@@ -12,7 +12,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kNetstack = "netstack";
 const std::string kKey = "Key";
 const std::string kName = "Name";
 const std::string kEnabled = "Enabled";
@@ -54,9 +53,7 @@ std::shared_ptr<MetaStruct> IpNetstackInstanceGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpNetstackInstanceGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(kNetstack, ParameterType::String, "N", "The network stack instance"));
-  return spec;
+  return InputSpecOf({Required(Shared::Netstack, "The network stack instance")});
 }
 
 std::shared_ptr<OutputSpec> IpNetstackInstanceGet::GetOutputSpecInternal() {

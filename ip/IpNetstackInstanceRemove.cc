@@ -10,10 +10,6 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kNetstack = "netstack";
-}  // namespace
-
 NETWORK_COMMAND_NEW(IpNetstackInstanceRemove)
 
 IpNetstackInstanceRemove::IpNetstackInstanceRemove() {
@@ -21,9 +17,7 @@ IpNetstackInstanceRemove::IpNetstackInstanceRemove() {
 }
 
 std::shared_ptr<InputSpec> IpNetstackInstanceRemove::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(kNetstack, ParameterType::String, "N", "The network stack instance"));
-  return spec;
+  return InputSpecOf({Required(Shared::Netstack, "The network stack instance")});
 }
 
 std::shared_ptr<OutputSpec> IpNetstackInstanceRemove::GetOutputSpecInternal() {

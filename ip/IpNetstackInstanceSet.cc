@@ -12,7 +12,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kNetstack = "netstack";
 const std::string kEnable = "enable";
 const std::string kName = "name";
 const std::string kMaxconn = "maxconn";
@@ -30,7 +29,7 @@ IpNetstackInstanceSet::IpNetstackInstanceSet() {
 std::shared_ptr<InputSpec> IpNetstackInstanceSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(Required(
-      kNetstack, ParameterType::String, "N",
+      Shared::Netstack,
       "The network stack instance. This name must be an interface listed in the netstack list "
       "command."));
 

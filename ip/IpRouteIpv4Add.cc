@@ -17,16 +17,13 @@ NETWORK_COMMAND_NEW(IpRouteIpv4Add)
 IpRouteIpv4Add::IpRouteIpv4Add() { SetDescription("Add IPv4 route to the Orvik."); }
 
 std::shared_ptr<InputSpec> IpRouteIpv4Add::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(
-      kRouteNetwork, ParameterType::String, "n",
-      "The Ipv4 address and prefix length of the network to add the route to. Specify 'default' "
-      "to indicate the default network."));
-  spec->AddParameter(
-      Required(kRouteGateway, ParameterType::String, "g",
-               "The Ipv4 address of the gateway through which a route to be added."));
-  spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
-  return spec;
+  return InputSpecOf(
+      {Required(kRouteNetwork, ParameterType::String, "n",
+                "The Ipv4 address and prefix length of the network to add the route to. Specify "
+                "'default' to indicate the default network."),
+       Required(kRouteGateway, ParameterType::String, "g",
+                "The Ipv4 address of the gateway through which a route to be added."),
+       NewNetstackParameter(NetstackScope::UseDefault)});
 }
 
 std::shared_ptr<OutputSpec> IpRouteIpv4Add::GetOutputSpecInternal() {

@@ -17,16 +17,13 @@ NETWORK_COMMAND_NEW(IpRouteIpv4Remove)
 IpRouteIpv4Remove::IpRouteIpv4Remove() { SetDescription("Remove IPv4 route"); }
 
 std::shared_ptr<InputSpec> IpRouteIpv4Remove::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(
-      kRouteNetwork, ParameterType::String, "n",
-      "The Ipv4 address and prefix length of the network to remove the route from. Specify "
-      "'default' to indicate the default network."));
-  spec->AddParameter(
-      Required(kRouteGateway, ParameterType::String, "g",
-               "The Ipv4 address of the gateway through which a route to be removed"));
-  spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
-  return spec;
+  return InputSpecOf(
+      {Required(kRouteNetwork, ParameterType::String, "n",
+                "The Ipv4 address and prefix length of the network to remove the route from. "
+                "Specify 'default' to indicate the default network."),
+       Required(kRouteGateway, ParameterType::String, "g",
+                "The Ipv4 address of the gateway through which a route to be removed"),
+       NewNetstackParameter(NetstackScope::UseDefault)});
 }
 
 std::shared_ptr<OutputSpec> IpRouteIpv4Remove::GetOutputSpecInternal() {

@@ -17,16 +17,13 @@ NETWORK_COMMAND_NEW(IpRouteIpv6Remove)
 IpRouteIpv6Remove::IpRouteIpv6Remove() { SetDescription("Remove IPv6 route from the Orvik"); }
 
 std::shared_ptr<InputSpec> IpRouteIpv6Remove::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(
-      kRouteNetwork, ParameterType::String, "n",
-      "The Ipv6 address and prefix length of the network to remove the route from. Specify "
-      "'default' to indicate the default network."));
-  spec->AddParameter(
-      Required(kRouteGateway, ParameterType::String, "g",
-               "The Ipv6 address of the gateway through which a route to be removed"));
-  spec->AddParameter(NewNetstackParameter(NetstackScope::UseDefault));
-  return spec;
+  return InputSpecOf(
+      {Required(kRouteNetwork, ParameterType::String, "n",
+                "The Ipv6 address and prefix length of the network to remove the route from. "
+                "Specify 'default' to indicate the default network."),
+       Required(kRouteGateway, ParameterType::String, "g",
+                "The Ipv6 address of the gateway through which a route to be removed"),
+       NewNetstackParameter(NetstackScope::UseDefault)});
 }
 
 std::shared_ptr<OutputSpec> IpRouteIpv6Remove::GetOutputSpecInternal() {

@@ -19,10 +19,8 @@ NETWORK_COMMAND_NEW(IpSet)
 IpSet::IpSet() { SetDescription("Update global IP settings"); }
 
 std::shared_ptr<InputSpec> IpSet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Optional(kIpv6Enabled, ParameterType::Bool, "e", "Enable or disable IPv6 (Reboot Required)"));
-  return spec;
+  return InputSpecOf({Optional(kIpv6Enabled, ParameterType::Bool, "e",
+                               "Enable or disable IPv6 (Reboot Required)")});
 }
 
 std::shared_ptr<OutputSpec> IpSet::GetOutputSpecInternal() { return RootSpec(MetaBool::New()); }

@@ -8,7 +8,6 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 
 const std::string kDefaultNetstackKey = "defaultTcpipStack";
-const std::string kNetstackOption = "netstack";
 
 namespace {
 const std::string kUseDefaultDescription =
@@ -18,22 +17,22 @@ const std::string kConsiderAllDescription =
 }  // namespace
 
 std::shared_ptr<ParameterSpec> NewNetstackParameter(NetstackScope scope) {
-  auto netstack = Optional(
-      kNetstackOption, ParameterType::String, "N",
-      scope == NetstackScope::UseDefault ? kUseDefaultDescription : kConsiderAllDescription);
+  auto netstack =
+      Optional(Shared::Netstack, scope == NetstackScope::UseDefault ? kUseDefaultDescription
+                                                                    : kConsiderAllDescription);
   return netstack;
 }
 
 bool IsNetstackGiven(Input const& input) {
-  return input.HasParameter(kNetstackOption) && !input.GetParameter(kNetstackOption).empty();
+  return input.HasParameter(kNetstack) && !input.GetParameter(kNetstack).empty();
 }
 
 std::string NetstackOrDefault(Input const& input) {
-  return IsNetstackGiven(input) ? input.GetParameter(kNetstackOption) : kDefaultNetstackKey;
+  return IsNetstackGiven(input) ? input.GetParameter(kNetstack) : kDefaultNetstackKey;
 }
 
 std::string NetstackOrAll(Input const& input) {
-  return IsNetstackGiven(input) ? input.GetParameter(kNetstackOption) : std::string();
+  return IsNetstackGiven(input) ? input.GetParameter(kNetstack) : std::string();
 }
 
 }  // namespace CorvaneCli::NetworkNamespace

@@ -19,8 +19,6 @@ namespace CorvaneCli::NetworkNamespace {
 
 // The key of the default netstack instance.
 extern const std::string kDefaultNetstackKey;
-// The option's long name.
-extern const std::string kNetstackOption;
 
 enum class NetstackScope {
   // Absent or empty: the default instance.

@@ -13,7 +13,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kOrnic = "ornic";
 const std::string kPktRate = "pkt-rate";
 const std::string kRxUsecs = "rx-usecs";
 const std::string kRxMaxFrames = "rx-max-frames";
@@ -85,8 +84,8 @@ std::shared_ptr<MetaStruct> ReadBand(Input const& input, CoalesceBand const& ban
 
 void AddBandParameters(InputSpec& spec, CoalesceBand const& band) {
   std::string const conditions = " packet rate conditions.";
-  spec.AddParameter(Required(kOrnic, ParameterType::String, "n",
-                             "Name of the ornic for which parameters should be set."));
+  spec.AddParameter(
+      Required(Shared::Ornic, "Name of the ornic for which parameters should be set."));
   spec.AddParameter(Optional(kPktRate, ParameterType::Int, "p",
                              std::string("The ") + band.word +
                                  " packet rate measured in number of packets per second. When "

@@ -1,12 +1,11 @@
 #include "nic/NetqueueKit.h"
 
+#include "frame/CommandKit.h"
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "toolbase/call_spec.h"
 
 namespace CorvaneCli::NetworkNamespace {
-
-const std::string kOrnicParameter = "ornic";
 
 const LbSetting kLbSettings[11] = {
     {"RxQPair", "rxqpair", "Configure Rx queue pair at netqueue load balancer.", true},
@@ -29,10 +28,10 @@ const LbSetting kLbSettings[11] = {
 bool WalkNetqueue(HostCtl::Network::NetworkInfo& networkInfo,
                   Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output,
                   bool byName, MissingPnicWords words, NetqueueRows const& rows) {
-  bool const named = byName && input.HasParameter(kOrnicParameter);
+  bool const named = byName && input.HasParameter(kOrnic);
   HostCtl::Network::PnicList pnics;
-  if (!SelectPnics(networkInfo, named ? &input.GetParameter(kOrnicParameter) : nullptr, output,
-                   words, pnics)) {
+  if (!SelectPnics(networkInfo, named ? &input.GetParameter(kOrnic) : nullptr, output, words,
+                   pnics)) {
     return false;
   }
   for (auto const& pnic : pnics) {

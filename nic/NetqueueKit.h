@@ -48,7 +48,4 @@ bool WalkNetqueue(HostCtl::Network::NetworkInfo& networkInfo,
                   Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output,
                   bool byName, MissingPnicWords words, NetqueueRows const& rows);
 
-// The optional `ornic` parameter of the read commands (short `n`).
-extern const std::string kOrnicParameter;
-
 }  // namespace CorvaneCli::NetworkNamespace

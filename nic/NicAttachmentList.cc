@@ -38,10 +38,8 @@ std::shared_ptr<MetaStruct> NicAttachmentList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicAttachmentList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Optional(kTrunk, ParameterType::String, "t", "Show information only for the specified NIC."));
-  return spec;
+  return InputSpecOf({Optional(kTrunk, ParameterType::String, "t",
+                               "Show information only for the specified NIC.")});
 }
 
 std::shared_ptr<OutputSpec> NicAttachmentList::GetOutputSpecInternal() {

@@ -23,11 +23,9 @@ NicAttachmentRemove::NicAttachmentRemove() {
 }
 
 std::shared_ptr<InputSpec> NicAttachmentRemove::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(kTrunk, ParameterType::String, "t", "The name of the trunk uplink."));
-  spec->AddParameter(
-      Required(kBranch, ParameterType::String, "b", "The name of the branch uplink."));
-  return spec;
+  return InputSpecOf(
+      {Required(kTrunk, ParameterType::String, "t", "The name of the trunk uplink."),
+       Required(kBranch, ParameterType::String, "b", "The name of the branch uplink.")});
 }
 
 std::shared_ptr<OutputSpec> NicAttachmentRemove::GetOutputSpecInternal() {

@@ -14,7 +14,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kOrnic = "ornic";
 const std::string kStructure = "CoalesceParams";
 const std::string kNic = "NIC";
 const std::string kRxMicroseconds = "RX microseconds";
@@ -53,10 +52,7 @@ std::shared_ptr<MetaStruct> NicCoalesceGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicCoalesceGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Optional(kOrnic, ParameterType::String, "n", "The name of pnic to get coalesce parameters"));
-  return spec;
+  return InputSpecOf({Optional(Shared::Ornic, "The name of pnic to get coalesce parameters")});
 }
 
 std::shared_ptr<OutputSpec> NicCoalesceGet::GetOutputSpecInternal() {

@@ -26,10 +26,8 @@ std::shared_ptr<MetaStruct> NicCoalesceHighGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicCoalesceHighGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required("ornic", ParameterType::String, "n",
-                              "The name of the pnic for which information should be retrieved."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::Ornic, "The name of the pnic for which information should be retrieved.")});
 }
 
 std::shared_ptr<OutputSpec> NicCoalesceHighGet::GetOutputSpecInternal() {

@@ -15,7 +15,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kOrnic = "ornic";
 const std::string kRxUsecs = "rx-usecs";
 const std::string kRxMaxFrames = "rx-max-frames";
 const std::string kTxUsecs = "tx-usecs";
@@ -31,8 +30,7 @@ NicCoalesceSet::NicCoalesceSet() { SetDescription("Set coalesce parameters on a 
 
 std::shared_ptr<InputSpec> NicCoalesceSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kOrnic, ParameterType::String, "n", "Name of ornic to set coalesce parameters."));
+  spec->AddParameter(Required(Shared::Ornic, "Name of ornic to set coalesce parameters."));
   spec->AddParameter(Optional(kRxUsecs, ParameterType::Int, "r",
                               "Number of microseconds driver to wait for RX before interrupting."));
   spec->AddParameter(

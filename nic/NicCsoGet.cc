@@ -26,10 +26,7 @@ std::shared_ptr<MetaStruct> NicCsoGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicCsoGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Optional("ornic", ParameterType::String, "n", "The name of pnic to get CSO settings"));
-  return spec;
+  return InputSpecOf({Optional(Shared::Ornic, "The name of pnic to get CSO settings")});
 }
 
 std::shared_ptr<OutputSpec> NicCsoGet::GetOutputSpecInternal() {

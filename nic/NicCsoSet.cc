@@ -18,8 +18,7 @@ NicCsoSet::NicCsoSet() { SetDescription("Set checksum offload settings on a nic"
 
 std::shared_ptr<InputSpec> NicCsoSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required("ornic", ParameterType::String, "n", "Name of ornic to set offload settings."));
+  spec->AddParameter(Required(Shared::Ornic, "Name of ornic to set offload settings."));
   auto enable = Required("enable", ParameterType::Int, "e", "RX/TX checksum offload");
   auto range = ParameterConstraint::New(ParameterConstraintType::IntRange);
   range->SetIntRange(0, 1);

@@ -15,7 +15,6 @@ using namespace Toolbase::MetaObj;
 using HostCtl::Misc::StrPrintf;
 
 namespace {
-const std::string kNicName = "nic-name";
 
 const std::string kStatus = "DCBStatus";
 const std::string kStatusNicName = "Nic Name";
@@ -164,11 +163,9 @@ std::shared_ptr<MetaStruct> NicDcbStatusGet::GetDcbAppsStructure() {
 }
 
 std::shared_ptr<InputSpec> NicDcbStatusGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kNicName, ParameterType::String, "n",
-               "The name of the NIC for which you need the info. See \"nic list\" command."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::NicName,
+                "The name of the NIC for which you need the info. See \"nic list\" command.")});
 }
 
 std::shared_ptr<OutputSpec> NicDcbStatusGet::GetOutputSpecInternal() {

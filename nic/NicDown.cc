@@ -12,21 +12,12 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kNicName = "nic-name";
-}  // namespace
-
 NETWORK_COMMAND_NEW(NicDown)
 
 NicDown::NicDown() { SetDescription("Bring down the specified network device."); }
 
 std::shared_ptr<InputSpec> NicDown::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(
-      kNicName, ParameterType::String, "n",
-      "The name of the NIC to configured. This must be one of the cards listed in the nic list "
-      "command."));
-  return spec;
+  return InputSpecOf({Required(Shared::NicName, kConfiguredNicHelp)});
 }
 
 std::shared_ptr<OutputSpec> NicDown::GetOutputSpecInternal() { return RootSpec(MetaBool::New()); }
@@ -35,11 +26,7 @@ void NicDown::ExecuteInternal(std::shared_ptr<Input> const& input,
                               std::shared_ptr<Output> const& output) {
   OrvkCtl::Network::NetworkInfoImpl networkInfo;
   try {
-    std::string const& name = input->GetParameter(kNicName);
-    auto pnic = FindNamedPnic(networkInfo, name, *output, MissingPnicWords::NoPnic);
-    if (!pnic) return;
-    pnic->SetAdminUp(false);
-    output->SetRootObject(MetaBool::New(true));
+    SetNamedPnicAdminUp(networkInfo, *input, *output, false);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

@@ -13,7 +13,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kOrnic = "ornic";
 const std::string kOffset = "offset";
 const std::string kValue = "value";
 const std::string kFile = "file";
@@ -25,15 +24,12 @@ NETWORK_COMMAND_NEW(NicEepromChange)
 NicEepromChange::NicEepromChange() { SetDescription("Change EEPROM on a nic"); }
 
 std::shared_ptr<InputSpec> NicEepromChange::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kOrnic, ParameterType::String, "n", "Name of ornic to change EEPROM."));
-  spec->AddParameter(Optional(kOffset, ParameterType::Int, "o", "Offset of EEPROM to change"));
-  spec->AddParameter(Optional(kValue, ParameterType::Int, "v", "New EEPROM value in double word"));
-  spec->AddParameter(
-      Optional(kFile, ParameterType::String, "f", "File name of new EEPROM content"));
-  spec->AddParameter(Required(kMagic, ParameterType::Int, "m", "Magic key of EEPROM"));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::Ornic, "Name of ornic to change EEPROM."),
+       Optional(kOffset, ParameterType::Int, "o", "Offset of EEPROM to change"),
+       Optional(kValue, ParameterType::Int, "v", "New EEPROM value in double word"),
+       Optional(kFile, ParameterType::String, "f", "File name of new EEPROM content"),
+       Required(kMagic, ParameterType::Int, "m", "Magic key of EEPROM")});
 }
 
 std::shared_ptr<OutputSpec> NicEepromChange::GetOutputSpecInternal() {

@@ -15,7 +15,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kOrnic = "ornic";
 const std::string kOffset = "offset";
 const std::string kLength = "length";
 const std::string kStructure = "EepromDump";
@@ -80,13 +79,10 @@ std::shared_ptr<MetaList> NicEepromDump::DumpBinary(unsigned int offset,
 }
 
 std::shared_ptr<InputSpec> NicEepromDump::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kOrnic, ParameterType::String, "n", "The name of pnic to dump EEPROM"));
-  spec->AddParameter(
-      Optional(kOffset, ParameterType::Int, "o", "Offset of EEPROM starting to dump"));
-  spec->AddParameter(Optional(kLength, ParameterType::Int, "l", "Bytes of EEPROM to dump"));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::Ornic, "The name of pnic to dump EEPROM"),
+       Optional(kOffset, ParameterType::Int, "o", "Offset of EEPROM starting to dump"),
+       Optional(kLength, ParameterType::Int, "l", "Bytes of EEPROM to dump")});
 }
 
 std::shared_ptr<OutputSpec> NicEepromDump::GetOutputSpecInternal() {

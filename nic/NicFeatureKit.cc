@@ -13,7 +13,6 @@ namespace CorvaneCli::NetworkNamespace {
 using HostCtl::Network::PnicSoftwareSimulation;
 
 namespace {
-const std::string kOrnic = "ornic";
 const std::string kNic = "NIC";
 // The bits of a capability set that are named; the ones above are not.
 constexpr unsigned kNamedHwCapBits = 31;

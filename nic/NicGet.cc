@@ -15,7 +15,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kNicName = "nic-name";
 
 const std::string kName = "Name";
 const std::string kSupportedPorts = "Supported Ports";
@@ -143,12 +142,7 @@ std::shared_ptr<MetaStruct> NicGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(
-      kNicName, ParameterType::String, "n",
-      "The name of the NIC to configured. This must be one of the cards listed in the nic list "
-      "command."));
-  return spec;
+  return InputSpecOf({Required(Shared::NicName, kConfiguredNicHelp)});
 }
 
 std::shared_ptr<OutputSpec> NicGet::GetOutputSpecInternal() {

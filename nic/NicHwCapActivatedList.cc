@@ -24,9 +24,7 @@ std::shared_ptr<MetaStruct> NicHwCapActivatedList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicHwCapActivatedList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewOrnicListParameter());
-  return spec;
+  return InputSpecOf({NewOrnicListParameter()});
 }
 
 std::shared_ptr<OutputSpec> NicHwCapActivatedList::GetOutputSpecInternal() {

@@ -24,9 +24,7 @@ std::shared_ptr<MetaStruct> NicHwCapSupportedList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicHwCapSupportedList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewOrnicListParameter());
-  return spec;
+  return InputSpecOf({NewOrnicListParameter()});
 }
 
 std::shared_ptr<OutputSpec> NicHwCapSupportedList::GetOutputSpecInternal() {

@@ -12,10 +12,6 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kOrnic = "ornic";
-}  // namespace
-
 NETWORK_COMMAND_NEW(NicNegotiationRestart)
 
 NicNegotiationRestart::NicNegotiationRestart() {
@@ -23,10 +19,7 @@ NicNegotiationRestart::NicNegotiationRestart() {
 }
 
 std::shared_ptr<InputSpec> NicNegotiationRestart::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kOrnic, ParameterType::String, "n", "Name of ornic to restart negotiation"));
-  return spec;
+  return InputSpecOf({Required(Shared::Ornic, "Name of ornic to restart negotiation")});
 }
 
 std::shared_ptr<OutputSpec> NicNegotiationRestart::GetOutputSpecInternal() {

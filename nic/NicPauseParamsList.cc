@@ -14,7 +14,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kNicName = "nic-name";
 const std::string kStructure = "PauseParamsSettings";
 const std::string kNic = "NIC";
 const std::string kSupported = "Pause Params Supported";
@@ -88,10 +87,8 @@ std::shared_ptr<MetaStruct> NicPauseParamsList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicPauseParamsList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Optional(kNicName, ParameterType::String, "n",
-                              "The name of the NIC whose pause parameters should be retrieved."));
-  return spec;
+  return InputSpecOf({Optional(Shared::NicName,
+                               "The name of the NIC whose pause parameters should be retrieved.")});
 }
 
 std::shared_ptr<OutputSpec> NicPauseParamsList::GetOutputSpecInternal() {

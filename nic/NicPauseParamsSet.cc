@@ -14,7 +14,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kNicName = "nic-name";
 const std::string kAuto = "auto";
 const std::string kRx = "rx";
 const std::string kTx = "tx";
@@ -25,15 +24,11 @@ NETWORK_COMMAND_NEW(NicPauseParamsSet)
 NicPauseParamsSet::NicPauseParamsSet() { SetDescription("Set pause parameters for a NIC"); }
 
 std::shared_ptr<InputSpec> NicPauseParamsSet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(kNicName, ParameterType::String, "n",
-                              "Name of NIC whose pause parameters should be set."));
-  spec->AddParameter(Optional(kAuto, ParameterType::Bool, "a", "Enable/disable auto negotiation."));
-  spec->AddParameter(
-      Optional(kRx, ParameterType::Bool, "r", "Enable/disable pause RX flow control."));
-  spec->AddParameter(
-      Optional(kTx, ParameterType::Bool, "t", "Enable/disable pause TX flow control."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::NicName, "Name of NIC whose pause parameters should be set."),
+       Optional(kAuto, ParameterType::Bool, "a", "Enable/disable auto negotiation."),
+       Optional(kRx, ParameterType::Bool, "r", "Enable/disable pause RX flow control."),
+       Optional(kTx, ParameterType::Bool, "t", "Enable/disable pause TX flow control.")});
 }
 
 std::shared_ptr<OutputSpec> NicPauseParamsSet::GetOutputSpecInternal() {

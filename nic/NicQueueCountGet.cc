@@ -37,10 +37,7 @@ std::shared_ptr<MetaStruct> NicQueueCountGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicQueueCountGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Optional(kOrnicParameter, ParameterType::String, "n",
-                              "The name of pnic to get netqueue count"));
-  return spec;
+  return InputSpecOf({Optional(Shared::Ornic, "The name of pnic to get netqueue count")});
 }
 
 std::shared_ptr<OutputSpec> NicQueueCountGet::GetOutputSpecInternal() {

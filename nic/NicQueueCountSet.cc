@@ -24,13 +24,10 @@ NETWORK_COMMAND_NEW(NicQueueCountSet)
 NicQueueCountSet::NicQueueCountSet() { SetDescription("Set number of netqueues on a nic"); }
 
 std::shared_ptr<InputSpec> NicQueueCountSet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(kOrnicParameter, ParameterType::String, "n",
-                              "Name of ornic to set netqueue count."));
-  spec->AddParameter(Optional(kTx, ParameterType::Bool, "t", "Tx netqueue to set count."));
-  spec->AddParameter(Optional(kRx, ParameterType::Bool, "r", "Rx netqueue to set count."));
-  spec->AddParameter(Required(kNum, ParameterType::Int, "q", "Number of queues to set."));
-  return spec;
+  return InputSpecOf({Required(Shared::Ornic, "Name of ornic to set netqueue count."),
+                      Optional(kTx, ParameterType::Bool, "t", "Tx netqueue to set count."),
+                      Optional(kRx, ParameterType::Bool, "r", "Rx netqueue to set count."),
+                      Required(kNum, ParameterType::Int, "q", "Number of queues to set.")});
 }
 
 std::shared_ptr<OutputSpec> NicQueueCountSet::GetOutputSpecInternal() {
@@ -40,7 +37,7 @@ std::shared_ptr<OutputSpec> NicQueueCountSet::GetOutputSpecInternal() {
 void NicQueueCountSet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                        std::shared_ptr<Output> const& output) {
   try {
-    std::string const& name = input->GetParameter(kOrnicParameter);
+    std::string const& name = input->GetParameter(kOrnic);
     auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
     auto pnic = FindNamedPnic(*networkInfo, name, *output, MissingPnicWords::NotFound);
     if (!pnic) return;

@@ -46,10 +46,7 @@ std::shared_ptr<MetaStruct> NicQueueLbPluginList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicQueueLbPluginList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Optional(kOrnicParameter, ParameterType::String, "n",
-                              "The name of pnic to get netqueue plugin details"));
-  return spec;
+  return InputSpecOf({Optional(Shared::Ornic, "The name of pnic to get netqueue plugin details")});
 }
 
 std::shared_ptr<OutputSpec> NicQueueLbPluginList::GetOutputSpecInternal() {

@@ -26,15 +26,11 @@ NicQueueLbPluginSet::NicQueueLbPluginSet() {
 }
 
 std::shared_ptr<InputSpec> NicQueueLbPluginSet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(kOrnicParameter, ParameterType::String, "n",
-                              "Name of ornic to change netqueue balancer plugin state"));
-  spec->AddParameter(Required(kEnable, ParameterType::Bool, "e", "Netqueue balancer plugin state"));
-  spec->AddParameter(
-      Required(kModule, ParameterType::String, "m", "Name of netqueue balancer module"));
-  spec->AddParameter(
-      Required(kPlugin, ParameterType::String, "p", "Name of netqueue balancer plugin"));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::Ornic, "Name of ornic to change netqueue balancer plugin state"),
+       Required(kEnable, ParameterType::Bool, "e", "Netqueue balancer plugin state"),
+       Required(kModule, ParameterType::String, "m", "Name of netqueue balancer module"),
+       Required(kPlugin, ParameterType::String, "p", "Name of netqueue balancer plugin")});
 }
 
 std::shared_ptr<OutputSpec> NicQueueLbPluginSet::GetOutputSpecInternal() {
@@ -44,7 +40,7 @@ std::shared_ptr<OutputSpec> NicQueueLbPluginSet::GetOutputSpecInternal() {
 void NicQueueLbPluginSet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                           std::shared_ptr<Output> const& output) {
   try {
-    std::string const& name = input->GetParameter(kOrnicParameter);
+    std::string const& name = input->GetParameter(kOrnic);
     auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
     auto pnic = FindNamedPnic(*networkInfo, name, *output, MissingPnicWords::InvalidName);
     if (!pnic) return;

@@ -21,8 +21,8 @@ NicQueueLbSettingSet::NicQueueLbSettingSet() {
 
 std::shared_ptr<InputSpec> NicQueueLbSettingSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(Required(kOrnicParameter, ParameterType::String, "n",
-                              "Name of ornic to update netqueue load balancer setting."));
+  spec->AddParameter(
+      Required(Shared::Ornic, "Name of ornic to update netqueue load balancer setting."));
   for (auto const& setting : kLbSettings) {
     spec->AddParameter(
         Optional(setting.parameter, ParameterType::Bool, nullptr, setting.description));
@@ -37,7 +37,7 @@ std::shared_ptr<OutputSpec> NicQueueLbSettingSet::GetOutputSpecInternal() {
 void NicQueueLbSettingSet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                            std::shared_ptr<Output> const& output) {
   try {
-    std::string const& name = input->GetParameter(kOrnicParameter);
+    std::string const& name = input->GetParameter(kOrnic);
     auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
     auto pnic = FindNamedPnic(*networkInfo, name, *output, MissingPnicWords::NotFound);
     if (!pnic) return;

@@ -36,10 +36,7 @@ std::shared_ptr<MetaStruct> NicQueueLbStateList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicQueueLbStateList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Optional(kOrnicParameter, ParameterType::String, "n",
-                              "The name of pnic to get netqueue balancer state"));
-  return spec;
+  return InputSpecOf({Optional(Shared::Ornic, "The name of pnic to get netqueue balancer state")});
 }
 
 std::shared_ptr<OutputSpec> NicQueueLbStateList::GetOutputSpecInternal() {

@@ -24,11 +24,8 @@ NicQueueLbStateSet::NicQueueLbStateSet() {
 }
 
 std::shared_ptr<InputSpec> NicQueueLbStateSet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(kOrnicParameter, ParameterType::String, "n",
-                              "Name of ornic to change netqueue balancer state"));
-  spec->AddParameter(Required(kEnable, ParameterType::Bool, "e", "Netqueue balancer state"));
-  return spec;
+  return InputSpecOf({Required(Shared::Ornic, "Name of ornic to change netqueue balancer state"),
+                      Required(kEnable, ParameterType::Bool, "e", "Netqueue balancer state")});
 }
 
 std::shared_ptr<OutputSpec> NicQueueLbStateSet::GetOutputSpecInternal() {
@@ -38,7 +35,7 @@ std::shared_ptr<OutputSpec> NicQueueLbStateSet::GetOutputSpecInternal() {
 void NicQueueLbStateSet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                          std::shared_ptr<Output> const& output) {
   try {
-    std::string const& name = input->GetParameter(kOrnicParameter);
+    std::string const& name = input->GetParameter(kOrnic);
     auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
     auto pnic = FindNamedPnic(*networkInfo, name, *output, MissingPnicWords::InvalidName);
     if (!pnic) return;

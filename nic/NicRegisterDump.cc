@@ -16,7 +16,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kOrnic = "ornic";
 const std::string kStructure = "RegisterDump";
 const std::string kOffsetField = "Offset";
 const std::string kValueField = "Value";
@@ -39,10 +38,7 @@ std::shared_ptr<MetaStruct> NicRegisterDump::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicRegisterDump::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kOrnic, ParameterType::String, "n", "The name of pnic to dump registers"));
-  return spec;
+  return InputSpecOf({Required(Shared::Ornic, "The name of pnic to dump registers")});
 }
 
 std::shared_ptr<OutputSpec> NicRegisterDump::GetOutputSpecInternal() {

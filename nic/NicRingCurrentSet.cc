@@ -15,7 +15,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kNicName = "nic-name";
 const std::string kRx = "rx";
 const std::string kRxMini = "rx-mini";
 const std::string kRxJumbo = "rx-jumbo";
@@ -29,19 +28,13 @@ NicRingCurrentSet::NicRingCurrentSet() {
 }
 
 std::shared_ptr<InputSpec> NicRingCurrentSet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kNicName, ParameterType::String, "n",
-               "The name of the NIC whose current RX/TX ring buffer parameters should be set."));
-  spec->AddParameter(
-      Optional(kRx, ParameterType::Int, "r", "Number of ring entries for the RX ring."));
-  spec->AddParameter(
-      Optional(kRxMini, ParameterType::Int, "m", "Number of ring entries for the RX mini ring."));
-  spec->AddParameter(
-      Optional(kRxJumbo, ParameterType::Int, "j", "Number of ring entries for the RX jumbo ring."));
-  spec->AddParameter(
-      Optional(kTx, ParameterType::Int, "t", "Number of ring entries for the TX ring."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::NicName,
+                "The name of the NIC whose current RX/TX ring buffer parameters should be set."),
+       Optional(kRx, ParameterType::Int, "r", "Number of ring entries for the RX ring."),
+       Optional(kRxMini, ParameterType::Int, "m", "Number of ring entries for the RX mini ring."),
+       Optional(kRxJumbo, ParameterType::Int, "j", "Number of ring entries for the RX jumbo ring."),
+       Optional(kTx, ParameterType::Int, "t", "Number of ring entries for the TX ring.")});
 }
 
 std::shared_ptr<OutputSpec> NicRingCurrentSet::GetOutputSpecInternal() {

@@ -13,7 +13,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kOrnic = "ornic";
 const std::string kOnline = "online";
 // The record's name is shared with the EEPROM dump's on purpose.
 const std::string kStructure = "EepromDump";
@@ -37,14 +36,10 @@ std::shared_ptr<MetaStruct> NicSelfTestRun::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicSelfTestRun::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kOrnic, ParameterType::String, "n", "The name of pnic to dump EEPROM"));
-  spec->AddParameter(Optional(
-      kOnline, ParameterType::Int, "o",
-      "Performing limited set of tests do not inetrrupt normal adapter operation, default is "
-      "offline"));
-  return spec;
+  return InputSpecOf({Required(Shared::Ornic, "The name of pnic to dump EEPROM"),
+                      Optional(kOnline, ParameterType::Int, "o",
+                               "Performing limited set of tests do not inetrrupt normal adapter "
+                               "operation, default is offline")});
 }
 
 std::shared_ptr<OutputSpec> NicSelfTestRun::GetOutputSpecInternal() {

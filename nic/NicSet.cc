@@ -16,7 +16,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kNicName = "nic-name";
 const std::string kPort = "port";
 const std::string kPhyAddress = "phy-address";
 const std::string kVirtualAddress = "virtual-address";
@@ -58,10 +57,7 @@ NicSet::NicSet() { SetDescription("Set the general options for the specified eth
 
 std::shared_ptr<InputSpec> NicSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(Required(
-      kNicName, ParameterType::String, "n",
-      "The name of the NIC to configured. This must be one of the cards listed in the nic list "
-      "command."));
+  spec->AddParameter(Required(Shared::NicName, kConfiguredNicHelp));
 
   auto port = Optional(kPort, ParameterType::String, "p",
                        "Selects device port. Available device ports are %FULLENUM%");

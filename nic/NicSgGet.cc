@@ -26,10 +26,7 @@ std::shared_ptr<MetaStruct> NicSgGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicSgGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Optional("ornic", ParameterType::String, "n",
-                              "The name of pnic to get scatter-gather settings"));
-  return spec;
+  return InputSpecOf({Optional(Shared::Ornic, "The name of pnic to get scatter-gather settings")});
 }
 
 std::shared_ptr<OutputSpec> NicSgGet::GetOutputSpecInternal() {

@@ -18,8 +18,8 @@ NicSgSet::NicSgSet() { SetDescription("Set scatter-gatter settings on a nic"); }
 
 std::shared_ptr<InputSpec> NicSgSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(Required("ornic", ParameterType::String, "n",
-                              "Name of ornic to configure scatter-gather settings."));
+  spec->AddParameter(
+      Required(Shared::Ornic, "Name of ornic to configure scatter-gather settings."));
   auto enable = Required("enable", ParameterType::Int, "e", "Enable/disable sacatter-gather");
   auto range = ParameterConstraint::New(ParameterConstraintType::IntRange);
   range->SetIntRange(0, 1);

@@ -44,9 +44,7 @@ std::shared_ptr<MetaStruct> NicSoftwareList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicSoftwareList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewOrnicListParameter());
-  return spec;
+  return InputSpecOf({NewOrnicListParameter()});
 }
 
 std::shared_ptr<OutputSpec> NicSoftwareList::GetOutputSpecInternal() {

@@ -14,10 +14,6 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kOrnic = "ornic";
-}  // namespace
-
 NETWORK_COMMAND_NEW(NicSoftwareSet)
 
 NicSoftwareSet::NicSoftwareSet() {
@@ -26,9 +22,8 @@ NicSoftwareSet::NicSoftwareSet() {
 
 std::shared_ptr<InputSpec> NicSoftwareSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kOrnic, ParameterType::String, "n",
-               "Name of the ornic whose software similation settings should be updated."));
+  spec->AddParameter(Required(
+      Shared::Ornic, "Name of the ornic whose software similation settings should be updated."));
   for (auto const& setting : kSoftwareSimulationSettings) {
     spec->AddParameter(
         Optional(setting.parameter, ParameterType::Bool, nullptr, setting.description));

@@ -15,7 +15,6 @@ using namespace Toolbase::MetaObj;
 namespace {
 using HostCtl::Network::PnicStats;
 
-const std::string kNicName = "nic-name";
 const std::string kStructure = "Nic";
 const std::string kNicNameField = "NIC Name";
 
@@ -79,10 +78,7 @@ std::shared_ptr<MetaStruct> NicStatsGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicStatsGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kNicName, ParameterType::String, "n", "Name of the NIC to get statistics from."));
-  return spec;
+  return InputSpecOf({Required(Shared::NicName, "Name of the NIC to get statistics from.")});
 }
 
 std::shared_ptr<OutputSpec> NicStatsGet::GetOutputSpecInternal() {

@@ -26,10 +26,7 @@ std::shared_ptr<MetaStruct> NicTsoGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicTsoGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Optional("ornic", ParameterType::String, "n", "The name of pnic to get TSO settings"));
-  return spec;
+  return InputSpecOf({Optional(Shared::Ornic, "The name of pnic to get TSO settings")});
 }
 
 std::shared_ptr<OutputSpec> NicTsoGet::GetOutputSpecInternal() {

@@ -18,8 +18,7 @@ NicTsoSet::NicTsoSet() { SetDescription("Set TCP segmentation offload settings o
 
 std::shared_ptr<InputSpec> NicTsoSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required("ornic", ParameterType::String, "n", "Name of ornic to set TSO settings."));
+  spec->AddParameter(Required(Shared::Ornic, "Name of ornic to set TSO settings."));
   auto enable = Required("enable", ParameterType::Int, "e", "TCP segmentation offload");
   auto range = ParameterConstraint::New(ParameterConstraintType::IntRange);
   range->SetIntRange(0, 1);

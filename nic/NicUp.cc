@@ -12,21 +12,12 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kNicName = "nic-name";
-}  // namespace
-
 NETWORK_COMMAND_NEW(NicUp)
 
 NicUp::NicUp() { SetDescription("Bring up the specified network device."); }
 
 std::shared_ptr<InputSpec> NicUp::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(
-      kNicName, ParameterType::String, "n",
-      "The name of the NIC to configured. This must be one of the cards listed in the nic list "
-      "command."));
-  return spec;
+  return InputSpecOf({Required(Shared::NicName, kConfiguredNicHelp)});
 }
 
 std::shared_ptr<OutputSpec> NicUp::GetOutputSpecInternal() { return RootSpec(MetaBool::New()); }
@@ -34,12 +25,8 @@ std::shared_ptr<OutputSpec> NicUp::GetOutputSpecInternal() { return RootSpec(Met
 void NicUp::ExecuteInternal(std::shared_ptr<Input> const& input,
                             std::shared_ptr<Output> const& output) {
   try {
-    std::string const& name = input->GetParameter(kNicName);
     OrvkCtl::Network::NetworkInfoImpl networkInfo;
-    auto pnic = FindNamedPnic(networkInfo, name, *output, MissingPnicWords::NoPnic);
-    if (!pnic) return;
-    pnic->SetAdminUp(true);
-    output->SetRootObject(MetaBool::New(true));
+    SetNamedPnicAdminUp(networkInfo, *input, *output, true);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

@@ -13,7 +13,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kNicName = "nic-name";
 const std::string kStructure = "NIC";
 const std::string kVlanId = "VLAN ID";
 const std::string kPacketsReceived = "Packets received";
@@ -38,10 +37,7 @@ std::shared_ptr<MetaStruct> NicVlanStatsGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicVlanStatsGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kNicName, ParameterType::String, "n", "Name of the NIC to get statistics from."));
-  return spec;
+  return InputSpecOf({Required(Shared::NicName, "Name of the NIC to get statistics from.")});
 }
 
 std::shared_ptr<OutputSpec> NicVlanStatsGet::GetOutputSpecInternal() {

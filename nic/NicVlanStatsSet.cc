@@ -13,7 +13,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kNicName = "nic-name";
 const std::string kEnabled = "enabled";
 }  // namespace
 
@@ -24,12 +23,9 @@ NicVlanStatsSet::NicVlanStatsSet() {
 }
 
 std::shared_ptr<InputSpec> NicVlanStatsSet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kNicName, ParameterType::String, "n", "Name of the NIC to get statistics from."));
-  spec->AddParameter(
-      Required(kEnabled, ParameterType::Bool, "e", "Whether to enable or disable VLAN statistics"));
-  return spec;
+  return InputSpecOf({Required(Shared::NicName, "Name of the NIC to get statistics from."),
+                      Required(kEnabled, ParameterType::Bool, "e",
+                               "Whether to enable or disable VLAN statistics")});
 }
 
 std::shared_ptr<OutputSpec> NicVlanStatsSet::GetOutputSpecInternal() {

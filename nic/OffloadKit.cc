@@ -1,5 +1,6 @@
 #include "nic/OffloadKit.h"
 
+#include "frame/CommandKit.h"
 #include "hostctl/network_info.h"
 #include "nic/PnicLookup.h"
 #include "toolbase/call_spec.h"
@@ -11,7 +12,6 @@ using HostCtl::Network::PnicOffloadParams;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kOrnic = "ornic";
 const std::string kEnable = "enable";
 const std::string kNic = "NIC";
 const std::string kOn = "on";

@@ -1,5 +1,6 @@
 #include "nic/PnicLookup.h"
 
+#include "frame/CommandKit.h"
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "toolbase/call_spec.h"
@@ -10,6 +11,10 @@ namespace CorvaneCli::NetworkNamespace {
 namespace {
 const std::string kNicField = "NIC";
 }  // namespace
+
+const char kConfiguredNicHelp[] =
+    "The name of the NIC to configured. This must be one of the cards listed in the nic list "
+    "command.";
 
 std::string MissingPnicMessage(MissingPnicWords words, std::string const& name) {
   switch (words) {
@@ -32,6 +37,16 @@ std::unique_ptr<HostCtl::Network::Pnic> FindNamedPnic(HostCtl::Network::NetworkI
   auto pnic = networkInfo.GetPnicByName(name);
   if (!pnic) output.AddErrorMessage(MissingPnicMessage(words, name));
   return pnic;
+}
+
+void SetNamedPnicAdminUp(HostCtl::Network::NetworkInfo& networkInfo,
+                         Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output,
+                         bool up) {
+  auto pnic =
+      FindNamedPnic(networkInfo, input.GetParameter(kNicName), output, MissingPnicWords::NoPnic);
+  if (!pnic) return;
+  pnic->SetAdminUp(up);
+  output.SetRootObject(Toolbase::MetaObj::MetaBool::New(true));
 }
 
 bool SelectPnics(HostCtl::Network::NetworkInfo& networkInfo, std::string const* name,

@@ -39,6 +39,16 @@ std::unique_ptr<HostCtl::Network::Pnic> FindNamedPnic(
     HostCtl::Network::NetworkInfo& networkInfo, std::string const& name,
     Toolbase::CallSpec::Output& output, MissingPnicWords words = MissingPnicWords::NotFound);
 
+// The help text of "nic-name" where a command works on one NIC.
+extern const char kConfiguredNicHelp[];
+
+// The body of `nic up` and `nic down`: the uplink "nic-name" names, with the
+// words NoPnic when the host does not have it, gets the administrative state
+// `up`; root `true`. A failure of the host passes on as HostCtlException.
+void SetNamedPnicAdminUp(HostCtl::Network::NetworkInfo& networkInfo,
+                         Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output,
+                         bool up);
+
 // The uplinks a command runs over: the one `name` names, or all of them when
 // `name` is null. False after adding the message of `words` for a name the
 // host does not have.

@@ -12,7 +12,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kNicName = "nic-name";
 const std::string kStructure = "VFList";
 const std::string kVfId = "VF ID";
 const std::string kActive = "Active";
@@ -38,12 +37,9 @@ std::shared_ptr<MetaStruct> VfList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> VfList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(
-      kNicName, ParameterType::String, "n",
-      "The name of the SRIOV NIC to configured. This must be one of the cards listed in the "
-      "sriovNic list command."));
-  return spec;
+  return InputSpecOf({Required(Shared::NicName,
+                               "The name of the SRIOV NIC to configured. This must be one of the "
+                               "cards listed in the sriovNic list command.")});
 }
 
 std::shared_ptr<OutputSpec> VfList::GetOutputSpecInternal() {

@@ -16,7 +16,6 @@ using namespace Toolbase::MetaObj;
 namespace {
 using HostCtl::Network::SriovNicVFStats;
 
-const std::string kNicName = "nic-name";
 const std::string kVfIdParameter = "vf-id";
 // The directives name the types "VF" and "VFStats" although the record is
 // "VfStats", and the header a field "vf" that the record lacks; both stay.
@@ -82,16 +81,13 @@ std::shared_ptr<MetaStruct> VfStats::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> VfStats::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(
-      kNicName, ParameterType::String, "n",
-      "The name of the SRIOV NIC. This must be one of the cards listed in the sriovNic list "
-      "command."));
-  spec->AddParameter(Required(
-      kVfIdParameter, ParameterType::Int, "v",
-      "The VF ID of the virtual function whose stats are to be collected. This must be one of the "
-      "VF IDs listed in the sriovnic vf list command."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::NicName,
+                "The name of the SRIOV NIC. This must be one of the cards listed in the sriovNic "
+                "list command."),
+       Required(kVfIdParameter, ParameterType::Int, "v",
+                "The VF ID of the virtual function whose stats are to be collected. This must be "
+                "one of the VF IDs listed in the sriovnic vf list command.")});
 }
 
 std::shared_ptr<OutputSpec> VfStats::GetOutputSpecInternal() {

@@ -21,9 +21,7 @@ NETWORK_COMMAND_NEW(EnsLcoreAdd)
 EnsLcoreAdd::EnsLcoreAdd() { SetDescription("Create ENS context."); }
 
 std::shared_ptr<InputSpec> EnsLcoreAdd::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewLcoreIdParameter(kLcoreId, "ENS context id to be created."));
-  return spec;
+  return InputSpecOf({NewLcoreIdParameter(kLcoreId, "ENS context id to be created.")});
 }
 
 std::shared_ptr<OutputSpec> EnsLcoreAdd::GetOutputSpecInternal() {

@@ -24,9 +24,7 @@ EnsLcoreAffinityGet::EnsLcoreAffinityGet() {
 }
 
 std::shared_ptr<InputSpec> EnsLcoreAffinityGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewLcoreIdParameter(kLcoreId, "ENS context id."));
-  return spec;
+  return InputSpecOf({NewLcoreIdParameter(kLcoreId, "ENS context id.")});
 }
 
 std::shared_ptr<OutputSpec> EnsLcoreAffinityGet::GetOutputSpecInternal() {

@@ -25,10 +25,8 @@ EnsLcoreAffinitySet::EnsLcoreAffinitySet() {
 }
 
 std::shared_ptr<InputSpec> EnsLcoreAffinitySet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewLcoreIdParameter(kLcoreId, "ENS context id."));
-  spec->AddParameter(NewEnsParameter(kAffinity, "a", ParameterType::Int, "Numa node affinity."));
-  return spec;
+  return InputSpecOf({NewLcoreIdParameter(kLcoreId, "ENS context id."),
+                      NewEnsParameter(kAffinity, "a", ParameterType::Int, "Numa node affinity.")});
 }
 
 std::shared_ptr<OutputSpec> EnsLcoreAffinitySet::GetOutputSpecInternal() {

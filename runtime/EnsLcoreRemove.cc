@@ -21,9 +21,7 @@ NETWORK_COMMAND_NEW(EnsLcoreRemove)
 EnsLcoreRemove::EnsLcoreRemove() { SetDescription("Destroy ENS context."); }
 
 std::shared_ptr<InputSpec> EnsLcoreRemove::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewLcoreIdParameter(kLcoreId, "ENS context id to be destroyed."));
-  return spec;
+  return InputSpecOf({NewLcoreIdParameter(kLcoreId, "ENS context id to be destroyed.")});
 }
 
 std::shared_ptr<OutputSpec> EnsLcoreRemove::GetOutputSpecInternal() {

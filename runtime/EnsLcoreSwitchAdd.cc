@@ -24,10 +24,8 @@ EnsLcoreSwitchAdd::EnsLcoreSwitchAdd() {
 }
 
 std::shared_ptr<InputSpec> EnsLcoreSwitchAdd::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewLcoreIdParameter(kLcoreId, "ENS context id."));
-  spec->AddParameter(NewEnsParameter(kSwitch, "s", ParameterType::String, "Switch name."));
-  return spec;
+  return InputSpecOf({NewLcoreIdParameter(kLcoreId, "ENS context id."),
+                      NewEnsParameter(kSwitch, "s", ParameterType::String, "Switch name.")});
 }
 
 std::shared_ptr<OutputSpec> EnsLcoreSwitchAdd::GetOutputSpecInternal() {

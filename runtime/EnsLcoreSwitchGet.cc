@@ -24,9 +24,7 @@ EnsLcoreSwitchGet::EnsLcoreSwitchGet() {
 }
 
 std::shared_ptr<InputSpec> EnsLcoreSwitchGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewLcoreIdParameter(kLcoreId, "ENS context id."));
-  return spec;
+  return InputSpecOf({NewLcoreIdParameter(kLcoreId, "ENS context id.")});
 }
 
 std::shared_ptr<OutputSpec> EnsLcoreSwitchGet::GetOutputSpecInternal() {

@@ -24,9 +24,7 @@ EnsLcoreSwitchRemove::EnsLcoreSwitchRemove() {
 }
 
 std::shared_ptr<InputSpec> EnsLcoreSwitchRemove::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewLcoreIdParameter(kLcoreId, "ENS context id."));
-  return spec;
+  return InputSpecOf({NewLcoreIdParameter(kLcoreId, "ENS context id.")});
 }
 
 std::shared_ptr<OutputSpec> EnsLcoreSwitchRemove::GetOutputSpecInternal() {

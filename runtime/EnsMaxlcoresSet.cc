@@ -21,10 +21,8 @@ NETWORK_COMMAND_NEW(EnsMaxlcoresSet)
 EnsMaxlcoresSet::EnsMaxlcoresSet() { SetDescription("Set the maximum number of ENS contexts."); }
 
 std::shared_ptr<InputSpec> EnsMaxlcoresSet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewEnsParameter(kMaxLcores, "n", ParameterType::Int,
-                                     "Number of maximum ENS contexts to be assigned."));
-  return spec;
+  return InputSpecOf({NewEnsParameter(kMaxLcores, "n", ParameterType::Int,
+                                      "Number of maximum ENS contexts to be assigned.")});
 }
 
 std::shared_ptr<OutputSpec> EnsMaxlcoresSet::GetOutputSpecInternal() {

@@ -61,10 +61,8 @@ std::shared_ptr<MetaStruct> PortFilterStatsGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> PortFilterStatsGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kPortid, ParameterType::Int, "p", "Port ID for the port to get filter statistics."));
-  return spec;
+  return InputSpecOf({Required(kPortid, ParameterType::Int, "p",
+                               "Port ID for the port to get filter statistics.")});
 }
 
 std::shared_ptr<OutputSpec> PortFilterStatsGet::GetOutputSpecInternal() {

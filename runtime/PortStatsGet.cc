@@ -54,10 +54,8 @@ std::shared_ptr<MetaStruct> PortStatsGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> PortStatsGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kPortid, ParameterType::Int, "p", "Port ID for the port to get statistics."));
-  return spec;
+  return InputSpecOf(
+      {Required(kPortid, ParameterType::Int, "p", "Port ID for the port to get statistics.")});
 }
 
 std::shared_ptr<OutputSpec> PortStatsGet::GetOutputSpecInternal() {

@@ -54,10 +54,8 @@ std::shared_ptr<MetaStruct> VMPortList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> VMPortList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kWorldIdParam, ParameterType::Int, "w", "World ID of the VM for listing ports."));
-  return spec;
+  return InputSpecOf(
+      {Required(kWorldIdParam, ParameterType::Int, "w", "World ID of the VM for listing ports.")});
 }
 
 std::shared_ptr<OutputSpec> VMPortList::GetOutputSpecInternal() {

@@ -82,9 +82,7 @@ std::shared_ptr<MetaStruct> LacpGetConfig::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> LacpGetConfig::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewLacpDvsParameter(kDvs));
-  return spec;
+  return InputSpecOf({NewLacpDvsParameter(kDvs)});
 }
 
 std::shared_ptr<OutputSpec> LacpGetConfig::GetOutputSpecInternal() {

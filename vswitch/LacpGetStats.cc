@@ -48,9 +48,7 @@ std::shared_ptr<MetaStruct> LacpGetStats::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> LacpGetStats::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewLacpDvsParameter(kDvs));
-  return spec;
+  return InputSpecOf({NewLacpDvsParameter(kDvs)});
 }
 
 std::shared_ptr<OutputSpec> LacpGetStats::GetOutputSpecInternal() {

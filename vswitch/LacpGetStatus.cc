@@ -110,9 +110,7 @@ std::shared_ptr<MetaStruct> LacpGetStatus::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> LacpGetStatus::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(NewLacpDvsParameter(kDvs));
-  return spec;
+  return InputSpecOf({NewLacpDvsParameter(kDvs)});
 }
 
 std::shared_ptr<OutputSpec> LacpGetStatus::GetOutputSpecInternal() {

@@ -14,7 +14,6 @@ using namespace Toolbase::MetaObj;
 
 namespace {
 const std::string kTimeout = "timeout";
-const std::string kNicName = "nic-name";
 const std::string kLagId = "lag-id";
 const std::string kKds = "kds";
 }  // namespace
@@ -26,16 +25,13 @@ LacpSetTimeout::LacpSetTimeout() {
 }
 
 std::shared_ptr<InputSpec> LacpSetTimeout::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kTimeout, ParameterType::Bool, "t",
-               "Set long or short timeout: 1 for short timeout and 0 for long timeout."));
-  spec->AddParameter(
-      Optional(kNicName, ParameterType::String, "n",
-               "The nic name. If it is set, then only this ornic in the lag will be configured."));
-  spec->AddParameter(Required(kLagId, ParameterType::Int, "l", "The ID of LAG to be configured."));
-  spec->AddParameter(Required(kKds, ParameterType::String, "s", "The name of KDS."));
-  return spec;
+  return InputSpecOf(
+      {Required(kTimeout, ParameterType::Bool, "t",
+                "Set long or short timeout: 1 for short timeout and 0 for long timeout."),
+       Optional(Shared::NicName,
+                "The nic name. If it is set, then only this ornic in the lag will be configured."),
+       Required(kLagId, ParameterType::Int, "l", "The ID of LAG to be configured."),
+       Required(kKds, ParameterType::String, "s", "The name of KDS.")});
 }
 
 std::shared_ptr<OutputSpec> LacpSetTimeout::GetOutputSpecInternal() {

@@ -74,10 +74,9 @@ std::shared_ptr<MetaStruct> VirtualSwitchDVSCorvaneList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchDVSCorvaneList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Optional(kKdsName, ParameterType::String, "v",
-                              "Limit the output of this command to only kDS with the given name."));
-  return spec;
+  return InputSpecOf(
+      {Optional(kKdsName, ParameterType::String, "v",
+                "Limit the output of this command to only kDS with the given name.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchDVSCorvaneList::GetOutputSpecInternal() {

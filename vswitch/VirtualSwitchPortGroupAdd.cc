@@ -12,11 +12,6 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kPortgroupName = "portgroup-name";
-const std::string kVswitchName = "vswitch-name";
-}  // namespace
-
 NETWORK_COMMAND_NEW(VirtualSwitchPortGroupAdd)
 
 VirtualSwitchPortGroupAdd::VirtualSwitchPortGroupAdd() {
@@ -24,12 +19,9 @@ VirtualSwitchPortGroupAdd::VirtualSwitchPortGroupAdd() {
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupAdd::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(kPortgroupName, Toolbase::CallSpec::String, "p",
-                              "The name of the port group to add"));
-  spec->AddParameter(Required(kVswitchName, Toolbase::CallSpec::String, "v",
-                              "The virtual switch to add the port group to."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::PortgroupName, "The name of the port group to add"),
+       Required(Shared::VswitchName, "The virtual switch to add the port group to.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchPortGroupAdd::GetOutputSpecInternal() {

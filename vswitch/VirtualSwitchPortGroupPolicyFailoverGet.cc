@@ -15,7 +15,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kPortgroupName = "portgroup-name";
 const std::string kOverrideLoadBalancing = "Override Vswitch Load Balancing";
 const std::string kOverrideFailureDetection = "Override Vswitch Network Failure Detection";
 const std::string kOverrideNotifySwitches = "Override Vswitch Notify Switches";
@@ -49,11 +48,9 @@ std::shared_ptr<MetaStruct> VirtualSwitchPortGroupPolicyFailoverGet::GetOutputSt
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupPolicyFailoverGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kPortgroupName, Toolbase::CallSpec::String, "p",
-               "The name of the port group to use when fetching the port group failover policy."));
-  return spec;
+  return InputSpecOf({Required(
+      Shared::PortgroupName,
+      "The name of the port group to use when fetching the port group failover policy.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchPortGroupPolicyFailoverGet::GetOutputSpecInternal() {

@@ -16,7 +16,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kPortgroupName = "portgroup-name";
 const std::string kUseVswitch = "use-vswitch";
 }  // namespace
 
@@ -30,8 +29,8 @@ VirtualSwitchPortGroupPolicyFailoverSet::VirtualSwitchPortGroupPolicyFailoverSet
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupPolicyFailoverSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(Required(kPortgroupName, Toolbase::CallSpec::String, "p",
-                              "The name of the port group to set failover policy for."));
+  spec->AddParameter(
+      Required(Shared::PortgroupName, "The name of the port group to set failover policy for."));
   spec->AddParameter(Optional(
       kUseVswitch, Flag, "u",
       "Reset all values for this policy to use parent virtual switch's settings instead of "

@@ -14,7 +14,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kPortgroupName = "portgroup-name";
 const std::string kOverridePromiscuous = "Override Vswitch Allow Promiscuous";
 const std::string kOverrideMacChange = "Override Vswitch Allow MAC Address Change";
 const std::string kOverrideForgedTransmits = "Override Vswitch Allow Forged Transmits";
@@ -42,11 +41,9 @@ std::shared_ptr<MetaStruct> VirtualSwitchPortGroupPolicySecurityGet::GetOutputSt
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupPolicySecurityGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kPortgroupName, Toolbase::CallSpec::String, "p",
-               "The name of the port group to use when fetching the network security policy."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::PortgroupName,
+                "The name of the port group to use when fetching the network security policy.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchPortGroupPolicySecurityGet::GetOutputSpecInternal() {

@@ -14,7 +14,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kPortgroupName = "portgroup-name";
 const std::string kUseVswitch = "use-vswitch";
 }  // namespace
 
@@ -26,8 +25,8 @@ VirtualSwitchPortGroupPolicySecuritySet::VirtualSwitchPortGroupPolicySecuritySet
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupPolicySecuritySet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(Required(kPortgroupName, Toolbase::CallSpec::String, "p",
-                              "The name of the port group to set security policy for."));
+  spec->AddParameter(
+      Required(Shared::PortgroupName, "The name of the port group to set security policy for."));
   spec->AddParameter(Optional(
       kUseVswitch, Flag, "u",
       "Reset all values for this policy to use parent virtual switch's settings instead of "

@@ -14,7 +14,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kPortgroupName = "portgroup-name";
 const std::string kOverrideEnabled = "Override Vswitch Enabled";
 const std::string kOverrideAverage = "Override Vswitch Average Bandwidth";
 const std::string kOverridePeak = "Override Vswitch Peak Bandwidth";
@@ -47,11 +46,9 @@ std::shared_ptr<MetaStruct> VirtualSwitchPortGroupPolicyShapingGet::GetOutputStr
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupPolicyShapingGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kPortgroupName, Toolbase::CallSpec::String, "p",
-               "The name of the port group to use when fetching the port group shaping policy."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::PortgroupName,
+                "The name of the port group to use when fetching the port group shaping policy.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchPortGroupPolicyShapingGet::GetOutputSpecInternal() {

@@ -12,11 +12,6 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kPortgroupName = "portgroup-name";
-const std::string kVswitchName = "vswitch-name";
-}  // namespace
-
 NETWORK_COMMAND_NEW(VirtualSwitchPortGroupRemove)
 
 VirtualSwitchPortGroupRemove::VirtualSwitchPortGroupRemove() {
@@ -24,10 +19,7 @@ VirtualSwitchPortGroupRemove::VirtualSwitchPortGroupRemove() {
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupRemove::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(kPortgroupName, Toolbase::CallSpec::String, "p", " "));
-  spec->AddParameter(Required(kVswitchName, Toolbase::CallSpec::String, "v", " "));
-  return spec;
+  return InputSpecOf({Required(Shared::PortgroupName, " "), Required(Shared::VswitchName, " ")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchPortGroupRemove::GetOutputSpecInternal() {

@@ -13,7 +13,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kPortgroupName = "portgroup-name";
 const std::string kVlanId = "vlan-id";
 const std::string kNotFound = "Unable to find a port group with the name ";
 }  // namespace
@@ -27,8 +26,8 @@ VirtualSwitchPortGroupSet::VirtualSwitchPortGroupSet() {
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupSet::GetInputSpecInternal() {
   using HostCtl::Network::PortGroup;
   auto spec = InputSpec::New();
-  spec->AddParameter(Required(kPortgroupName, Toolbase::CallSpec::String, "p",
-                              "The name of the port group to set vlan id for."));
+  spec->AddParameter(
+      Required(Shared::PortgroupName, "The name of the port group to set vlan id for."));
   auto vlanId = Optional(kVlanId, Int, "v",
                          "The vlan id for this port group. This value is in the range (" +
                              std::to_string(PortGroup::MIN_VLAN_ID) + " - " +

@@ -12,7 +12,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kVswitchName = "vswitch-name";
 const std::string kPorts = "ports";
 constexpr size_t kMaxNameLength = 127;
 }  // namespace
@@ -25,8 +24,7 @@ VirtualSwitchStandardAdd::VirtualSwitchStandardAdd() {
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(Required(kVswitchName, Toolbase::CallSpec::String, "v",
-                              "The name of the virtual switch to create."));
+  spec->AddParameter(Required(Shared::VswitchName, "The name of the virtual switch to create."));
   auto ports = Optional(
       kPorts, Int, "P",
       "The number of ports to to give this newly created virtual switch. Maximum ports per "

@@ -15,7 +15,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kVswitchName = "vswitch-name";
 const std::string kName = "Name";
 const std::string kClass = "Class";
 const std::string kNumPorts = "Num Ports";
@@ -62,11 +61,9 @@ std::shared_ptr<MetaStruct> VirtualSwitchStandardList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardList::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Optional(kVswitchName, Toolbase::CallSpec::String, "v",
-               "Limit the output of this command to only virtual switches with the given name."));
-  return spec;
+  return InputSpecOf(
+      {Optional(Shared::VswitchName,
+                "Limit the output of this command to only virtual switches with the given name.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardList::GetOutputSpecInternal() {

@@ -12,10 +12,6 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kVswitchName = "vswitch-name";
-}  // namespace
-
 NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicyFailoverGet)
 
 VirtualSwitchStandardPolicyFailoverGet::VirtualSwitchStandardPolicyFailoverGet() {
@@ -34,11 +30,9 @@ std::shared_ptr<MetaStruct> VirtualSwitchStandardPolicyFailoverGet::GetOutputStr
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardPolicyFailoverGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kVswitchName, Toolbase::CallSpec::String, "v",
-               "The name of the virtual switch to use when fetching the switch failover policy."));
-  return spec;
+  return InputSpecOf({Required(
+      Shared::VswitchName,
+      "The name of the virtual switch to use when fetching the switch failover policy.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardPolicyFailoverGet::GetOutputSpecInternal() {

@@ -13,10 +13,6 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kVswitchName = "vswitch-name";
-}  // namespace
-
 NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicyFailoverSet)
 
 VirtualSwitchStandardPolicyFailoverSet::VirtualSwitchStandardPolicyFailoverSet() {
@@ -26,7 +22,7 @@ VirtualSwitchStandardPolicyFailoverSet::VirtualSwitchStandardPolicyFailoverSet()
 std::shared_ptr<InputSpec> VirtualSwitchStandardPolicyFailoverSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(Required(
-      kVswitchName, Toolbase::CallSpec::String, "v",
+      Shared::VswitchName,
       "The name of the virtual switch to use when configuring the switch failover policy."));
   AddFailoverParameters(spec);
   return spec;

@@ -12,10 +12,6 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kVswitchName = "vswitch-name";
-}  // namespace
-
 NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicySecurityGet)
 
 VirtualSwitchStandardPolicySecurityGet::VirtualSwitchStandardPolicySecurityGet() {
@@ -33,11 +29,9 @@ std::shared_ptr<MetaStruct> VirtualSwitchStandardPolicySecurityGet::GetOutputStr
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardPolicySecurityGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kVswitchName, Toolbase::CallSpec::String, "v",
-               "The name of the virtual switch to use when fetching the network security policy."));
-  return spec;
+  return InputSpecOf({Required(
+      Shared::VswitchName,
+      "The name of the virtual switch to use when fetching the network security policy.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardPolicySecurityGet::GetOutputSpecInternal() {

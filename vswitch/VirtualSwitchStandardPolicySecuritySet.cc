@@ -13,7 +13,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kVswitchName = "vswitch-name";
 const std::string kAllowPromiscuous = "allow-promiscuous";
 const std::string kAllowMacChange = "allow-mac-change";
 const std::string kAllowForgedTransmits = "allow-forged-transmits";
@@ -26,18 +25,16 @@ VirtualSwitchStandardPolicySecuritySet::VirtualSwitchStandardPolicySecuritySet()
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardPolicySecuritySet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kVswitchName, Toolbase::CallSpec::String, "v",
-               "The name of the virtual switch to use when setting the switch security policy."));
-  spec->AddParameter(Optional(kAllowPromiscuous, Bool, "p",
-                              "Allow ports on the virtual switch to enter promiscuous mode."));
-  spec->AddParameter(Optional(kAllowMacChange, Bool, "m",
-                              "Allow ports on the virtual switch to change their MAC address."));
-  spec->AddParameter(Optional(
-      kAllowForgedTransmits, Bool, "f",
-      "Allow ports on the virtual switch to send packets with forged source information."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::VswitchName,
+                "The name of the virtual switch to use when setting the switch security policy."),
+       Optional(kAllowPromiscuous, Bool, "p",
+                "Allow ports on the virtual switch to enter promiscuous mode."),
+       Optional(kAllowMacChange, Bool, "m",
+                "Allow ports on the virtual switch to change their MAC address."),
+       Optional(
+           kAllowForgedTransmits, Bool, "f",
+           "Allow ports on the virtual switch to send packets with forged source information.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardPolicySecuritySet::GetOutputSpecInternal() {

@@ -12,10 +12,6 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kVswitchName = "vswitch-name";
-}  // namespace
-
 NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicyShapingGet)
 
 VirtualSwitchStandardPolicyShapingGet::VirtualSwitchStandardPolicyShapingGet() {
@@ -36,11 +32,9 @@ std::shared_ptr<MetaStruct> VirtualSwitchStandardPolicyShapingGet::GetOutputStru
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardPolicyShapingGet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(kVswitchName, Toolbase::CallSpec::String, "v",
-               "The name of the virtual switch to use when fetching the switch shaping policy."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::VswitchName,
+                "The name of the virtual switch to use when fetching the switch shaping policy.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardPolicyShapingGet::GetOutputSpecInternal() {

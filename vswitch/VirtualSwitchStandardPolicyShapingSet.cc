@@ -12,10 +12,6 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kVswitchName = "vswitch-name";
-}  // namespace
-
 NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicyShapingSet)
 
 VirtualSwitchStandardPolicyShapingSet::VirtualSwitchStandardPolicyShapingSet() {
@@ -25,7 +21,7 @@ VirtualSwitchStandardPolicyShapingSet::VirtualSwitchStandardPolicyShapingSet() {
 std::shared_ptr<InputSpec> VirtualSwitchStandardPolicyShapingSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   spec->AddParameter(
-      Required(kVswitchName, Toolbase::CallSpec::String, "v",
+      Required(Shared::VswitchName,
                "The name of the virtual switch to use when setting the switch shaping policy."));
   AddShapingParameters(spec);
   return spec;

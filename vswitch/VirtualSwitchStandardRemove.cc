@@ -11,10 +11,6 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kVswitchName = "vswitch-name";
-}  // namespace
-
 NETWORK_COMMAND_NEW(VirtualSwitchStandardRemove)
 
 VirtualSwitchStandardRemove::VirtualSwitchStandardRemove() {
@@ -22,10 +18,7 @@ VirtualSwitchStandardRemove::VirtualSwitchStandardRemove() {
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardRemove::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(kVswitchName, Toolbase::CallSpec::String, "v",
-                              "The name of the virtual switch to remove."));
-  return spec;
+  return InputSpecOf({Required(Shared::VswitchName, "The name of the virtual switch to remove.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardRemove::GetOutputSpecInternal() {

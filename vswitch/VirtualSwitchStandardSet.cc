@@ -12,7 +12,6 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kVswitchName = "vswitch-name";
 const std::string kMtu = "mtu";
 const std::string kCdpStatus = "cdp-status";
 const std::string kDown = "down";
@@ -37,8 +36,8 @@ VirtualSwitchStandardSet::VirtualSwitchStandardSet() {
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
-  spec->AddParameter(Required(kVswitchName, Toolbase::CallSpec::String, "v",
-                              "The name of virtual switch to apply the configurations."));
+  spec->AddParameter(
+      Required(Shared::VswitchName, "The name of virtual switch to apply the configurations."));
   spec->AddParameter(Optional(kMtu, Int, "m", "The MTU size of the given virtual switch. "));
   auto cdp = Optional(
       kCdpStatus, Toolbase::CallSpec::String, "c",

@@ -1,20 +1,15 @@
 #include <string>
 
-#include "hostctl/network_info.h"
-#include "hostctl/virtual_switch.h"
+#include "hostctl/lib.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
+#include "vswitch/UplinkKit.h"
 #include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
-
-namespace {
-const std::string kVswitchName = "vswitch-name";
-const std::string kUplinkName = "uplink-name";
-}  // namespace
 
 NETWORK_COMMAND_NEW(VirtualSwitchStandardUplinkAdd)
 
@@ -26,12 +21,9 @@ VirtualSwitchStandardUplinkAdd::VirtualSwitchStandardUplinkAdd() {
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardUplinkAdd::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(kVswitchName, Toolbase::CallSpec::String, "v",
-                              "The name of the virtual switch to add an uplink to."));
-  spec->AddParameter(Required(kUplinkName, Toolbase::CallSpec::String, "u",
-                              "The name of the uplink to add to the virtual switch."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::VswitchName, "The name of the virtual switch to add an uplink to."),
+       UplinkNameParameter("The name of the uplink to add to the virtual switch.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardUplinkAdd::GetOutputSpecInternal() {
@@ -41,12 +33,7 @@ std::shared_ptr<OutputSpec> VirtualSwitchStandardUplinkAdd::GetOutputSpecInterna
 void VirtualSwitchStandardUplinkAdd::ExecuteInternal(std::shared_ptr<Input> const& input,
                                                      std::shared_ptr<Output> const& output) {
   try {
-    std::string const& vswitchName = input->GetParameter(kVswitchName);
-    std::string const& uplink = input->GetParameter(kUplinkName);
-    auto vswitch = HostCtl::Network::NetworkFactory::GetVirtualSwitchById(vswitchName);
-    // A switch the factory does not hand out is left alone, silently.
-    if (vswitch) vswitch->AddUplink(uplink);
-    output->SetRootObject(MetaBool::New(true));
+    ChangeUplink(*input, *output, UplinkChange::Add);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

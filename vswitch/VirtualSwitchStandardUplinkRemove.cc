@@ -1,20 +1,15 @@
 #include <string>
 
-#include "hostctl/network_info.h"
-#include "hostctl/virtual_switch.h"
+#include "hostctl/lib.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
+#include "vswitch/UplinkKit.h"
 #include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
-
-namespace {
-const std::string kVswitchName = "vswitch-name";
-const std::string kUplinkName = "uplink-name";
-}  // namespace
 
 NETWORK_COMMAND_NEW(VirtualSwitchStandardUplinkRemove)
 
@@ -26,12 +21,9 @@ VirtualSwitchStandardUplinkRemove::VirtualSwitchStandardUplinkRemove() {
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardUplinkRemove::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(Required(kVswitchName, Toolbase::CallSpec::String, "v",
-                              "The name of the virtual switch to remove an uplink from."));
-  spec->AddParameter(Required(kUplinkName, Toolbase::CallSpec::String, "u",
-                              "The name of the uplink to remove from the virtual switch."));
-  return spec;
+  return InputSpecOf(
+      {Required(Shared::VswitchName, "The name of the virtual switch to remove an uplink from."),
+       UplinkNameParameter("The name of the uplink to remove from the virtual switch.")});
 }
 
 std::shared_ptr<OutputSpec> VirtualSwitchStandardUplinkRemove::GetOutputSpecInternal() {
@@ -41,12 +33,7 @@ std::shared_ptr<OutputSpec> VirtualSwitchStandardUplinkRemove::GetOutputSpecInte
 void VirtualSwitchStandardUplinkRemove::ExecuteInternal(std::shared_ptr<Input> const& input,
                                                         std::shared_ptr<Output> const& output) {
   try {
-    std::string const& vswitchName = input->GetParameter(kVswitchName);
-    std::string const& uplink = input->GetParameter(kUplinkName);
-    auto vswitch = HostCtl::Network::NetworkFactory::GetVirtualSwitchById(vswitchName);
-    // A switch the factory does not hand out is left alone, silently.
-    if (vswitch) vswitch->RemoveUplink(uplink, false);
-    output->SetRootObject(MetaBool::New(true));
+    ChangeUplink(*input, *output, UplinkChange::Remove);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

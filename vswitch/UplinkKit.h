@@ -1,0 +1,28 @@
+// What `vswitch standard uplink add` and `remove` share: they differ only in
+// the change they ask of the switch.
+#pragma once
+
+#include <memory>
+#include <string>
+
+namespace Toolbase::CallSpec {
+class Input;
+class Output;
+class ParameterSpec;
+}  // namespace Toolbase::CallSpec
+
+namespace CorvaneCli::NetworkNamespace {
+
+enum class UplinkChange { Add, Remove };
+
+// The required "uplink-name" parameter (short `u`) with its help text.
+std::shared_ptr<Toolbase::CallSpec::ParameterSpec> UplinkNameParameter(std::string description);
+
+// The body of both: reads "vswitch-name" and "uplink-name", asks the factory
+// for the switch by id and, when it hands one out, adds the uplink or removes
+// it; a switch it does not hand out is left alone, silently. Root `true`. A
+// failure of the host passes on as HostCtlException.
+void ChangeUplink(Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output,
+                  UplinkChange change);
+
+}  // namespace CorvaneCli::NetworkNamespace
