@@ -50,7 +50,7 @@ JSON_RANGE(IpSecSpRecord, mode, 0, 2)
 JSON_RECORD(IpSecSpRecord, name, source, source_prefix, source_port, destination,
             destination_prefix, destination_port, protocol, direction, action, mode, sa_name)
 
-JSON_RECORD(IpArea, ipv6_enabled, netstacks, routes, interfaces, executed_commands, ipsec_sas,
-            ipsec_sps, dns, hosts, connections)
+JSON_RECORD(IpArea, ipv6_enabled, current_ipv6_enabled, netstacks, routes, interfaces,
+            executed_commands, ipsec_sas, ipsec_sps, dns, hosts, connections)
 
 }  // namespace OrvkCtl::Sim

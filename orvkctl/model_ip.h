@@ -228,8 +228,10 @@ struct ConnectionState {
 
 struct IpArea {
   // Whether IPv6 is on for the whole IP stack, as configured: it takes
-  // effect at the next boot.
+  // effect at the next boot. Until then what is in force, which the host
+  // reports and acts on, is `current_ipv6_enabled`.
   bool ipv6_enabled = true;
+  bool current_ipv6_enabled = true;
   // All netstack instances, configured and running, in the order made.
   std::vector<NetstackState> netstacks;
   // One routing table per netstack instance, by key: exactly one for each

@@ -381,7 +381,10 @@ uint32_t NetworkInfoImpl::GetNetstackInstanceState(std::string const& key) {
 
 bool NetworkInfoImpl::IsOrvkIpv6Enabled() {
   CheckFault(Operation::NetworkInfoImpl_IsOrvkIpv6Enabled);
-  return Sim::ReadHost(kNetstackAreas).ip.ipv6_enabled;
+  // What is in force: a setting changed since the host started waits for
+  // its next start, and until then addresses, routes, neighbors and sockets
+  // of IPv6 stay as they are.
+  return Sim::ReadHost(kNetstackAreas).ip.current_ipv6_enabled;
 }
 
 void NetworkInfoImpl::SetOrvkIpv6Enabled(bool enabled) {

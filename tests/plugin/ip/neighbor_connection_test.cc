@@ -40,7 +40,7 @@ class NeighborConnectionTest : public HostTest {
   }
   void SetHostIpv6(bool enabled) {
     OrvkCtl::Sim::ChangeHost(
-        [&](OrvkCtl::Sim::HostModel& host) { host.ip.ipv6_enabled = enabled; });
+        [&](OrvkCtl::Sim::HostModel& host) { host.ip.current_ipv6_enabled = enabled; });
   }
   void ExpectTrue(Args const& args) {
     auto output = Execute(args);

@@ -177,14 +177,19 @@ TEST_F(NetstackTest, AnInstanceWithInterfacesCannotBeRemovedOrDisabled) {
                 "(orvk5); remove them first");
 }
 
-TEST_F(NetstackTest, GlobalIpv6SettingIsReadAndWritten) {
+TEST_F(NetstackTest, GlobalIpv6SettingWaitsForTheNextStart) {
   EXPECT_EQ(Result({"network", "ip", "get"}), "{IPv6 Enabled=true}");
   std::string before = StateFileText();
   EXPECT_EQ(Result({"network", "ip", "set"}), "true");
   EXPECT_EQ(StateFileText(), before);
+  auto const neighbors = Rows({"network", "ip", "neighbor", "list", "-v", "6"});
+  EXPECT_EQ(neighbors.size(), 3u);
   EXPECT_EQ(Result({"network", "ip", "set", "-e", "false"}), "true");
   Reload();
-  EXPECT_EQ(Result({"network", "ip", "get"}), "{IPv6 Enabled=false}");
+  EXPECT_FALSE(OrvkCtl::Sim::ReadHost().ip.ipv6_enabled);
+  // In force until the host starts again: the setting, the neighbors.
+  EXPECT_EQ(Result({"network", "ip", "get"}), "{IPv6 Enabled=true}");
+  EXPECT_EQ(Rows({"network", "ip", "neighbor", "list", "-v", "6"}), neighbors);
 }
 
 TEST_F(NetstackTest, HostFailuresReachTheHandlers) {
