@@ -250,27 +250,23 @@ class LazyList {
     difference_type index_ = 0;
   };
 
-  // Which keys a block may hold: three bits of 8192 per key (about one
-  // block in a thousand is looked through in vain).
+  // Which keys a block may hold: three bits of one of 128 words per key, so
+  // that telling costs one word (about one block in a thousand is looked
+  // through in vain).
   struct Filter {
-    using Bits = std::array<uint32_t, 3>;
-    static constexpr uint32_t kBits = 8192;
-    std::array<uint64_t, kBits / 64> words{};
+    struct Bits {
+      uint32_t word;
+      uint64_t mask;
+    };
+    std::array<uint64_t, 128> words{};
     static Bits BitsOf(std::string_view key) {
-      uint64_t const hash = std::hash<std::string_view>{}(key);
-      uint64_t const mixed = hash * 0x9e3779b97f4a7c15u;
-      return {static_cast<uint32_t>(hash % kBits), static_cast<uint32_t>((hash >> 32) % kBits),
-              static_cast<uint32_t>((mixed >> 40) % kBits)};
+      uint64_t const hash = std::hash<std::string_view>{}(key) * 0x9e3779b97f4a7c15u;
+      return {static_cast<uint32_t>(hash >> 57),
+              uint64_t{1} << (hash & 63) | uint64_t{1} << (hash >> 6 & 63) |
+                  uint64_t{1} << (hash >> 12 & 63)};
     }
-    void Add(Bits const& bits) {
-      for (uint32_t bit : bits) words[bit / 64] |= uint64_t{1} << (bit % 64);
-    }
-    bool MayHold(Bits const& bits) const {
-      for (uint32_t bit : bits) {
-        if ((words[bit / 64] >> (bit % 64) & 1) == 0) return false;
-      }
-      return true;
-    }
+    void Add(Bits const& bits) { words[bits.word] |= bits.mask; }
+    bool MayHold(Bits const& bits) const { return (words[bits.word] & bits.mask) == bits.mask; }
   };
 
   // Up to kBlock elements: the text of each (empty for one added), and none
