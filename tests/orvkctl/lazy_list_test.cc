@@ -35,6 +35,25 @@ void ReadRecordText(std::string_view text, size_t, Named& out) {
   out.value = json.value("value", 0);
 }
 
+// A record whose copies are counted.
+struct Counted {
+  static inline int copies = 0;
+  std::string name;
+  Counted() = default;
+  explicit Counted(std::string text) : name(std::move(text)) {}
+  Counted(Counted const& other) : name(other.name) { ++copies; }
+  Counted(Counted&&) = default;
+  Counted& operator=(Counted&&) = default;
+  Counted& operator=(Counted const& other) {
+    name = other.name;
+    ++copies;
+    return *this;
+  }
+  bool operator==(Counted const& other) const { return name == other.name; }
+};
+
+void ReadRecordText(std::string_view, size_t, Counted&) {}
+
 }  // namespace Probe
 
 namespace {
@@ -206,6 +225,19 @@ TEST(LazyListTest, ACopyIsUntouchedByChangesToTheOther) {
       EXPECT_TRUE(std::equal(kept.begin(), kept.end(), original.begin(), original.end()));
     }
   }
+}
+
+TEST(LazyListTest, ACopyAndAChangeCopyOnlyTheRecordsChanged) {
+  using Probe::Counted;
+  LazyList<Counted> list;
+  for (int i = 0; i < 10000; ++i) list.push_back(Counted("r" + std::to_string(i)));
+  Counted::copies = 0;
+  LazyList<Counted> const kept = list;
+  list[5000].name = "changed";
+  list.push_back(Counted("added"));
+  EXPECT_EQ(Counted::copies, 1);  // record 5000, for `list`
+  EXPECT_EQ(kept[5000].name, "r5000");
+  EXPECT_EQ(kept.size(), 10000u);
 }
 
 TEST(LazyListTest, FindsARecordByItsKeyAfterChanges) {
