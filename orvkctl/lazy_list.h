@@ -30,8 +30,8 @@ namespace OrvkCtl::Sim {
 // without copying a list of thousands.
 //
 // Each record has a key, by which KeyIndex finds it: a `name` for records
-// that have one, else what the codec's `ListKey(T const&)` returns. The codec
-// defines, for argument-dependent lookup,
+// that have one, else what `ListKey(T const&)`, declared beside the record,
+// returns. The codec defines, for argument-dependent lookup,
 //   void ReadRecordText(std::string_view text, size_t index, T& out);
 // which throws HostCtlException when the text is not a record.
 template <class T>
