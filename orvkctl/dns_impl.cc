@@ -47,6 +47,14 @@ bool SameName(std::string const& a, std::string const& b) {
   });
 }
 
+// The index of the hosts file line for `address` (canonical) and `hostName`,
+// or the list's size when there is none.
+size_t FindEntry(Sim::LazyList<Sim::HostsEntryState> const& entries, std::string const& address,
+                 std::string const& hostName) {
+  return entries.KeyIndex(address,
+                          [&](size_t i) { return SameName(entries[i].hostname, hostName); });
+}
+
 // The canonical text of an IPv4 or IPv6 address; throws for anything else.
 std::string CanonicalHostAddress(std::string const& text) {
   if (Ipv4Address::IsValidAddress(text)) return Ipv4Address(text).GetStringAddress();
@@ -192,10 +200,8 @@ void HostsFile::AddEntryFromUser(std::string const& ip, std::string const& hostN
     throw HostCtlException("The comment must fit on one line");
   }
   Sim::ChangeHost(Sim::kAreaIp, [&](Sim::HostModel& host) {
-    for (auto const& entry : host.ip.hosts) {
-      if (entry.ip == address && SameName(entry.hostname, hostName)) {
-        throw HostCtlException("An entry for " + address + " " + hostName + " already exists");
-      }
+    if (FindEntry(host.ip.hosts, address, hostName) < host.ip.hosts.size()) {
+      throw HostCtlException("An entry for " + address + " " + hostName + " already exists");
     }
     host.ip.hosts.push_back({address, hostName, aliases, comment});
   });
@@ -206,13 +212,11 @@ void HostsFile::RemoveEntryFromUser(std::string const& ip, std::string const& ho
   std::string address = CanonicalHostAddress(ip);
   Sim::ChangeHost(Sim::kAreaIp, [&](Sim::HostModel& host) {
     auto& entries = host.ip.hosts;
-    auto found = std::find_if(entries.begin(), entries.end(), [&](Sim::HostsEntryState const& e) {
-      return e.ip == address && SameName(e.hostname, hostName);
-    });
-    if (found == entries.end()) {
+    size_t const found = FindEntry(entries, address, hostName);
+    if (found == entries.size()) {
       throw HostCtlException("No entry for " + address + " " + hostName + " in the hosts file");
     }
-    entries.erase(found);
+    entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(found));
   });
 }
 

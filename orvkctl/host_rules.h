@@ -40,8 +40,7 @@ void CheckDnsServer(std::string const& address);
 // order in force on its port group whose link is up, else the first standby
 // one whose link is up, empty when none is; on a distributed switch, which
 // is configured from outside the host, the uplink it gave the port, else its
-// first uplink whose link is up. An uplink that is no physical NIC of the
-// host (a LAG's uplink port) counts as up.
+// first uplink whose link is up.
 std::string TeamUplink(HostModel const& host, PortState const& port);
 
 // Throws unless NIC `branch` may be attached to a trunk as its branch (areas

@@ -30,6 +30,39 @@ struct Snapshot {
   AreaSet loaded = 0;
 };
 
+// Copies (or moves) the members of `areas` from `from` into `to`; members of
+// other areas are left as they are. Lists a host may have thousands of
+// records in (LazyList) share their records with the copy until changed.
+template <class From>
+void TakeAreas(From&& from, HostModel& to, AreaSet areas) {
+  if (areas & kAreaHost) {
+    to.hostname = std::forward<From>(from).hostname;
+    to.modules = std::forward<From>(from).modules;
+  }
+  if (areas & kAreaFirewall) to.firewall = std::forward<From>(from).firewall;
+  if (areas & kAreaNic) to.nic = std::forward<From>(from).nic;
+  if (areas & kAreaIp) to.ip = std::forward<From>(from).ip;
+  if (areas & kAreaVswitch) to.vswitch = std::forward<From>(from).vswitch;
+  if (areas & kAreaRuntime) to.runtime = std::forward<From>(from).runtime;
+}
+
+// Areas of the host as they were at a point of a transaction: those of
+// `kept`, in `host`.
+struct KeptAreas {
+  HostModel host;
+  AreaSet kept = 0;
+
+  // Keeps the areas of `areas` not kept yet, as `before` has them.
+  void Keep(HostModel const& before, AreaSet areas) {
+    TakeAreas(before, host, areas & ~kept);
+    kept |= areas;
+  }
+  void Clear() {
+    host = {};
+    kept = 0;
+  }
+};
+
 struct Store {
   std::string path;  // as named, for messages
   StateLocation at;
@@ -59,11 +92,14 @@ struct Store {
   // both stay as they were read.
   bool compact = false;
   ElementTexts element_texts;
-  // A transaction: changes stay in `current` until committed.
+  // A transaction: changes stay in `current` until committed. What the
+  // areas were at its beginning and at the last savepoint, each kept when a
+  // change first touches it after them.
   bool in_transaction = false;
   bool changed_in_transaction = false;
-  Snapshot begin;
-  Snapshot savepoint;
+  bool savepoint_set = false;
+  KeptAreas begin;
+  KeptAreas savepoint;
   // Only read: no lock, no seeded file, no change (SetReadOnly).
   bool read_only = false;
   std::list<Snapshot> superseded;  // hosts read before another command's change
@@ -371,6 +407,20 @@ std::string StatePath() {
 
 namespace {
 
+// Returns the host to `point`: the areas it kept, as they were there (the
+// other areas are as they were there already).
+void RollBack(Store& store, KeptAreas const& point) {
+  TakeAreas(point.host, store.current.host, point.kept);
+  ForgetTexts(store);
+}
+
+void EndTransaction(Store& store) {
+  store.in_transaction = false;
+  store.savepoint_set = false;
+  store.begin.Clear();
+  store.savepoint.Clear();
+}
+
 // The state file as the host's backend.
 class StateFileBackend final : public HostBackend {
  public:
@@ -393,23 +443,26 @@ void StateFileBackend::Commit(AreaSet areas, std::function<void(HostModel&)> con
   if (!store.in_transaction) BecomeWriter(store);
   HostModel& host = Loaded(areas);
   if (store.in_transaction) {
-    // The host holds the transaction's changes, which the file does not: a
-    // failed change must leave them, so it changes a copy.
-    HostModel changed = host;
-    AreaSet before = store.current.loaded;
-    change(changed);
-    // Areas that `change` read through ReadHost() were loaded into the host,
-    // not into the copy: take them over, or they would be written back empty.
-    if (AreaSet grown = store.current.loaded & ~before) {
-      auto const& fields = HostFields();
-      for (size_t i = 0; i < fields.size(); ++i) {
-        if ((fields[i].area & grown) && !store.texts[i].empty()) {
-          fields[i].load(store.texts[i], changed, nullptr, false, nullptr);
-        }
-      }
+    // The host holds the transaction's changes, which the file does not: the
+    // change works on the host itself, and a copy of the areas it names
+    // (which shares the records of long lists) takes them back should it
+    // fail. The first change of an area since the beginning or the savepoint
+    // keeps what it was there.
+    AreaSet const loaded = store.current.loaded;
+    HostModel before;
+    TakeAreas(host, before, areas);
+    try {
+      change(host);
+    } catch (...) {
+      TakeAreas(std::move(before), host, areas);
+      // Areas the change read through ReadHost() are read again when used.
+      store.current.loaded = loaded;
+      ForgetTexts(store);
+      throw;
     }
+    store.begin.Keep(before, areas);
+    if (store.savepoint_set) store.savepoint.Keep(before, areas);
     store.changed_in_transaction = true;
-    Replace(store, {std::move(changed), store.current.loaded});
     return;
   }
   if (!store.compact) {
@@ -444,8 +497,7 @@ void StateFileBackend::Reset() {
   Store& store = TheStore();
   Forget(store);
   store.read_only = false;
-  store.in_transaction = false;
-  store.begin = store.savepoint = {};
+  EndTransaction(store);
   if (store.lock_fd >= 0) {
     close(store.lock_fd);
     store.lock_fd = -1;
@@ -469,35 +521,42 @@ std::string StateFileBackend::BeginTransaction() {
   }
   store.in_transaction = true;
   store.changed_in_transaction = false;
-  store.begin = store.savepoint = store.current;
   return {};
 }
 
 void StateFileBackend::Savepoint() {
   Store& store = TheStore();
-  if (store.in_transaction) store.savepoint = store.current;
+  if (!store.in_transaction) return;
+  store.savepoint.Clear();
+  store.savepoint_set = true;
 }
 
 void StateFileBackend::RollbackToSavepoint() {
   Store& store = TheStore();
-  if (store.in_transaction) Replace(store, store.savepoint);
+  if (!store.in_transaction) return;
+  RollBack(store, store.savepoint_set ? store.savepoint : store.begin);
 }
 
 std::string StateFileBackend::CommitTransaction() {
   Store& store = TheStore();
   if (!store.in_transaction) return {};
-  store.in_transaction = false;
-  if (!store.changed_in_transaction) return {};
+  if (!store.changed_in_transaction) {
+    EndTransaction(store);
+    return {};
+  }
   if (store.read_only) {
-    Replace(store, store.begin);
+    RollBack(store, store.begin);
+    EndTransaction(store);
     return "The host is only read here; no change was written";
   }
   try {
     Save(store, Compose(store, store.current.host, store.current.loaded));
   } catch (std::exception const& error) {
-    Replace(store, store.begin);
+    RollBack(store, store.begin);
+    EndTransaction(store);
     return error.what();
   }
+  EndTransaction(store);
   return {};
 }
 
@@ -506,8 +565,8 @@ void StateFileBackend::SetReadOnly() { TheStore().read_only = true; }
 void StateFileBackend::AbortTransaction() {
   Store& store = TheStore();
   if (!store.in_transaction) return;
-  store.in_transaction = false;
-  Replace(store, store.begin);
+  RollBack(store, store.begin);
+  EndTransaction(store);
 }
 
 }  // namespace

@@ -31,13 +31,18 @@
 //
 // Operations reach the store through HostBackend (host_backend.h), which it
 // implements: a load reads the areas asked for, a commit writes its areas
-// through at once, or at the end of a transaction.
+// through at once, or at the end of a transaction. Inside a transaction a
+// change works on the host itself: it copies the areas it names first, to
+// take them back should it fail, and the transaction keeps each area as it
+// was at its beginning and at the savepoint when a change first touches it
+// after them. Lists of many records (LazyList) share their records with such
+// copies, so a batch costs what its lines change, not the host per line.
 //
 // Adding a field to an area: add it to the area's struct (model_*.h), its
 // JSON_RECORD line (json_*.cc), with its range or words when it has them,
 // and its seed (seed_*.cc); nothing here changes. Adding an area: a member
-// of HostModel, a bit in host_backend.h (and in kAreaAll), and a row in the
-// field table of host_json.cc.
+// of HostModel, a bit in host_backend.h (and in kAreaAll), a row in the
+// field table of host_json.cc, and a line in TakeAreas (host_store.cc).
 #pragma once
 
 #include <cstdint>

@@ -11,6 +11,10 @@ JSON_RECORD(NetstackRoutes, netstack, ipv4, ipv6, ipv4_config_gateway, ipv6_conf
             ipv4_neighbors, ipv6_neighbors)
 JSON_RECORD(DnsConfigState, netstack, servers, search_domains)
 JSON_RECORD(HostsEntryState, ip, hostname, aliases, comment)
+
+void ReadRecordText(std::string_view text, size_t index, HostsEntryState& out) {
+  ReadListElement(text, index, out, "ip", "hosts");
+}
 JSON_ONE_OF(ConnectionState, protocol, "tcp", "udp", "ip")
 JSON_RANGE(ConnectionState, state, 0, 10)
 JSON_RECORD(ConnectionState, netstack, protocol, recv_q, send_q, local_address, local_port,
@@ -53,7 +57,7 @@ JSON_RANGE(IpSecSpRecord, mode, 0, 2)
 JSON_RECORD(IpSecSpRecord, name, source, source_prefix, source_port, destination,
             destination_prefix, destination_port, protocol, direction, action, mode, sa_name)
 
-JSON_RECORD(IpArea, ipv6_enabled, netstacks, routes, interfaces, executed_commands, ipsec_sas,
-            ipsec_sps, dns, hosts, connections)
+JSON_RECORD(IpArea, ipv6_enabled, netstacks, routes, interfaces,
+            executed_commands, ipsec_sas, ipsec_sps, dns, hosts, connections)
 
 }  // namespace OrvkCtl::Sim

@@ -2,8 +2,12 @@
 // first used: a command that reads or changes a few of many pays for those few.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <compare>
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <iterator>
 #include <memory>
@@ -18,8 +22,16 @@ namespace OrvkCtl::Sim {
 // Reads and changes as a std::vector<T> does. A record loaded from the state
 // file stays as its JSON text (a view into text that `owner` keeps) until an
 // element access reads it; a new record is a record from the start.
-// `T` has a std::string `name`, and the codec defines, for argument-dependent
-// lookup,
+//
+// A copy costs what the number of elements does over 256: the elements are
+// kept in blocks of 256, which copies share until one of them changes a
+// block (it then copies that block's texts and pointers, and the records it
+// changes). A batch keeps the host as it was before each change this way
+// without copying a list of thousands.
+//
+// Each record has a key, by which KeyIndex finds it: a `name` for records
+// that have one, else what `ListKey(T const&)`, declared beside the record,
+// returns. The codec defines, for argument-dependent lookup,
 //   void ReadRecordText(std::string_view text, size_t index, T& out);
 // which throws HostCtlException when the text is not a record.
 template <class T>
@@ -40,35 +52,24 @@ class LazyList {
   LazyList(std::initializer_list<T> records) {
     for (auto const& record : records) push_back(record);
   }
-  LazyList(LazyList const& other) : texts_(other.texts_), owner_(other.owner_) {
-    records_.reserve(other.records_.size());
-    for (auto const& record : other.records_) {
-      records_.push_back(record ? std::make_unique<T>(*record) : nullptr);
-    }
-  }
+  LazyList(LazyList const&) = default;
   LazyList(LazyList&&) noexcept = default;
-  LazyList& operator=(LazyList const& other) {
-    if (this != &other) *this = LazyList(other);
-    return *this;
-  }
+  LazyList& operator=(LazyList const&) = default;
   LazyList& operator=(LazyList&&) noexcept = default;
   ~LazyList() = default;
 
-  size_t size() const { return texts_.size(); }
-  bool empty() const { return texts_.empty(); }
-  void reserve(size_t count) {
-    texts_.reserve(count);
-    records_.reserve(count);
-  }
+  size_t size() const { return size_; }
+  bool empty() const { return size_ == 0; }
+  void reserve(size_t) {}
 
-  T& operator[](size_t i) { return Read(i); }
-  T const& operator[](size_t i) const { return Read(i); }
-  T& at(size_t i) { return Read(Checked(i)); }
-  T const& at(size_t i) const { return Read(Checked(i)); }
-  T& front() { return Read(0); }
-  T const& front() const { return Read(0); }
-  T& back() { return Read(size() - 1); }
-  T const& back() const { return Read(size() - 1); }
+  T& operator[](size_t i) { return Edit(i); }
+  T const& operator[](size_t i) const { return Get(i); }
+  T& at(size_t i) { return Edit(Checked(i)); }
+  T const& at(size_t i) const { return Get(Checked(i)); }
+  T& front() { return Edit(0); }
+  T const& front() const { return Get(0); }
+  T& back() { return Edit(size() - 1); }
+  T const& back() const { return Get(size() - 1); }
 
   iterator begin() { return {this, 0}; }
   iterator end() { return {this, Signed(size())}; }
@@ -80,50 +81,67 @@ class LazyList {
   void push_back(T record) { insert(end(), std::move(record)); }
   T& emplace_back() {
     push_back(T{});
-    return *records_.back();
+    return Edit(size_ - 1);
   }
   iterator insert(const_iterator at, T record) {
-    // Room for more at once: a list read from the file is as long as it was.
-    if (texts_.size() == texts_.capacity()) texts_.reserve(texts_.size() + texts_.size() / 8 + 4);
-    Records();
-    texts_.insert(texts_.begin() + at.index_, std::string_view());
-    records_.insert(records_.begin() + at.index_, std::make_unique<T>(std::move(record)));
+    auto const index = static_cast<size_t>(at.index_);
+    auto added = std::make_shared<T>(std::move(record));
+    if (index == size_ && (size_ % kBlock) != 0) {
+      // Into the last block, which has room.
+      Block& block = Own(size_ / kBlock);
+      block.Records();
+      block.texts.emplace_back();
+      block.records.push_back(added);
+      block.Note(KeyOf(*added));
+      ++size_;
+    } else {
+      Slots tail = TakeFrom(index / kBlock * kBlock);
+      tail.insert(tail.begin() + static_cast<difference_type>(index % kBlock),
+                  Slot{{}, std::move(added)});
+      Append(std::move(tail));
+    }
     return {this, at.index_};
   }
   iterator erase(const_iterator at) { return erase(at, at + 1); }
   iterator erase(const_iterator first, const_iterator last) {
-    texts_.erase(texts_.begin() + first.index_, texts_.begin() + last.index_);
-    if (!records_.empty()) {
-      records_.erase(records_.begin() + first.index_, records_.begin() + last.index_);
-    }
+    auto const from = static_cast<size_t>(first.index_);
+    auto const to = static_cast<size_t>(last.index_);
+    if (from == to) return {this, first.index_};
+    size_t const start = from / kBlock * kBlock;
+    Slots tail = TakeFrom(start);
+    tail.erase(tail.begin() + static_cast<difference_type>(from - start),
+               tail.begin() + static_cast<difference_type>(to - start));
+    Append(std::move(tail));
     return {this, first.index_};
   }
   void pop_back() { erase(end() - 1); }
   void clear() {
-    texts_.clear();
-    records_.clear();
+    blocks_.clear();
+    size_ = 0;
   }
 
   // The name of record `i`, without reading the rest of it when its text
   // starts with the name, as the library writes it.
   std::string_view NameAt(size_t i) const {
-    if (!records_.empty() && records_[i]) return records_[i]->name;
+    auto const& [block, at] = Locate(i);
+    if (!block.records.empty() && block.records[at]) return block.records[at]->name;
     constexpr std::string_view kStart = "{\"name\":\"";
-    std::string_view text = texts_[i];
+    std::string_view text = block.texts[at];
     if (text.starts_with(kStart)) {
       for (size_t end = kStart.size(); end < text.size() && text[end] != '\\'; ++end) {
         if (text[end] == '"') return text.substr(kStart.size(), end - kStart.size());
       }
     }
-    return Read(i).name;
+    return Get(i).name;
   }
 
   // Whether record `i` is named `name`: NameAt(i) == name, looking at no
   // more of its text than it takes to tell.
   bool NameIs(size_t i, std::string_view name) const {
-    if (!records_.empty() && records_[i]) return records_[i]->name == name;
+    auto const& [block, at] = Locate(i);
+    if (!block.records.empty() && block.records[at]) return block.records[at]->name == name;
     constexpr std::string_view kStart = "{\"name\":\"";
-    std::string_view const text = texts_[i];
+    std::string_view const text = block.texts[at];
     // The text has the name's bytes as they are, up to its first escape: a
     // text that differs from `name` before one differs in name. (A backslash
     // of `name` could match the start of an escape: that is read.)
@@ -136,18 +154,49 @@ class LazyList {
     return NameAt(i) == name;
   }
 
+  // The records whose key is `key`, in order, for `visit` (which returns
+  // true to stop); it skips, without reading them, the blocks that hold no
+  // such key. Returns the index it stopped at, or size().
+  template <class Visit>
+  size_t KeyIndex(std::string_view key, Visit const& visit) const {
+    auto const bits = Filter::BitsOf(key);
+    for (size_t b = 0; b < blocks_.size(); ++b) {
+      Block const& block = *blocks_[b];
+      if (!block.filter) {
+        block.filter = std::make_unique<Filter>();
+        for (size_t at = 0; at < block.texts.size(); ++at) {
+          block.filter->Add(Filter::BitsOf(KeyAt(b * kBlock + at)));
+        }
+      }
+      if (!block.filter->MayHold(bits)) continue;
+      for (size_t at = 0; at < block.texts.size(); ++at) {
+        size_t const i = b * kBlock + at;
+        if (KeyAt(i) == key && visit(i)) return i;
+      }
+    }
+    return size_;
+  }
+
   // The text record `i` was loaded from while no element access has read it;
   // empty otherwise.
   std::string_view TextAt(size_t i) const {
-    return !records_.empty() && records_[i] ? std::string_view() : texts_[i];
+    auto const& [block, at] = Locate(i);
+    return !block.records.empty() && block.records[at] ? std::string_view() : block.texts[at];
   }
 
   // Makes the list the records that `texts` give, each one record's JSON
   // text, in text that `owner` keeps.
-  void AssignTexts(std::vector<std::string_view> texts, std::shared_ptr<void const> owner) {
-    texts_ = std::move(texts);
-    records_.clear();
+  void AssignTexts(std::vector<std::string_view> const& texts, std::shared_ptr<void const> owner) {
+    clear();
     owner_ = std::move(owner);
+    for (size_t start = 0; start < texts.size(); start += kBlock) {
+      auto block = std::make_shared<Block>();
+      size_t const end = std::min(texts.size(), start + kBlock);
+      block->texts.assign(texts.begin() + static_cast<difference_type>(start),
+                          texts.begin() + static_cast<difference_type>(end));
+      blocks_.push_back(std::move(block));
+    }
+    size_ = texts.size();
   }
 
   // Records are equal when their texts are, or else when they read equal.
@@ -156,12 +205,14 @@ class LazyList {
     for (size_t i = 0; i < size(); ++i) {
       std::string_view a = TextAt(i);
       if (!a.empty() && a == other.TextAt(i)) continue;
-      if (!(Read(i) == other.Read(i))) return false;
+      if (!(Get(i) == other.Get(i))) return false;
     }
     return true;
   }
 
  private:
+  static constexpr size_t kBlock = 256;
+
   template <bool kConst>
   class Iterator {
     using List = std::conditional_t<kConst, LazyList const, LazyList>;
@@ -177,7 +228,7 @@ class LazyList {
     Iterator(List* list, difference_type index) : list_(list), index_(index) {}
     operator Iterator<true>() const { return {list_, index_}; }
 
-    reference operator*() const { return list_->Read(static_cast<size_t>(index_)); }
+    reference operator*() const { return (*list_)[static_cast<size_t>(index_)]; }
     pointer operator->() const { return &**this; }
     reference operator[](difference_type n) const { return *(*this + n); }
     Iterator& operator++() { return ++index_, *this; }
@@ -199,6 +250,54 @@ class LazyList {
     difference_type index_ = 0;
   };
 
+  // Which keys a block may hold: three bits of one of 128 words per key, so
+  // that telling costs one word (about one block in a thousand is looked
+  // through in vain).
+  struct Filter {
+    struct Bits {
+      uint32_t word;
+      uint64_t mask;
+    };
+    std::array<uint64_t, 128> words{};
+    static Bits BitsOf(std::string_view key) {
+      uint64_t const hash = std::hash<std::string_view>{}(key) * 0x9e3779b97f4a7c15u;
+      return {static_cast<uint32_t>(hash >> 57),
+              uint64_t{1} << (hash & 63) | uint64_t{1} << (hash >> 6 & 63) |
+                  uint64_t{1} << (hash >> 12 & 63)};
+    }
+    void Add(Bits const& bits) { words[bits.word] |= bits.mask; }
+    bool MayHold(Bits const& bits) const { return (words[bits.word] & bits.mask) == bits.mask; }
+  };
+
+  // Up to kBlock elements: the text of each (empty for one added), and none
+  // or one record (or null) for each text. Shared by copies of the list
+  // while none changes it.
+  struct Block {
+    std::vector<std::string_view> texts;
+    std::vector<std::shared_ptr<T>> records;
+    // The keys of its records, made when first asked, dropped by a change.
+    mutable std::unique_ptr<Filter> filter;
+
+    Block() = default;
+    Block(Block const& other)
+        : texts(other.texts),
+          records(other.records),
+          filter(other.filter ? std::make_unique<Filter>(*other.filter) : nullptr) {}
+    std::vector<std::shared_ptr<T>>& Records() {
+      if (records.empty()) records.resize(texts.size());
+      return records;
+    }
+    void Note(std::string_view key) {
+      if (filter) filter->Add(Filter::BitsOf(key));
+    }
+  };
+
+  struct Slot {
+    std::string_view text;
+    std::shared_ptr<T> record;
+  };
+  using Slots = std::vector<Slot>;
+
   static difference_type Signed(size_t n) { return static_cast<difference_type>(n); }
 
   size_t Checked(size_t i) const {
@@ -206,29 +305,88 @@ class LazyList {
     return i;
   }
 
-  // The records, one per text, made once any is read or added.
-  std::vector<std::unique_ptr<T>>& Records() const {
-    if (records_.empty() && !texts_.empty()) {
-      records_.reserve(texts_.capacity());
-      records_.resize(texts_.size());
+  std::pair<Block&, size_t> Locate(size_t i) const { return {*blocks_[i / kBlock], i % kBlock}; }
+
+  static std::string_view KeyOf(T const& record) {
+    if constexpr (requires { record.name; }) {
+      return record.name;
+    } else {
+      return ListKey(record);
     }
-    return records_;
   }
 
-  T& Read(size_t i) const {
-    std::unique_ptr<T>& slot = Records()[i];
+  std::string_view KeyAt(size_t i) const {
+    if constexpr (requires(T const& record) { record.name; }) {
+      return NameAt(i);
+    } else {
+      return ListKey(Get(i));
+    }
+  }
+
+  // Block `b`, this list's own: copied first when another list shares it.
+  Block& Own(size_t b) {
+    std::shared_ptr<Block>& block = blocks_[b];
+    if (block.use_count() > 1) block = std::make_shared<Block>(*block);
+    return *block;
+  }
+
+  // Record `i` to read, read from its text if need be (into the block, which
+  // copies that share it then see it read too).
+  T const& Get(size_t i) const {
+    auto [block, at] = Locate(i);
+    std::shared_ptr<T>& slot = block.Records()[at];
     if (!slot) {
-      auto record = std::make_unique<T>();
-      ReadRecordText(texts_[i], i, *record);
+      auto record = std::make_shared<T>();
+      ReadRecordText(block.texts[at], i, *record);
       slot = std::move(record);
     }
     return *slot;
   }
 
-  // The text of each record loaded and not read since (empty for one added),
-  // and the records read or added: none, or one (or null) for each text.
-  std::vector<std::string_view> texts_;
-  mutable std::vector<std::unique_ptr<T>> records_;
+  // Record `i` to change: this list's own, in a block of its own.
+  T& Edit(size_t i) {
+    Get(i);
+    Block& block = Own(i / kBlock);
+    block.filter.reset();
+    std::shared_ptr<T>& slot = block.records[i % kBlock];
+    if (slot.use_count() > 1) slot = std::make_shared<T>(*slot);
+    return *slot;
+  }
+
+  // Removes the elements from `start` (the start of a block) on and returns
+  // them.
+  Slots TakeFrom(size_t start) {
+    Slots slots;
+    slots.reserve(size_ - start + 1);
+    for (size_t b = start / kBlock; b < blocks_.size(); ++b) {
+      Block const& block = *blocks_[b];
+      for (size_t at = 0; at < block.texts.size(); ++at) {
+        slots.push_back({block.texts[at], block.records.empty() ? nullptr : block.records[at]});
+      }
+    }
+    blocks_.resize(start / kBlock);
+    size_ = start;
+    return slots;
+  }
+
+  // Adds `slots` at the end, which is the end of a full block.
+  void Append(Slots slots) {
+    for (size_t start = 0; start < slots.size(); start += kBlock) {
+      auto block = std::make_shared<Block>();
+      size_t const end = std::min(slots.size(), start + kBlock);
+      bool const any = std::any_of(slots.begin() + Signed(start), slots.begin() + Signed(end),
+                                   [](Slot const& slot) { return slot.record != nullptr; });
+      for (size_t i = start; i < end; ++i) {
+        block->texts.push_back(slots[i].text);
+        if (any) block->records.push_back(std::move(slots[i].record));
+      }
+      blocks_.push_back(std::move(block));
+    }
+    size_ += slots.size();
+  }
+
+  std::vector<std::shared_ptr<Block>> blocks_;
+  size_t size_ = 0;
   std::shared_ptr<void const> owner_;  // keeps what the texts point into
 };
 

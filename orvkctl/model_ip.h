@@ -2,9 +2,13 @@
 // of the simulated host.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
+
+#include "lazy_list.h"
 
 namespace OrvkCtl::Sim {
 
@@ -207,7 +211,14 @@ struct HostsEntryState {
   std::string hostname;
   std::vector<std::string> aliases;
   std::string comment;
+
+  bool operator==(HostsEntryState const&) const = default;
 };
+// A hosts file line's key in its list (LazyList): its address.
+inline std::string_view ListKey(HostsEntryState const& entry) { return entry.ip; }
+// Reads line `index` of the hosts file from its text in the state file, for
+// LazyList; throws HostCtlException, naming the file, when it cannot.
+void ReadRecordText(std::string_view text, size_t index, HostsEntryState& out);
 
 // One open socket of a netstack instance. `protocol` is "tcp", "udp" or "ip"
 // (raw); `state` is the TCP state number (0 closed, 1 listen, ... 10
@@ -228,7 +239,7 @@ struct ConnectionState {
 
 struct IpArea {
   // Whether IPv6 is on for the whole IP stack, as configured: it takes
-  // effect at the next boot.
+  // effect at the next boot: until then nothing of IPv6 in force changes.
   bool ipv6_enabled = true;
   // All netstack instances, configured and running, in the order made.
   std::vector<NetstackState> netstacks;
@@ -246,8 +257,9 @@ struct IpArea {
   // DNS client configuration by netstack instance; an instance without an
   // entry has no servers and no search domains.
   std::vector<DnsConfigState> dns;
-  // The user's lines of the hosts file, in file order.
-  std::vector<HostsEntryState> hosts;
+  // The user's lines of the hosts file, in file order; a batch may add
+  // thousands.
+  LazyList<HostsEntryState> hosts;
   // Open sockets of all netstack instances.
   std::vector<ConnectionState> connections;
 };

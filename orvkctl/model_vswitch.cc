@@ -35,9 +35,8 @@ PortGroupState* FindPortGroup(VswitchArea& area, std::string const& name,
   }
   for (size_t s = 0; s < area.standard_switches.size(); ++s) {
     auto const& groups = area.standard_switches[s].port_groups;
-    for (size_t g = 0; g < groups.size(); ++g) {
-      if (groups.NameIs(g, name)) return found(s, g);
-    }
+    size_t const g = groups.KeyIndex(name, [](size_t) { return true; });
+    if (g < groups.size()) return found(s, g);
   }
   return nullptr;
 }

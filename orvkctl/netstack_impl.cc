@@ -381,6 +381,8 @@ uint32_t NetworkInfoImpl::GetNetstackInstanceState(std::string const& key) {
 
 bool NetworkInfoImpl::IsOrvkIpv6Enabled() {
   CheckFault(Operation::NetworkInfoImpl_IsOrvkIpv6Enabled);
+  // The setting as configured: it takes effect at the host's next start, and
+  // until then the addresses, routes, neighbors and sockets of IPv6 stay.
   return Sim::ReadHost(kNetstackAreas).ip.ipv6_enabled;
 }
 

@@ -142,7 +142,7 @@ void SeedRuntime(HostModel& host) {
        1000458,
        "02:1c:7e:00:22:01",
        "10.30.0.5",
-       "lag1-0",
+       "ornic2",
        {8870112, 0, 12, 1022987, 0, 301, 0, 0, 12410220345, 81220114}},
   };
   for (auto const& vm : dvsVms) {

@@ -48,9 +48,8 @@ void SeedVswitch(HostModel& host) {
 
   host.vswitch.standard_switches = {vswitch0, vswitch1};
 
-  // The distributed switch: production VM traffic over ornic2 and ornic3,
-  // plus the LAG member lag1-0; ports 0-7 form the VM port group, 8-11 the
-  // replication port group.
+  // The distributed switch: production VM traffic over ornic2 and ornic3;
+  // ports 0-7 form the VM port group, 8-11 the replication port group.
   DistributedSwitchState dvs;
   dvs.name = "DSwitch-Prod";
   dvs.id = "50 1e 7a 3c 9d 42 b1 08-6f 55 c2 e9 10 a4 7d 33";
@@ -58,7 +57,7 @@ void SeedVswitch(HostModel& host) {
   dvs.mtu = 9000;
   dvs.cdp_status = 1;
   dvs.beacon_timeout = -1;
-  dvs.uplinks = {"ornic2", "ornic3", "lag1-0"};
+  dvs.uplinks = {"ornic2", "ornic3"};
   for (int port = 0; port < 12; ++port) {
     DVPortState dvport;
     dvport.id = std::to_string(port);
@@ -68,16 +67,16 @@ void SeedVswitch(HostModel& host) {
   dvs.ports[0].connection_id = 1418027611;
   dvs.ports[1].connection_id = 1418027612;
   dvs.ports[8].connection_id = 1418027640;
-  // Uplink ports, in the uplink port group: ornic2 and ornic3 on the plain
-  // uplink ports, lag1-0 on the first port of lag1; lag1-1 is free.
+  // Uplink ports, in the uplink port group: ornic2 on lag1-0, the first
+  // port of lag1, ornic3 on the plain uplink2; uplink1 and lag1-1 are free.
   struct UplinkPort {
     char const* id;
     char const* name;
     char const* uplink;
   };
   for (auto const& port :
-       {UplinkPort{"24", "uplink1", "ornic2"}, UplinkPort{"25", "uplink2", "ornic3"},
-        UplinkPort{"26", "lag1-0", "lag1-0"}, UplinkPort{"27", "lag1-1", ""}}) {
+       {UplinkPort{"24", "uplink1", ""}, UplinkPort{"25", "uplink2", "ornic3"},
+        UplinkPort{"26", "lag1-0", "ornic2"}, UplinkPort{"27", "lag1-1", ""}}) {
     DVPortState uplink;
     uplink.id = port.id;
     uplink.portgroup_id = "dvportgroup-1000";
@@ -93,7 +92,7 @@ void SeedVswitch(HostModel& host) {
   lag.uplink_count = 2;
   lag.running = true;
   LacpMemberState member;
-  member.nic = "lag1-0";
+  member.nic = "ornic2";
   member.state = "Bundled";
   member.port_number = 3;
   member.port_priority = 255;

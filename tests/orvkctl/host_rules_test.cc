@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "hostctl/lib.h"
 
@@ -89,9 +90,35 @@ TEST(HostRulesTest, TeamUplinkFollowsTheFailoverOrderAndTheLinks) {
     step.change();
     EXPECT_EQ(OrvkCtl::Sim::TeamUplink(host, web), step.uplink);
   }
-  // A distributed switch's port keeps the uplink it was given.
+  // A distributed switch's port keeps the uplink it was given: repl-01's is
+  // ornic2, the NIC of the LAG's first uplink port.
   EXPECT_EQ(OrvkCtl::Sim::TeamUplink(host, *OrvkCtl::Sim::FindPort(host.runtime, 67108869)),
-            "lag1-0");
+            "ornic2");
+}
+
+TEST(HostRulesTest, EveryUplinkOfTheDefaultHostIsOneOfItsNics) {
+  // What a distributed switch, its uplink ports, its LAGs and its ports name
+  // as an uplink is a physical NIC, so that every command that shows one
+  // finds it.
+  HostModel const host = DefaultHost();
+  std::vector<std::string> named;
+  for (auto const& dvs : host.vswitch.distributed_switches) {
+    named.insert(named.end(), dvs.uplinks.begin(), dvs.uplinks.end());
+    for (auto const& port : dvs.uplink_ports) {
+      if (!port.uplink.empty()) named.push_back(port.uplink);
+    }
+    for (auto const& lag : dvs.lags) {
+      for (auto const& member : lag.members) named.push_back(member.nic);
+    }
+  }
+  for (auto const& port : host.runtime.ports) {
+    if (!port.team_uplink.empty()) named.push_back(port.team_uplink);
+  }
+  ASSERT_FALSE(named.empty());
+  for (auto const& uplink : named) {
+    SCOPED_TRACE(uplink);
+    EXPECT_NE(OrvkCtl::Sim::FindPnic(host.nic, uplink), nullptr);
+  }
 }
 
 TEST(HostRulesTest, ActivatedCapabilitiesFollowTheSettings) {

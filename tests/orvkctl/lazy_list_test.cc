@@ -2,10 +2,13 @@
 // file's lists of port groups, which a command reads only as far as it needs.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "host_store.h"
@@ -31,6 +34,25 @@ void ReadRecordText(std::string_view text, size_t, Named& out) {
   out.name = json.at("name").get<std::string>();
   out.value = json.value("value", 0);
 }
+
+// A record whose copies are counted.
+struct Counted {
+  static inline int copies = 0;
+  std::string name;
+  Counted() = default;
+  explicit Counted(std::string text) : name(std::move(text)) {}
+  Counted(Counted const& other) : name(other.name) { ++copies; }
+  Counted(Counted&&) = default;
+  Counted& operator=(Counted&&) = default;
+  Counted& operator=(Counted const& other) {
+    name = other.name;
+    ++copies;
+    return *this;
+  }
+  bool operator==(Counted const& other) const { return name == other.name; }
+};
+
+void ReadRecordText(std::string_view, size_t, Counted&) {}
 
 }  // namespace Probe
 
@@ -144,6 +166,102 @@ TEST(LazyListTest, ACopyKeepsTheTextsAndReadsOnItsOwn) {
   EXPECT_EQ(copy[1].value, 9);
   EXPECT_TRUE(ListOf({R"({"name":"a"})"}) == ListOf({R"({"name":"a"})"}));
   EXPECT_TRUE(ListOf({R"({"name":"a"})"}) == ListOf({R"({"name": "a"})"}));
+}
+
+// Lists long enough for several blocks of records, read from texts, and the
+// same as plain records.
+std::vector<std::string> ManyTexts(int count) {
+  std::vector<std::string> texts;
+  for (int i = 0; i < count; ++i) {
+    texts.push_back(R"({"name":"r)" + std::to_string(i) + R"(","value":)" + std::to_string(i) +
+                    "}");
+  }
+  return texts;
+}
+
+std::vector<Named> ManyRecords(int count) {
+  std::vector<Named> records;
+  for (int i = 0; i < count; ++i) records.push_back({"r" + std::to_string(i), i});
+  return records;
+}
+
+TEST(LazyListTest, ACopyIsUntouchedByChangesToTheOther) {
+  int const count = 700;  // three blocks, the last one part full
+  struct Case {
+    std::string name;
+    std::function<void(LazyList<Named>&)> change;
+    std::function<void(std::vector<Named>&)> expected;
+  };
+  std::vector<Case> const cases = {
+      {"change one in the middle block", [](auto& l) { l[300].value = -1; },
+       [](auto& v) { v[300].value = -1; }},
+      {"add at the end", [](auto& l) { l.push_back({"new", 1}); },
+       [](auto& v) { v.push_back({"new", 1}); }},
+      {"insert in the first block", [](auto& l) { l.insert(l.begin() + 5, {"x", 0}); },
+       [](auto& v) { v.insert(v.begin() + 5, {"x", 0}); }},
+      {"erase across blocks", [](auto& l) { l.erase(l.begin() + 250, l.begin() + 520); },
+       [](auto& v) { v.erase(v.begin() + 250, v.begin() + 520); }},
+      {"rename every one", [](auto& l) { for (auto& r : l) r.name += "!"; },
+       [](auto& v) { for (auto& r : v) r.name += "!"; }},
+      {"clear", [](auto& l) { l.clear(); }, [](auto& v) { v.clear(); }},
+  };
+  for (bool read_first : {false, true}) {
+    for (auto const& c : cases) {
+      SCOPED_TRACE(c.name + (read_first ? ", records read before the copy" : ""));
+      LazyList<Named> list = ListOf(ManyTexts(count));
+      if (read_first) {
+        for (size_t i = 0; i < list.size(); i += 3) (void)std::as_const(list)[i];
+      }
+      LazyList<Named> copy = list;
+      c.change(copy);
+      std::vector<Named> expected = ManyRecords(count);
+      c.expected(expected);
+      EXPECT_TRUE(std::equal(copy.begin(), copy.end(), expected.begin(), expected.end()));
+      auto const original = ManyRecords(count);
+      EXPECT_TRUE(std::equal(list.begin(), list.end(), original.begin(), original.end()));
+      // And the other way round: changing the original leaves the copy.
+      LazyList<Named> kept = list;
+      c.change(list);
+      EXPECT_TRUE(std::equal(kept.begin(), kept.end(), original.begin(), original.end()));
+    }
+  }
+}
+
+TEST(LazyListTest, ACopyAndAChangeCopyOnlyTheRecordsChanged) {
+  using Probe::Counted;
+  LazyList<Counted> list;
+  for (int i = 0; i < 10000; ++i) list.push_back(Counted("r" + std::to_string(i)));
+  Counted::copies = 0;
+  LazyList<Counted> const kept = list;
+  list[5000].name = "changed";
+  list.push_back(Counted("added"));
+  EXPECT_EQ(Counted::copies, 1);  // record 5000, for `list`
+  EXPECT_EQ(kept[5000].name, "r5000");
+  EXPECT_EQ(kept.size(), 10000u);
+}
+
+TEST(LazyListTest, FindsARecordByItsKeyAfterChanges) {
+  LazyList<Named> list = ListOf(ManyTexts(600));
+  auto find = [&](std::string const& name) {
+    return list.KeyIndex(name, [](size_t) { return true; });
+  };
+  EXPECT_EQ(find("r0"), 0u);
+  EXPECT_EQ(find("r599"), 599u);
+  EXPECT_EQ(find("r600"), list.size());
+  LazyList<Named> const before = list;
+  list[300].name = "renamed";
+  list.push_back({"late", 0});
+  list.erase(list.begin() + 1);
+  EXPECT_EQ(find("renamed"), 299u);
+  EXPECT_EQ(find("r300"), list.size());
+  EXPECT_EQ(find("late"), list.size() - 1);
+  EXPECT_EQ(find("r1"), list.size());
+  EXPECT_EQ(find("r2"), 1u);
+  // The copy taken before finds what it holds.
+  EXPECT_EQ(before.KeyIndex("r300", [](size_t) { return true; }), 300u);
+  // The visitor picks among records of one key.
+  list.push_back({"late", 2});
+  EXPECT_EQ(list.KeyIndex("late", [&](size_t i) { return list[i].value == 2; }), list.size() - 1);
 }
 
 using LazyPortGroupsTest = TestSupport::StateFileTest;

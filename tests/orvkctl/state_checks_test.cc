@@ -40,7 +40,7 @@ TEST_F(StateChecksTest, ValuesOutOfRangeAreACorruptFileNamingTheField) {
       {"\"load_balance\":19", "\"load_balance\":-1", "load_balance: expected an integer from 0"},
       {"\"name\":\"lag1\",", "\"name\":\"lag1\",\"mode\":3,",
        "lags[0].mode: expected an integer from 1 to 2"},
-      {"\"nic\":\"lag1-0\",", "\"nic\":\"lag1-0\",\"state\":\"Up\",",
+      {"\"nic\":\"ornic2\",", "\"nic\":\"ornic2\",\"state\":\"Up\",",
        "lags[0].members[0].state: expected one of \"Bundled\", \"Independent\", \"Hot-standby\", "
        "\"Suspended\", \"Down\""},
       {"\"port_begin\":68", "\"port_begin\":70000",

@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <utility>
 
 #include "host_store.h"
 #include "support/harness.h"
@@ -64,6 +67,55 @@ TEST_F(TransactionTest, RollbackReturnsToTheSavepoint) {
   Reload();
   EXPECT_EQ(ReadHost().hostname, "kept");
   EXPECT_EQ(ReadHost().firewall.dynamic_rules.size(), 2u);
+}
+
+TEST_F(TransactionTest, AFailedChangeAndARollbackTakeBackOnlyTheirOwn) {
+  using OrvkCtl::Sim::kAreaVswitch;
+  auto groups = [] { return ReadHost(kAreaVswitch).vswitch.standard_switches[1].port_groups; };
+  auto group = [](std::string name) {
+    OrvkCtl::Sim::PortGroupState added;
+    added.name = std::move(name);
+    return added;
+  };
+  auto add = [&](int from, int to) {
+    ChangeHost(kAreaVswitch, [&](HostModel& host) {
+      auto& list = host.vswitch.standard_switches[1].port_groups;
+      for (int i = from; i < to; ++i) list.push_back(group("pg" + std::to_string(i)));
+    });
+  };
+  ASSERT_EQ(OrvkCtl_BeginTransaction(), nullptr);
+  add(0, 300);  // past a block of the list
+  auto const first = groups();
+  // A change that fails after changing leaves the host as the ones before
+  // it made it.
+  EXPECT_THROW(ChangeHost(kAreaVswitch,
+                          [&](HostModel& host) {
+                            auto& list = host.vswitch.standard_switches[1].port_groups;
+                            list[3].vlan_id = 7;
+                            list.erase(list.begin() + 100);
+                            list.push_back(group("half"));
+                            throw std::runtime_error("refused");
+                          }),
+               std::runtime_error);
+  EXPECT_TRUE(groups() == first);
+  OrvkCtl_Savepoint();
+  add(300, 600);
+  Rename("dropped");
+  ChangeHost(kAreaVswitch, [](HostModel& host) {
+    host.vswitch.standard_switches[1].port_groups[5].vlan_id = 9;
+  });
+  OrvkCtl_RollbackToSavepoint();
+  EXPECT_TRUE(groups() == first);
+  EXPECT_EQ(ReadHost().hostname, "halden-01");
+  OrvkCtl_Savepoint();
+  add(600, 601);
+  EXPECT_EQ(OrvkCtl_CommitTransaction(), nullptr);
+  Reload();
+  auto const written = groups();
+  ASSERT_EQ(written.size(), first.size() + 1);
+  EXPECT_EQ(written[5].vlan_id, first[5].vlan_id);
+  EXPECT_EQ(written.back().name, "pg600");
+  EXPECT_EQ(ReadHost().hostname, "halden-01");
 }
 
 TEST_F(TransactionTest, AbortLeavesTheFileByteForByte) {

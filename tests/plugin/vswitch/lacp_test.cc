@@ -42,12 +42,12 @@ const std::string kLegend =
     "Flags=[S - Device is sending Slow LACPDUs,F - Device is sending fast LACPDUs,A - Device is "
     "in active mode,P - Device is in passive mode]";
 const std::string kLagRow =
-    "{DVS Name=DSwitch-Prod,LAG Name=lag1,LAG ID=1,NICs=lag1-0,Enabled=true,Mode=Active,"
+    "{DVS Name=DSwitch-Prod,LAG Name=lag1,LAG ID=1,NICs=ornic2,Enabled=true,Mode=Active,"
     "Load balance=Src and dst ip, port, vlan}";
 
 std::string StatusRow(std::string const& localState, std::string const& localFlags) {
   return "[{DVSwitch=DSwitch-Prod,LAG ID=1,Mode=Active," + kLegend +
-         ",Nic List=[{Nic=lag1-0,State=Bundled,Local Information={Port State=" + localState +
+         ",Nic List=[{Nic=ornic2,State=Bundled,Local Information={Port State=" + localState +
          ",Flags=" + localFlags +
          ",Admin Key=13,Oper Key=13,Port Priority=255,Port Number=3},Partner Information={Device "
          "ID=00:1b:54:c2:70:00,Port State=ACT,AGG,SYN,COL,DIST,,Flags=SA,Age=00:00:12,Oper "
@@ -77,7 +77,7 @@ TEST_F(LacpTest, DefaultHostShowsItsLagInEveryView) {
   }
   EXPECT_EQ(Result(Lacp("status")), StatusRow("ACT,AGG,SYN,COL,DIST,", "SA"));
   EXPECT_EQ(Result(LacpOn("stats", "DSwitch-Prod")),
-            "[{DVSwitch=DSwitch-Prod,NIC=lag1-0,LAG ID=1,Tx LACPDUs=51866,Tx Errors=2,"
+            "[{DVSwitch=DSwitch-Prod,NIC=ornic2,LAG ID=1,Tx LACPDUs=51866,Tx Errors=2,"
             "Rx LACPDUs=51842,Rx Errors=0}]");
   for (char const* view : {"config", "status", "stats"}) {
     for (char const* formatter : {"simple", "table", "json", "xml", "csv"}) {
@@ -85,7 +85,7 @@ TEST_F(LacpTest, DefaultHostShowsItsLagInEveryView) {
       auto printed = Run(
           {"--formatter", formatter, "network", "vswitch", "dvs", "corvane", "lacp", view, "get"});
       EXPECT_EQ(printed.status, 0) << printed.err;
-      EXPECT_NE(printed.out.find("lag1"), std::string::npos);
+      EXPECT_NE(printed.out.find("ornic2"), std::string::npos);
     }
   }
 }
@@ -95,7 +95,7 @@ TEST_F(LacpTest, TimeoutChangesTheActorStateAndPersists) {
   Reload();
   EXPECT_EQ(Result(Lacp("status")), StatusRow("ACT,FTO,AGG,SYN,COL,DIST,", "FA"));
   Args one = Timeout("false", "1", "DSwitch-Prod");
-  one.insert(one.end(), {"-n", "lag1-0"});
+  one.insert(one.end(), {"-n", "ornic2"});
   EXPECT_EQ(Result(one), "true");
   EXPECT_EQ(Result(Lacp("status")), StatusRow("ACT,AGG,SYN,COL,DIST,", "SA"));
 
@@ -107,19 +107,19 @@ TEST_F(LacpTest, TimeoutChangesTheActorStateAndPersists) {
   ExpectFailure(Timeout("true", "-1", "DSwitch-Prod"),
                 "No running LAG with ID 4294967295 on DSwitch-Prod");
   Args stranger = Timeout("true", "1", "DSwitch-Prod");
-  stranger.insert(stranger.end(), {"--nic-name", "ornic2"});
-  ExpectFailure(stranger, "Uplink ornic2 is not in LAG 1");
+  stranger.insert(stranger.end(), {"--nic-name", "ornic3"});
+  ExpectFailure(stranger, "Uplink ornic3 is not in LAG 1");
   InjectFault("DVSwitchImpl::SetLacpTimeout", "agent busy");
   ExpectFailure(Timeout("true", "1", "DSwitch-Prod"), "agent busy");
   EXPECT_EQ(StateFileText(), before);
 }
 
 TEST_F(LacpTest, UplinkPortGroupsWithLacpOfTheirOwn) {
-  // Uplinks in the map: ornic2 and ornic3 run LACP through their group;
-  // lag1-0 sorts first and is not enabled, which leaves a leading comma.
+  // Uplinks in the map: ornic3 runs LACP through its group; ornic2 sorts
+  // first and is not enabled, which leaves a leading comma.
   OrvkCtl::Sim::ChangeHost([](OrvkCtl::Sim::HostModel& host) {
     for (auto& port : Dvs(host).uplink_ports) {
-      if (port.uplink == "ornic2" || port.uplink == "ornic3") {
+      if (port.uplink == "ornic3") {
         port.lacp_enabled = true;
         port.lacp_mode = 2;
       }
@@ -127,7 +127,7 @@ TEST_F(LacpTest, UplinkPortGroupsWithLacpOfTheirOwn) {
     Dvs(host).lags.clear();
   });
   EXPECT_EQ(Result(Lacp("config")),
-            "[{DVS Name=DSwitch-Prod,LAG Name=default_uplink_pg_lag,LAG ID=0,NICs=,ornic2,ornic3,"
+            "[{DVS Name=DSwitch-Prod,LAG Name=default_uplink_pg_lag,LAG ID=0,NICs=,ornic3,"
             "Enabled=true,Mode=Passive,Load balance=---}]");
   // Without a map: the first enabled port of each port group stands for it.
   OrvkCtl::Sim::ChangeHost([](OrvkCtl::Sim::HostModel& host) {
