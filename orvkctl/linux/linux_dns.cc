@@ -131,14 +131,9 @@ bool ParseHostsLine(std::string const& line, HostsEntryState& entry) {
   return true;
 }
 
-bool Same(HostsEntryState const& a, HostsEntryState const& b) {
-  return a.ip == b.ip && a.hostname == b.hostname && a.aliases == b.aliases &&
-         a.comment == b.comment;
-}
-
-bool Same(std::vector<HostsEntryState> const& a, std::vector<HostsEntryState> const& b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](auto const& x, auto const& y) { return Same(x, y); });
+template <class List>
+bool Same(List const& a, List const& b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end());
 }
 
 std::string HostsLine(HostsEntryState const& entry) {
@@ -160,7 +155,7 @@ std::string HostsText(std::string const& text, std::vector<HostsEntryState> cons
       continue;
     }
     for (size_t i = 0; i < entries.size(); ++i) {
-      if (placed[i] || !Same(entries[i], entry)) continue;
+      if (placed[i] || !(entries[i] == entry)) continue;
       placed[i] = true;
       out += line + "\n";
       break;
@@ -223,7 +218,7 @@ void PlanResolution(HostModel const& before, HostModel const& after, Plan& plan)
                                }));
   }
   if (!Same(before.ip.hosts, after.ip.hosts)) {
-    auto const entries = after.ip.hosts;
+    std::vector<HostsEntryState> const entries(after.ip.hosts.begin(), after.ip.hosts.end());
     plan.push_back(RewriteStep("write the hosts file", HostsPath(),
                                [entries](std::string const& text) { return HostsText(text, entries); }));
   }
