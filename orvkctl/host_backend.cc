@@ -29,8 +29,8 @@ std::unique_ptr<HostBackend> NewLinuxBackend() {
       path = self.substr(0, slash + 1) + kName;
     }
   }
-  void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (!handle) handle = dlopen(kName, RTLD_NOW | RTLD_LOCAL);
+  void* handle = dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);
+  if (!handle) handle = dlopen(kName, RTLD_LAZY | RTLD_LOCAL);
   using Make = HostBackend* (*)();
   void* entry = handle ? dlsym(handle, "OrvkCtl_NewLinuxBackend") : nullptr;
   if (!entry) {
