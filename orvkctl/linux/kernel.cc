@@ -198,7 +198,10 @@ void Dump(std::string const& netns, int type, int family,
       return NL_OK;
     }
   } reader{&each};
-  std::unique_ptr<nl_cb, void (*)(nl_cb*)> callbacks(nl_cb_clone(nl_socket_get_cb(sock)), nl_cb_put);
+  // nl_socket_get_cb hands out a reference of its own, given back at once.
+  nl_cb* shared = nl_socket_get_cb(sock);
+  std::unique_ptr<nl_cb, void (*)(nl_cb*)> callbacks(nl_cb_clone(shared), nl_cb_put);
+  nl_cb_put(shared);
   nl_cb_set(callbacks.get(), NL_CB_VALID, NL_CB_CUSTOM, Reader::Message, &reader);
   if (int error = nl_recvmsgs(sock, callbacks.get()); error < 0) FailNl(what, error);
 }
