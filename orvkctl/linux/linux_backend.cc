@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <sstream>
 
 #include "host_store.h"
@@ -86,18 +87,24 @@ std::string NamespaceId() {
   return std::to_string(info.st_ino);
 }
 
-// Holds back, while it lives, the signals that end a process by default, so
-// that one never ends it between a kernel step and the steps that complete
-// or undo it: what comes meanwhile is delivered at its end, when the host is
-// whole again (a batch's own handler only takes note of it).
+// Holds back the signals that end a process by default; gives the mask
+// that was in force.
+sigset_t HoldSignals() {
+  sigset_t held;
+  sigset_t before;
+  sigemptyset(&held);
+  for (int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGQUIT}) sigaddset(&held, signal);
+  pthread_sigmask(SIG_BLOCK, &held, &before);
+  return before;
+}
+
+// Holds them back while it lives, so that none ends the process between a
+// kernel step and the steps that complete or undo it: what comes meanwhile
+// is delivered at its end, when the host is whole again (a batch's own
+// handler only takes note of it).
 class SignalsHeldBack {
  public:
-  SignalsHeldBack() {
-    sigset_t held;
-    sigemptyset(&held);
-    for (int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGQUIT}) sigaddset(&held, signal);
-    pthread_sigmask(SIG_BLOCK, &held, &before_);
-  }
+  SignalsHeldBack() : before_(HoldSignals()) {}
   ~SignalsHeldBack() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
   SignalsHeldBack(SignalsHeldBack const&) = delete;
   SignalsHeldBack& operator=(SignalsHeldBack const&) = delete;
@@ -140,6 +147,11 @@ class LinuxBackend final : public Sim::HostBackend {
     plan.push_back({"keep the host's names", [this, new_kept] { StoreKept(new_kept); },
                     [this, old_kept] { StoreKept(old_kept); }});
 
+    // Outside a transaction one command may commit more than once (an
+    // interface is added, then configured): from its first change on the
+    // signals wait for the end of the process, which then ends with the
+    // command done. A transaction's owner decides between its commits.
+    if (!in_transaction_ && !held_for_command_) held_for_command_ = HoldSignals();
     SignalsHeldBack held;
     std::vector<Step> done;
     try {
@@ -223,6 +235,7 @@ class LinuxBackend final : public Sim::HostBackend {
 
   void Reset() override {
     if (lock_fd_ >= 0) close(lock_fd_);
+    if (held_for_command_) pthread_sigmask(SIG_SETMASK, &*held_for_command_, nullptr);
     *this = LinuxBackend();
   }
 
@@ -324,6 +337,7 @@ class LinuxBackend final : public Sim::HostBackend {
 
   bool opened_ = false;
   bool read_only_ = false;
+  std::optional<sigset_t> held_for_command_;
   bool in_transaction_ = false;
   int lock_fd_ = -1;
   std::string folder_;
