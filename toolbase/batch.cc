@@ -171,7 +171,8 @@ char const* SignalName(int signal) {
     case SIGINT: return "SIGINT";
     case SIGTERM: return "SIGTERM";
     case SIGHUP: return "SIGHUP";
-    default: return "SIGPIPE";
+    case SIGPIPE: return "SIGPIPE";
+    default: return "a signal";
   }
 }
 
@@ -343,8 +344,8 @@ int RunBatch(BatchOptions const& options, std::istream& standard_input,
   }
 
   bool written = false;
-  // The last moment to stop: a signal that comes later finds the batch
-  // written, and the process ends once it has printed what it did.
+  // The last moment to stop: a signal that comes later changes nothing of
+  // the outcome; the process prints what it did and ends as it would have.
   if (int const signal = stops.Caught(); signal != 0) {
     each(&AutoCli::Transaction::abort);
     err << "Error: interrupted by " << SignalName(signal)

@@ -146,7 +146,7 @@ TEST_F(InterruptTest, InterruptedBatchLeavesTheHostBeforeOrAfter) {
   SCOPED_TRACE("seed " + std::to_string(seed));
   std::mt19937 random(seed);
   int undone_midway = 0;
-  for (int attempt = 0; attempt < 15; ++attempt) {
+  for (int attempt = 0; attempt < 12; ++attempt) {
     // When the signal comes: as soon as the batch watches for it, once the
     // interface (line 4) exists, or after a random part of a whole run.
     int const when = attempt % 3;
