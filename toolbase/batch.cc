@@ -1,5 +1,7 @@
 #include "batch.h"
 
+#include <signal.h>
+
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -152,6 +154,59 @@ void PrintLines(std::vector<Ran> const& lines, std::ostream& out) {
   }
 }
 
+// The signals that end a batch before its end: the user's interrupt, a
+// request to stop, a terminal or pipe that went away. Each only sets a flag:
+// the batch finishes the line it runs, then drops every change of the batch
+// through the plug-ins' transactions.
+constexpr int kStopSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+
+volatile sig_atomic_t stop_signal = 0;
+
+extern "C" void NoteStopSignal(int signal) {
+  if (stop_signal == 0) stop_signal = signal;
+}
+
+char const* SignalName(int signal) {
+  switch (signal) {
+    case SIGINT: return "SIGINT";
+    case SIGTERM: return "SIGTERM";
+    case SIGHUP: return "SIGHUP";
+    case SIGPIPE: return "SIGPIPE";
+    default: return "a signal";
+  }
+}
+
+// Watches for the stop signals while it lives, and gives their dispositions
+// back at its end. A signal ignored when the process started (nohup, a
+// background job) stays ignored.
+class StopWatch {
+ public:
+  StopWatch() {
+    stop_signal = 0;
+    struct sigaction note {};
+    note.sa_handler = NoteStopSignal;
+    sigemptyset(&note.sa_mask);
+    note.sa_flags = SA_RESTART;
+    for (size_t i = 0; i < std::size(kStopSignals); ++i) {
+      sigaction(kStopSignals[i], nullptr, &before_[i]);
+      if (before_[i].sa_handler != SIG_IGN) sigaction(kStopSignals[i], &note, nullptr);
+    }
+  }
+  ~StopWatch() {
+    for (size_t i = 0; i < std::size(kStopSignals); ++i) {
+      sigaction(kStopSignals[i], &before_[i], nullptr);
+    }
+  }
+  StopWatch(StopWatch const&) = delete;
+  StopWatch& operator=(StopWatch const&) = delete;
+
+  // The first stop signal that came, or 0.
+  int Caught() const { return stop_signal; }
+
+ private:
+  struct sigaction before_[std::size(kStopSignals)];
+};
+
 }  // namespace
 
 bool SplitWords(std::string const& text, std::vector<std::string>& words) {
@@ -245,11 +300,15 @@ int RunBatch(BatchOptions const& options, std::istream& standard_input,
   auto each = [&](auto step) {
     for (auto const& hooks : transactions) (hooks.*step)();
   };
+  // From here on a stop signal undoes the batch (before, nothing was done:
+  // it ends the process as usual, also while it waits for a lock).
+  StopWatch stops;
 
   std::vector<Ran> lines;
   int status = kSuccess;
   int failed_line = 0;
   for (auto const& command : commands) {
+    if (stops.Caught()) break;
     if (options.keep_going) each(&AutoCli::Transaction::savepoint);
     Ran& ran = lines.emplace_back();
     ran.entry.line = command.number;
@@ -272,6 +331,7 @@ int RunBatch(BatchOptions const& options, std::istream& standard_input,
     ran.entry.messages = Lines(line_err.str());
     // Applied unless it fails or the batch is not written (settled below).
     ran.entry.applied = line_status == kSuccess;
+    if (stops.Caught()) break;
     if (line_status == kSuccess) continue;
     if (!options.keep_going) {
       status = line_status;
@@ -284,7 +344,16 @@ int RunBatch(BatchOptions const& options, std::istream& standard_input,
   }
 
   bool written = false;
-  if (options.dry_run || (status != kSuccess && !options.keep_going)) {
+  // The last moment to stop: a signal that comes later changes nothing of
+  // the outcome; the process prints what it did and ends as it would have.
+  if (int const signal = stops.Caught(); signal != 0) {
+    each(&AutoCli::Transaction::abort);
+    err << "Error: interrupted by " << SignalName(signal)
+        << (lines.empty() ? " before the first line"
+                          : " after batch line " + std::to_string(lines.back().entry.line))
+        << "; no change of the batch was applied.\n";
+    status = kSignalBase + signal;
+  } else if (options.dry_run || (status != kSuccess && !options.keep_going)) {
     each(&AutoCli::Transaction::abort);
     if (!options.dry_run) {
       err << "Error: batch line " << failed_line

@@ -32,6 +32,9 @@ enum ExitStatus {
   kCommandError = 1,
   // The line could not be used: unknown word or parameter, bad value, ...
   kUsageError = 2,
+  // Stopped by a signal: this plus the signal's number, as a shell tells a
+  // process the signal ended.
+  kSignalBase = 128,
 };
 
 // A new, empty root node for plug-ins to hang their trees on.

@@ -2,6 +2,7 @@
 // commit plans kernel steps, applies them, reads the kernel again and keeps
 // the change only when the kernel holds what was asked.
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,6 +12,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <sstream>
 
 #include "host_store.h"
@@ -85,6 +87,32 @@ std::string NamespaceId() {
   return std::to_string(info.st_ino);
 }
 
+// Holds back the signals that end a process by default; gives the mask
+// that was in force.
+sigset_t HoldSignals() {
+  sigset_t held;
+  sigset_t before;
+  sigemptyset(&held);
+  for (int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGQUIT}) sigaddset(&held, signal);
+  pthread_sigmask(SIG_BLOCK, &held, &before);
+  return before;
+}
+
+// Holds them back while it lives, so that none ends the process between a
+// kernel step and the steps that complete or undo it: what comes meanwhile
+// is delivered at its end, when the host is whole again (a batch's own
+// handler only takes note of it).
+class SignalsHeldBack {
+ public:
+  SignalsHeldBack() : before_(HoldSignals()) {}
+  ~SignalsHeldBack() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+  SignalsHeldBack(SignalsHeldBack const&) = delete;
+  SignalsHeldBack& operator=(SignalsHeldBack const&) = delete;
+
+ private:
+  sigset_t before_;
+};
+
 class LinuxBackend final : public Sim::HostBackend {
  public:
   HostModel const& Load(AreaSet areas) override {
@@ -119,6 +147,12 @@ class LinuxBackend final : public Sim::HostBackend {
     plan.push_back({"keep the host's names", [this, new_kept] { StoreKept(new_kept); },
                     [this, old_kept] { StoreKept(old_kept); }});
 
+    // Outside a transaction one command may commit more than once (an
+    // interface is added, then configured): from its first change on the
+    // signals wait for the end of the process, which then ends with the
+    // command done. A transaction's owner decides between its commits.
+    if (!in_transaction_ && !held_for_command_) held_for_command_ = HoldSignals();
+    SignalsHeldBack held;
     std::vector<Step> done;
     try {
       for (auto& step : plan) {
@@ -171,6 +205,7 @@ class LinuxBackend final : public Sim::HostBackend {
   }
 
   void RollbackToSavepoint() override {
+    SignalsHeldBack held;
     Undo(applied_, savepoint_);
     applied_.resize(savepoint_);
     host_ = saved_host_;
@@ -187,6 +222,7 @@ class LinuxBackend final : public Sim::HostBackend {
   }
 
   void AbortTransaction() override {
+    SignalsHeldBack held;
     Undo(applied_, 0);
     applied_.clear();
     in_transaction_ = false;
@@ -199,6 +235,7 @@ class LinuxBackend final : public Sim::HostBackend {
 
   void Reset() override {
     if (lock_fd_ >= 0) close(lock_fd_);
+    if (held_for_command_) pthread_sigmask(SIG_SETMASK, &*held_for_command_, nullptr);
     *this = LinuxBackend();
   }
 
@@ -213,10 +250,18 @@ class LinuxBackend final : public Sim::HostBackend {
       std::error_code ignored;
       std::filesystem::create_directories(folder_, ignored);
       chmod(folder_.c_str(), 0700);
-      std::string const lock_path = folder_ + "/linux-" + id + ".lock";
+      // One lock for every namespace under this root: a command here may
+      // change another namespace (a netstack instance) and its files.
+      std::string const lock_path = folder_ + "/linux.lock";
       lock_fd_ = open(lock_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
       if (lock_fd_ < 0) FailErrno("lock " + lock_path, errno);
-      if (flock(lock_fd_, LOCK_EX | LOCK_NB) != 0) {
+      // As on the simulated host: a wait of more than a second is told.
+      int locked = flock(lock_fd_, LOCK_EX | LOCK_NB);
+      for (int tries = 0; locked != 0 && tries < 20; ++tries) {
+        usleep(50 * 1000);
+        locked = flock(lock_fd_, LOCK_EX | LOCK_NB);
+      }
+      if (locked != 0) {
         std::fprintf(stderr, "Waiting for another command to release the lock on %s ...\n",
                      lock_path.c_str());
         while (flock(lock_fd_, LOCK_EX) != 0 && errno == EINTR) {
@@ -292,6 +337,7 @@ class LinuxBackend final : public Sim::HostBackend {
 
   bool opened_ = false;
   bool read_only_ = false;
+  std::optional<sigset_t> held_for_command_;
   bool in_transaction_ = false;
   int lock_fd_ = -1;
   std::string folder_;
