@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "host_store.h"
@@ -14,6 +15,21 @@
 namespace OrvkCtl::Sim {
 
 namespace {
+
+sigset_t HoldStopSignals() {
+  sigset_t held;
+  sigset_t before;
+  sigemptyset(&held);
+  for (int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGQUIT}) sigaddset(&held, signal);
+  pthread_sigmask(SIG_BLOCK, &held, &before);
+  return before;
+}
+
+// The mask in force before the command's first change, while they wait.
+std::optional<sigset_t>& HeldForTheCommand() {
+  static std::optional<sigset_t> before;
+  return before;
+}
 
 // The real host's backend lives in a library of its own beside this one, so
 // that neither it nor the netlink libraries it needs load for the simulated
@@ -58,6 +74,20 @@ HostBackend& Backend() {
     return name == "linux" ? NewLinuxBackend() : NewStateFileBackend();
   }();
   return *backend;
+}
+
+StopSignalsHeld::StopSignalsHeld() : before_(HoldStopSignals()) {}
+StopSignalsHeld::~StopSignalsHeld() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+void HoldStopSignalsForTheCommand() {
+  if (!HeldForTheCommand()) HeldForTheCommand() = HoldStopSignals();
+}
+
+void ReleaseStopSignalsOfTheCommand() {
+  if (auto& before = HeldForTheCommand()) {
+    pthread_sigmask(SIG_SETMASK, &*before, nullptr);
+    before.reset();
+  }
 }
 
 }  // namespace OrvkCtl::Sim

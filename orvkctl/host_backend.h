@@ -11,6 +11,8 @@
 // is in host_rules.h, which the Impl classes call inside their changes.
 #pragma once
 
+#include <signal.h>
+
 #include <functional>
 #include <string>
 
@@ -90,5 +92,28 @@ inline void ChangeHost(std::function<void(HostModel&)> const& change) {
   Backend().Commit(kAreaAll, change);
 }
 inline void ResetHostForTest() { Backend().Reset(); }
+
+// The signals that end a process by default (SIGINT, SIGTERM, SIGHUP,
+// SIGPIPE, SIGQUIT) wait while the host is between a change's steps, so
+// that none leaves it half-changed: what comes meanwhile is delivered when
+// they are released (a batch's own handler only takes note of it).
+class StopSignalsHeld {
+ public:
+  StopSignalsHeld();
+  ~StopSignalsHeld();
+  StopSignalsHeld(StopSignalsHeld const&) = delete;
+  StopSignalsHeld& operator=(StopSignalsHeld const&) = delete;
+
+ private:
+  sigset_t before_;
+};
+
+// Outside a transaction one command may change the host more than once (an
+// interface is added, then configured): from its first change on, the stop
+// signals wait until the process ends, which it then does with the command
+// done. Backends call this before a change outside a transaction; Reset
+// releases them (a transaction's owner decides between its changes).
+void HoldStopSignalsForTheCommand();
+void ReleaseStopSignalsOfTheCommand();
 
 }  // namespace OrvkCtl::Sim

@@ -475,7 +475,9 @@ void StateFileBackend::Commit(AreaSet areas, std::function<void(HostModel&)> con
   }
   // Outside a transaction the host is what the file says: change it in place
   // (copying a large area costs more than the change) and, should the change
-  // or the write fail, read the loaded areas back from the file's text.
+  // or the write fail, read the loaded areas back from the file's text. A
+  // command that changes the host twice is not stopped between the two.
+  HoldStopSignalsForTheCommand();
   try {
     change(host);
     Save(store, Compose(store, host, store.current.loaded));
@@ -495,6 +497,7 @@ void StateFileBackend::Commit(AreaSet areas, std::function<void(HostModel&)> con
 
 void StateFileBackend::Reset() {
   Store& store = TheStore();
+  ReleaseStopSignalsOfTheCommand();
   Forget(store);
   store.read_only = false;
   EndTransaction(store);

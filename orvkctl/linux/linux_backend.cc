@@ -87,32 +87,6 @@ std::string NamespaceId() {
   return std::to_string(info.st_ino);
 }
 
-// Holds back the signals that end a process by default; gives the mask
-// that was in force.
-sigset_t HoldSignals() {
-  sigset_t held;
-  sigset_t before;
-  sigemptyset(&held);
-  for (int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGQUIT}) sigaddset(&held, signal);
-  pthread_sigmask(SIG_BLOCK, &held, &before);
-  return before;
-}
-
-// Holds them back while it lives, so that none ends the process between a
-// kernel step and the steps that complete or undo it: what comes meanwhile
-// is delivered at its end, when the host is whole again (a batch's own
-// handler only takes note of it).
-class SignalsHeldBack {
- public:
-  SignalsHeldBack() : before_(HoldSignals()) {}
-  ~SignalsHeldBack() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-  SignalsHeldBack(SignalsHeldBack const&) = delete;
-  SignalsHeldBack& operator=(SignalsHeldBack const&) = delete;
-
- private:
-  sigset_t before_;
-};
-
 class LinuxBackend final : public Sim::HostBackend {
  public:
   HostModel const& Load(AreaSet areas) override {
@@ -151,8 +125,8 @@ class LinuxBackend final : public Sim::HostBackend {
     // interface is added, then configured): from its first change on the
     // signals wait for the end of the process, which then ends with the
     // command done. A transaction's owner decides between its commits.
-    if (!in_transaction_ && !held_for_command_) held_for_command_ = HoldSignals();
-    SignalsHeldBack held;
+    if (!in_transaction_) Sim::HoldStopSignalsForTheCommand();
+    Sim::StopSignalsHeld held;
     std::vector<Step> done;
     try {
       for (auto& step : plan) {
@@ -205,7 +179,7 @@ class LinuxBackend final : public Sim::HostBackend {
   }
 
   void RollbackToSavepoint() override {
-    SignalsHeldBack held;
+    Sim::StopSignalsHeld held;
     Undo(applied_, savepoint_);
     applied_.resize(savepoint_);
     host_ = saved_host_;
@@ -222,7 +196,7 @@ class LinuxBackend final : public Sim::HostBackend {
   }
 
   void AbortTransaction() override {
-    SignalsHeldBack held;
+    Sim::StopSignalsHeld held;
     Undo(applied_, 0);
     applied_.clear();
     in_transaction_ = false;
@@ -235,7 +209,7 @@ class LinuxBackend final : public Sim::HostBackend {
 
   void Reset() override {
     if (lock_fd_ >= 0) close(lock_fd_);
-    if (held_for_command_) pthread_sigmask(SIG_SETMASK, &*held_for_command_, nullptr);
+    Sim::ReleaseStopSignalsOfTheCommand();
     *this = LinuxBackend();
   }
 
@@ -337,7 +311,6 @@ class LinuxBackend final : public Sim::HostBackend {
 
   bool opened_ = false;
   bool read_only_ = false;
-  std::optional<sigset_t> held_for_command_;
   bool in_transaction_ = false;
   int lock_fd_ = -1;
   std::string folder_;

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <signal.h>
+
 #include <filesystem>
 #include <stdexcept>
 #include <string>
@@ -151,3 +153,31 @@ TEST_F(TransactionTest, FailuresComeBackAsMessages) {
 }
 
 }  // namespace
+
+// Whether SIGTERM is blocked in this thread now.
+bool StopSignalsWait() {
+  sigset_t mask;
+  pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+  return sigismember(&mask, SIGTERM) == 1;
+}
+
+// A command outside a batch may change the host twice (an interface is
+// added, then configured): from its first change a stop signal waits for
+// the end, so that the host is never left between the two. A batch's
+// changes leave signals to the batch.
+TEST_F(TransactionTest, StopSignalsWaitFromACommandsFirstChangeToItsEnd) {
+  ASSERT_FALSE(StopSignalsWait());
+  ReadHost();
+  EXPECT_FALSE(StopSignalsWait()) << "reading holds nothing back";
+  Rename("first");
+  EXPECT_TRUE(StopSignalsWait());
+  Rename("second");
+  EXPECT_TRUE(StopSignalsWait());
+  Reload();  // the end of the command
+  EXPECT_FALSE(StopSignalsWait());
+
+  ASSERT_EQ(OrvkCtl_BeginTransaction(), nullptr);
+  Rename("in a batch");
+  EXPECT_FALSE(StopSignalsWait());
+  OrvkCtl_AbortTransaction();
+}
