@@ -326,6 +326,28 @@ TEST_F(FirewallTest, AHandEditedTableReadsAsFaithfullyAsItCan) {
   EXPECT_EQ(ChainRules("custom-in"), std::vector<std::string>{"tcp dport 9000-9009 accept"});
 }
 
+// Rules added at run time are in force after a refresh as before it, in
+// their order across the two directions, named by their comments.
+TEST_F(FirewallTest, RefreshKeepsTheRulesAddedAtRunTime) {
+  Ok({"network", "firewall", "load"});
+  Shell("nft add rule inet toolbase dynamic-out udp dport 53 accept comment dns && "
+        "nft add rule inet toolbase dynamic-in tcp sport 8080-8081 accept comment web");
+  OrvkCtl::Sim::ResetHostForTest();
+  Ok({"network", "firewall", "refresh"});
+  EXPECT_EQ(ChainRules("dynamic-out"),
+            std::vector<std::string>{"udp dport 53 accept comment \"dns\""});
+  EXPECT_EQ(ChainRules("dynamic-in"),
+            std::vector<std::string>{"tcp sport 8080-8081 accept comment \"web\""});
+  std::map<int, std::string> by_handle;
+  for (auto const& item : Items()) {
+    if (item.contains("rule") && item["rule"].contains("comment")) {
+      by_handle[item["rule"]["handle"]] = item["rule"]["comment"];
+    }
+  }
+  EXPECT_EQ(by_handle.begin()->second, "dns");
+  EXPECT_EQ(by_handle.size(), 2u);
+}
+
 // Only the firewall loads libnftables: other commands of the host do not.
 TEST_F(FirewallTest, OnlyTheFirewallLoadsTheNftablesLibrary) {
   struct Case {
