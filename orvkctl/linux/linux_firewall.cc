@@ -297,6 +297,17 @@ void PayloadMatch(Writer& w, char const* op, char const* protocol, char const* f
   w.EndObject();
 }
 
+// Expressions of the base chains' fixed rules.
+constexpr char kEstablished[] =
+    R"({"match":{"op":"in","left":{"ct":{"key":"state"}},"right":["established","related"]}})";
+constexpr char const* kLoopback[2] = {
+    R"({"match":{"op":"==","left":{"meta":{"key":"iifname"}},"right":"lo"}})",
+    R"({"match":{"op":"==","left":{"meta":{"key":"oifname"}},"right":"lo"}})"};
+
+void Raw(Writer& w, char const* json) {
+  w.RawValue(json, std::char_traits<char>::length(json), rapidjson::kObjectType);
+}
+
 void PortRule(Batch& batch, std::string const& chain, std::string const& comment,
               FirewallRuleState const& rule) {
   batch.Rule(chain, comment, [&](Writer& w) {
@@ -366,47 +377,8 @@ std::string TableBatch(HostModel const& host) {
       }, nullptr);
     };
     if (!firewall.enabled) batch.Rule(base, {}, [](Writer&) {});
-    batch.Rule(base, {}, [](Writer& w) {
-      w.StartObject();
-      w.Key("match");
-      w.StartObject();
-      w.Key("op");
-      w.String("in");
-      w.Key("left");
-      w.StartObject();
-      w.Key("ct");
-      w.StartObject();
-      w.Key("key");
-      w.String("state");
-      w.EndObject();
-      w.EndObject();
-      w.Key("right");
-      w.StartArray();
-      w.String("established");
-      w.String("related");
-      w.EndArray();
-      w.EndObject();
-      w.EndObject();
-    });
-    batch.Rule(base, {}, [&](Writer& w) {
-      w.StartObject();
-      w.Key("match");
-      w.StartObject();
-      w.Key("op");
-      w.String("==");
-      w.Key("left");
-      w.StartObject();
-      w.Key("meta");
-      w.StartObject();
-      w.Key("key");
-      w.String(direction == 0 ? "iifname" : "oifname");
-      w.EndObject();
-      w.EndObject();
-      w.Key("right");
-      w.String("lo");
-      w.EndObject();
-      w.EndObject();
-    });
+    batch.Rule(base, {}, [](Writer& w) { Raw(w, kEstablished); });
+    batch.Rule(base, {}, [&](Writer& w) { Raw(w, kLoopback[direction]); });
     jump(kDynamic + std::string(kChainSuffix[direction]));
     for (auto const& ruleset : firewall.rulesets) {
       if (ruleset.enabled) jump(ruleset.id + kChainSuffix[direction]);
@@ -453,7 +425,6 @@ struct ListedChain {
 // The table as `list table` gives it. Only `document` owns; the rest
 // points into it.
 struct Listing {
-  std::string text;
   rapidjson::Document document;
   std::vector<std::string> chain_order;
   std::map<std::string, ListedChain> chains;
@@ -495,11 +466,10 @@ std::string ElementText(Value const& element) {
 }
 
 // Parses the listing `text`; throws when it is no listing.
-std::unique_ptr<Listing> ParseListing(std::string text) {
+std::unique_ptr<Listing> ParseListing(std::string const& text) {
   auto listing = std::make_unique<Listing>();
-  listing->text = std::move(text);
   auto& document = listing->document;
-  document.Parse(listing->text.c_str());
+  document.Parse(text.c_str());
   Value const* items = document.HasParseError() ? nullptr : Member(document, "nftables");
   if (!items || !items->IsArray()) {
     throw HostCtlException("Cannot read " + std::string(kTableText) +
@@ -540,14 +510,12 @@ std::unique_ptr<Listing> ListTable() {
     throw HostCtlException("Cannot read " + std::string(kTableText) + ": " +
                            Nftables::Reason(error));
   }
-  return ParseListing(std::move(output));
+  return ParseListing(output);
 }
 
-// The expressions of a rule, when it has exactly `count`.
-Value const* const* Exprs(ListedRule const& rule, size_t count, Value const* (&out)[2]) {
-  if (rule.expr->Size() != count) return nullptr;
-  for (size_t i = 0; i < count; ++i) out[i] = &(*rule.expr)[static_cast<rapidjson::SizeType>(i)];
-  return out;
+// Expression `i` of a rule that has exactly `count`, or null.
+Value const* Expr(ListedRule const& rule, rapidjson::SizeType count, rapidjson::SizeType i) {
+  return rule.expr->Size() == count ? &(*rule.expr)[i] : nullptr;
 }
 
 bool IsVerdict(Value const& expr, char const* verdict) {
@@ -573,32 +541,34 @@ std::optional<PayloadOf> Payload(Value const& expr) {
 
 // "accept" alone.
 bool IsAcceptAll(ListedRule const& rule) {
-  Value const* expr[2];
-  return Exprs(rule, 1, expr) && IsVerdict(*expr[0], "accept");
+  Value const* verdict = Expr(rule, 1, 0);
+  return verdict && IsVerdict(*verdict, "accept");
 }
 
 // The target of "jump X" alone, or "".
 std::string JumpTarget(ListedRule const& rule) {
-  Value const* expr[2];
-  if (!Exprs(rule, 1, expr)) return {};
-  Value const* jump = Member(*expr[0], "jump");
+  Value const* expr = Expr(rule, 1, 0);
+  Value const* jump = expr ? Member(*expr, "jump") : nullptr;
   return jump ? StringOf(*jump, "target") : "";
+}
+
+// The match of a rule "<match> <verdict>", when it has that verdict.
+std::optional<PayloadOf> MatchThen(ListedRule const& rule, char const* verdict) {
+  Value const* last = Expr(rule, 2, 1);
+  if (!last || !IsVerdict(*last, verdict)) return std::nullopt;
+  return Payload(*Expr(rule, 2, 0));
 }
 
 // "ip saddr != @set return" and its kin.
 bool IsGuard(ListedRule const& rule) {
-  Value const* expr[2];
-  if (!Exprs(rule, 2, expr) || !IsVerdict(*expr[1], "return")) return false;
-  auto payload = Payload(*expr[0]);
+  auto payload = MatchThen(rule, "return");
   return payload && payload->op == "!=" && (payload->protocol == "ip" || payload->protocol == "ip6") &&
          payload->right->IsString() && payload->right->GetString()[0] == '@';
 }
 
 // "tcp dport 22 accept" and its kin, as a rule of direction `direction`.
 std::optional<FirewallRuleState> PortRuleOf(ListedRule const& rule, int direction) {
-  Value const* expr[2];
-  if (!Exprs(rule, 2, expr) || !IsVerdict(*expr[1], "accept")) return std::nullopt;
-  auto payload = Payload(*expr[0]);
+  auto payload = MatchThen(rule, "accept");
   if (!payload || payload->op != "==" || (payload->protocol != "tcp" && payload->protocol != "udp") ||
       (payload->field != "dport" && payload->field != "sport")) {
     return std::nullopt;
