@@ -330,21 +330,9 @@ void PortRule(Batch& batch, std::string const& chain, std::string const& comment
 
 int Direction(FirewallRuleState const& rule) { return rule.direction == 0 ? 0 : 1; }
 
-std::unique_ptr<struct Listing> ListTable();
-
-// Whether `host` has the firewall loaded: its module says so, and when the
-// host area is not loaded (a change of rulesets only), the table's being
-// there does.
-bool Loaded(HostModel const& host) {
-  if (auto const* module = Sim::FindModule(host, kModule)) return module->loaded;
-  return ListTable() != nullptr;
-}
-
-// The batch that makes the table what `host`'s firewall says, replacing the
-// table there is; "" when the firewall is not loaded.
-std::string TableBatch(HostModel const& host) {
-  if (!Loaded(host)) return {};
-  FirewallState const& firewall = host.firewall;
+// The batch that makes the table what `firewall` says, replacing the table
+// there is.
+std::string TableBatch(FirewallState const& firewall) {
   Batch batch;
   batch.Table("add");
   batch.Table("delete");
@@ -735,8 +723,16 @@ std::string RestoreBatch(Listing const* listing) {
 // One step: the table as `after` has it, in one transaction; its undo puts
 // back the table as it was before the step, itself one transaction.
 void PlanFirewall(HostModel const& before, HostModel const& after, Plan& plan) {
-  std::string wanted = TableBatch(after);
-  if (wanted == TableBatch(before)) return;
+  // Whether the firewall is loaded: the module says so, and when the host
+  // area is not loaded (a change of rulesets only), the table's being there.
+  std::optional<bool> table;
+  auto batch = [&table](HostModel const& host) -> std::string {
+    auto const* module = Sim::FindModule(host, kModule);
+    if (!module && !table) table = ListTable() != nullptr;
+    return (module ? module->loaded : *table) ? TableBatch(host.firewall) : "";
+  };
+  std::string wanted = batch(after);
+  if (wanted == batch(before)) return;
   if (wanted.empty()) wanted = RestoreBatch(nullptr);
   auto saved = std::make_shared<std::unique_ptr<Listing>>();
   plan.push_back({std::string("change ") + kTableText,
