@@ -140,6 +140,8 @@ TEST_F(FirewallTest, TheWalkthroughLeavesExactlyTheRulesTheListingsShow) {
   auto get = [&] { return Listing({"network", "firewall", "get"}); };
   EXPECT_FALSE(TableExists());
   EXPECT_EQ(get(), json::parse(R"({"Loaded":false,"Enabled":false,"DefaultAction":"PASS"})"));
+  Refused({"network", "firewall", "set", "--enabled", "true"}, "Firewall module is not loaded");
+  EXPECT_FALSE(TableExists());
 
   // Loaded, a firewall starts off: it lets everything by.
   Ok({"network", "firewall", "load"});
