@@ -121,7 +121,9 @@ set(CPACK_DEBIAN_PACKAGE_SECTION admin)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_DEBUGINFO_PACKAGE ON)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME toolbase)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_SUGGESTS "bash-completion")
+# libnftables1: opened only when the linux host's firewall is used, so no
+# library dependency names it.
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SUGGESTS "bash-completion, libnftables1")
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION
     "host administration command framework, with its network commands
 toolbase runs administration commands as words (toolbase network nic list),

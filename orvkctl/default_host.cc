@@ -2,10 +2,6 @@
 
 namespace OrvkCtl::Sim {
 
-namespace {
-void SeedFirewallRulesets(FirewallState& firewall);
-}
-
 HostModel DefaultHost() {
   HostModel host;
   host.hostname = "halden-01";
@@ -33,7 +29,6 @@ void SeedFirewall(HostModel& host) {
 // services that run by default counted as clients of their rulesets. Rules
 // read: port type (1 destination, 0 source), first and last port, direction
 // (0 inbound, 1 outbound), protocol (0 TCP, 1 UDP).
-namespace {
 void SeedFirewallRulesets(FirewallState& firewall) {
   auto ruleset = [](char const* id, bool enabled, int32_t clients,
                     std::vector<std::string> allowed, std::vector<FirewallRuleState> rules) {
@@ -78,7 +73,6 @@ void SeedFirewallRulesets(FirewallState& firewall) {
   // Locked down: a restricted list that admits nobody yet.
   firewall.rulesets[6].allowed_all = false;
 }
-}  // namespace
 
 FirewallRulesetState* FindRuleset(FirewallState& firewall, std::string const& id) {
   for (auto& ruleset : firewall.rulesets) {

@@ -35,6 +35,9 @@ struct HostModel {
 // Seed function in turn.
 HostModel DefaultHost();
 void SeedFirewall(HostModel& host);
+// The host's catalogue of firewall rulesets (ids, rules and their ports), as
+// a freshly installed host configures them; part of SeedFirewall.
+void SeedFirewallRulesets(FirewallState& firewall);
 void SeedNic(HostModel& host);
 void SeedIp(HostModel& host);
 void SeedVswitch(HostModel& host);

@@ -15,6 +15,7 @@ struct FirewallRuleState {
   int32_t port_end = 0;
   int32_t direction = 0;  // 0 inbound, else outbound
   int32_t protocol = 0;   // 0 TCP, else UDP
+  bool operator==(FirewallRuleState const&) const = default;
 };
 
 // One ruleset of the firewall configuration. `allowed_ips` holds canonical

@@ -1,5 +1,5 @@
-// What the host is beyond its network: its name, and the areas a linux host
-// does not have (yet): the firewall, and the runtime's virtual machines.
+// What the host is beyond its network: its name, and the area a linux host
+// does not have (yet): the runtime's virtual machines.
 #include <netlink/route/link.h>
 #include <unistd.h>
 
@@ -19,8 +19,6 @@ void ReadHostName(HostModel& host) {
 
 void NoPlan(HostModel const&, HostModel const&, Plan&) {}
 void KeepNothing(HostModel const&, HostModel&) {}
-
-[[noreturn]] void ReadFirewall(HostModel&) { NotAvailable("The firewall"); }
 
 // No virtual machines run on such a host: no worlds, and no ENS contexts
 // (none can be made: a change of them is refused). The switch ports are those of the interfaces, kept by
@@ -73,7 +71,6 @@ void KeepPorts(HostModel const& after, HostModel& reread) {
 }  // namespace
 
 Family HostFamily() { return {"host", Sim::kAreaHost, ReadHostName, NoPlan, KeepNothing}; }
-Family FirewallFamily() { return {"firewall", Sim::kAreaFirewall, ReadFirewall, NoPlan, KeepNothing}; }
 Family RuntimeFamily() {
   return {"runtime", Sim::kAreaRuntime, ReadRuntime, PlanRuntime, KeepPorts};
 }

@@ -58,10 +58,6 @@ TEST_F(NicTest, AnUnknownNicChangesNothing) {
   EXPECT_EQ(Shell("ip -j link show"), before);
 }
 
-TEST_F(NicTest, TheFirewallIsAClearErrorNamingTheHostKind) {
-  Refused({"network", "firewall", "get"}, "not available on a linux host");
-}
-
 using nlohmann::json;
 
 class NicDetailsTest : public LinuxHostTest {
