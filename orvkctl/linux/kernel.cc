@@ -494,7 +494,8 @@ std::vector<RouteInfo> Routes(std::string const& netns) {
   rtmsg header{};
   Dump(netns, RTM_GETROUTE, &header, sizeof header, [&](nlmsghdr const* message) {
     auto const* info = HeaderOf<rtmsg>(message);
-    if (!info) return;
+    // A table above 255 reads RT_TABLE_COMPAT here: none is the main one.
+    if (!info || info->rtm_table != RT_TABLE_MAIN || info->rtm_type != RTN_UNICAST) return;
     RouteInfo route;
     route.family = info->rtm_family;
     route.table = info->rtm_table;
@@ -532,7 +533,7 @@ std::vector<NeighborInfo> Neighbors(std::string const& netns) {
   ndmsg header{};
   Dump(netns, RTM_GETNEIGH, &header, sizeof header, [&](nlmsghdr const* message) {
     auto const* info = HeaderOf<ndmsg>(message);
-    if (!info) return;
+    if (!info || (info->ndm_state & (NUD_NOARP | NUD_FAILED | NUD_NONE))) return;
     NeighborInfo neighbor;
     neighbor.family = info->ndm_family;
     neighbor.index = info->ndm_ifindex;
@@ -596,10 +597,13 @@ std::string AddressText(int family, void const* bytes, size_t size) {
     return inet_ntop(family, bytes, text, sizeof text) ? text : "";
   }
   if (size != 6) return {};
+  constexpr char kDigits[] = "0123456789abcdef";
   auto const* b = static_cast<unsigned char const*>(bytes);
-  char text[18];
-  std::snprintf(text, sizeof text, "%02x:%02x:%02x:%02x:%02x:%02x", b[0], b[1], b[2], b[3], b[4],
-                b[5]);
+  std::string text(17, ':');
+  for (size_t i = 0; i < 6; ++i) {
+    text[3 * i] = kDigits[b[i] >> 4];
+    text[3 * i + 1] = kDigits[b[i] & 0xf];
+  }
   return text;
 }
 

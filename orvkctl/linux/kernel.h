@@ -123,7 +123,7 @@ struct AddressInfo {
 };
 std::vector<AddressInfo> Addresses(std::string const& netns = {});
 
-// A route of any table.
+// A unicast route of the main table (the only ones read).
 struct RouteInfo {
   int family = 0;
   unsigned table = 0;
@@ -137,7 +137,8 @@ struct RouteInfo {
 };
 std::vector<RouteInfo> Routes(std::string const& netns = {});
 
-// An entry of a neighbor table.
+// An entry of a neighbor table: those the kernel keeps without resolving
+// (NOARP), failed ones and unresolved ones are not read.
 struct NeighborInfo {
   int family = 0;
   int index = 0;  // of its link
