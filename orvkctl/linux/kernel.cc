@@ -131,13 +131,22 @@ void InNamespace(std::string const& netns, std::function<void()> const& work) {
   work();
 }
 
+std::optional<std::string> ReadFile(std::string const& path) {
+  Fd file{open(path.c_str(), O_RDONLY | O_CLOEXEC)};
+  if (file.fd < 0) return std::nullopt;
+  std::string text;
+  char buffer[4096];
+  for (;;) {
+    ssize_t const n = read(file.fd, buffer, sizeof buffer);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) return std::nullopt;
+    if (n == 0) return text;
+    text.append(buffer, static_cast<size_t>(n));
+  }
+}
+
 std::string ReadSysctl(std::string const& path) {
-  Fd file{open(("/proc/sys/" + path).c_str(), O_RDONLY | O_CLOEXEC)};
-  if (file.fd < 0) return {};
-  char text[256];
-  ssize_t n = read(file.fd, text, sizeof text - 1);
-  if (n <= 0) return {};
-  std::string value(text, static_cast<size_t>(n));
+  std::string value = ReadFile("/proc/sys/" + path).value_or("");
   while (!value.empty() && (value.back() == '\n' || value.back() == ' ')) value.pop_back();
   return value;
 }

@@ -35,6 +35,9 @@ void RemoveNamespace(std::string const& netns);
 // process's own), then returns to the process's own.
 void InNamespace(std::string const& netns, std::function<void()> const& work);
 
+// The whole text of file `path`, or nothing when it cannot be read.
+std::optional<std::string> ReadFile(std::string const& path);
+
 // The value of the sysctl file `path` under /proc/sys/ (e.g.
 // "net/ipv4/tcp_ecn"), without its line end; "" when it does not exist. The
 // calling thread's namespace decides which one: call inside InNamespace.
