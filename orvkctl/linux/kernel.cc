@@ -12,8 +12,8 @@
 #include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/mount.h>
-#include <sys/stat.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -328,10 +328,32 @@ void DumpLinks(std::string const& netns, bool names_only,
   request.mask_attr.nla_len = sizeof(nlattr) + sizeof(uint32_t);
   // Counters only when they are wanted.
   request.mask = names_only ? RTEXT_FILTER_SKIP_STATS : 0;
-  Dump(netns, RTM_GETLINK, &request, sizeof request, [&](nlmsghdr const* message) {
-    LinkInfo link;
-    if (ParseLink(message, link, names_only)) use(std::move(link));
-  }, "read the network devices");
+  Dump(
+      netns, RTM_GETLINK, &request, sizeof request,
+      [&](nlmsghdr const* message) {
+        LinkInfo link;
+        if (ParseLink(message, link, names_only)) use(std::move(link));
+      },
+      "read the network devices");
+}
+
+// Dumps the objects of message type `type` in `netns` into records: `fill`
+// makes one from a message's family header (`Header`) and attributes, or
+// returns false for an object not wanted.
+template <class Header, class Record, class Fill>
+std::vector<Record> DumpRecords(std::string const& netns, uint16_t type, std::string const& what,
+                                Fill&& fill) {
+  std::vector<Record> records;
+  Header const request{};
+  Dump(
+      netns, type, &request, sizeof request,
+      [&](nlmsghdr const* message) {
+        auto const* header = HeaderOf<Header>(message);
+        Record record;
+        if (header && fill(*header, message, record)) records.push_back(std::move(record));
+      },
+      what);
+  return records;
 }
 
 // The texts the kernel's refusals are told with.
@@ -464,104 +486,94 @@ int LinkIndex(std::string const& name, std::string const& what, std::string cons
 }
 
 std::vector<AddressInfo> Addresses(std::string const& netns) {
-  std::vector<AddressInfo> addresses;
-  ifaddrmsg header{};
-  Dump(netns, RTM_GETADDR, &header, sizeof header, [&](nlmsghdr const* message) {
-    auto const* info = HeaderOf<ifaddrmsg>(message);
-    if (!info) return;
-    AddressInfo address;
-    address.index = static_cast<int>(info->ifa_index);
-    address.family = info->ifa_family;
-    address.prefix = info->ifa_prefixlen;
-    address.scope = info->ifa_scope;
-    address.flags = info->ifa_flags;
-    std::string peer;
-    EachAttr(message, sizeof(ifaddrmsg), [&](nlattr const* attr) {
-      switch (mnl_attr_get_type(attr)) {
-        case IFA_LOCAL:
-          address.local = AddressOf(address.family, attr);
-          break;
-        case IFA_ADDRESS:
-          peer = AddressOf(address.family, attr);
-          break;
-        case IFA_FLAGS:
-          address.flags = U32(attr);
-          break;
-        default:
-          break;
-      }
-    });
-    // IPv6 addresses come with IFA_ADDRESS only.
-    if (address.local.empty()) address.local = peer;
-    addresses.push_back(std::move(address));
-  }, "read the addresses");
-  return addresses;
+  return DumpRecords<ifaddrmsg, AddressInfo>(
+      netns, RTM_GETADDR, "read the addresses",
+      [](ifaddrmsg const& info, nlmsghdr const* message, AddressInfo& address) {
+        address.index = static_cast<int>(info.ifa_index);
+        address.family = info.ifa_family;
+        address.prefix = info.ifa_prefixlen;
+        address.scope = info.ifa_scope;
+        address.flags = info.ifa_flags;
+        std::string peer;
+        EachAttr(message, sizeof(ifaddrmsg), [&](nlattr const* attr) {
+          switch (mnl_attr_get_type(attr)) {
+            case IFA_LOCAL:
+              address.local = AddressOf(address.family, attr);
+              break;
+            case IFA_ADDRESS:
+              peer = AddressOf(address.family, attr);
+              break;
+            case IFA_FLAGS:
+              address.flags = U32(attr);
+              break;
+            default:
+              break;
+          }
+        });
+        // IPv6 addresses come with IFA_ADDRESS only.
+        if (address.local.empty()) address.local = peer;
+        return true;
+      });
 }
 
 std::vector<RouteInfo> Routes(std::string const& netns) {
-  std::vector<RouteInfo> routes;
-  rtmsg header{};
-  Dump(netns, RTM_GETROUTE, &header, sizeof header, [&](nlmsghdr const* message) {
-    auto const* info = HeaderOf<rtmsg>(message);
-    // A table above 255 reads RT_TABLE_COMPAT here: none is the main one.
-    if (!info || info->rtm_table != RT_TABLE_MAIN || info->rtm_type != RTN_UNICAST) return;
-    RouteInfo route;
-    route.family = info->rtm_family;
-    route.table = info->rtm_table;
-    route.type = info->rtm_type;
-    route.protocol = info->rtm_protocol;
-    route.prefix = info->rtm_dst_len;
-    EachAttr(message, sizeof(rtmsg), [&](nlattr const* attr) {
-      switch (mnl_attr_get_type(attr)) {
-        case RTA_TABLE:
-          route.table = U32(attr);
-          break;
-        case RTA_DST:
-          route.destination = AddressOf(route.family, attr);
-          break;
-        case RTA_GATEWAY:
-          route.gateway = AddressOf(route.family, attr);
-          break;
-        case RTA_OIF:
-          route.link = static_cast<int>(U32(attr));
-          break;
-        case RTA_MULTIPATH:
-          route.multipath = true;
-          break;
-        default:
-          break;
-      }
-    });
-    routes.push_back(std::move(route));
-  }, "read the routes");
-  return routes;
+  return DumpRecords<rtmsg, RouteInfo>(
+      netns, RTM_GETROUTE, "read the routes",
+      [](rtmsg const& info, nlmsghdr const* message, RouteInfo& route) {
+        // A table above 255 reads RT_TABLE_COMPAT here: none is the main one.
+        if (info.rtm_table != RT_TABLE_MAIN || info.rtm_type != RTN_UNICAST) return false;
+        route.family = info.rtm_family;
+        route.table = info.rtm_table;
+        route.type = info.rtm_type;
+        route.protocol = info.rtm_protocol;
+        route.prefix = info.rtm_dst_len;
+        EachAttr(message, sizeof(rtmsg), [&](nlattr const* attr) {
+          switch (mnl_attr_get_type(attr)) {
+            case RTA_TABLE:
+              route.table = U32(attr);
+              break;
+            case RTA_DST:
+              route.destination = AddressOf(route.family, attr);
+              break;
+            case RTA_GATEWAY:
+              route.gateway = AddressOf(route.family, attr);
+              break;
+            case RTA_OIF:
+              route.link = static_cast<int>(U32(attr));
+              break;
+            case RTA_MULTIPATH:
+              route.multipath = true;
+              break;
+            default:
+              break;
+          }
+        });
+        return true;
+      });
 }
 
 std::vector<NeighborInfo> Neighbors(std::string const& netns) {
-  std::vector<NeighborInfo> neighbors;
-  ndmsg header{};
-  Dump(netns, RTM_GETNEIGH, &header, sizeof header, [&](nlmsghdr const* message) {
-    auto const* info = HeaderOf<ndmsg>(message);
-    if (!info || (info->ndm_state & (NUD_NOARP | NUD_FAILED | NUD_NONE))) return;
-    NeighborInfo neighbor;
-    neighbor.family = info->ndm_family;
-    neighbor.index = info->ndm_ifindex;
-    neighbor.state = info->ndm_state;
-    EachAttr(message, sizeof(ndmsg), [&](nlattr const* attr) {
-      switch (mnl_attr_get_type(attr)) {
-        case NDA_DST:
-          neighbor.address = AddressOf(neighbor.family, attr);
-          break;
-        case NDA_LLADDR:
-          neighbor.mac = AddressOf(AF_PACKET, attr);
-          break;
-        default:
-          break;
-      }
-    });
-    neighbors.push_back(std::move(neighbor));
-  }, "read the neighbors");
-  return neighbors;
+  return DumpRecords<ndmsg, NeighborInfo>(
+      netns, RTM_GETNEIGH, "read the neighbors",
+      [](ndmsg const& info, nlmsghdr const* message, NeighborInfo& neighbor) {
+        if (info.ndm_state & (NUD_NOARP | NUD_FAILED | NUD_NONE)) return false;
+        neighbor.family = info.ndm_family;
+        neighbor.index = info.ndm_ifindex;
+        neighbor.state = info.ndm_state;
+        EachAttr(message, sizeof(ndmsg), [&](nlattr const* attr) {
+          switch (mnl_attr_get_type(attr)) {
+            case NDA_DST:
+              neighbor.address = AddressOf(neighbor.family, attr);
+              break;
+            case NDA_LLADDR:
+              neighbor.mac = AddressOf(AF_PACKET, attr);
+              break;
+            default:
+              break;
+          }
+        });
+        return true;
+      });
 }
 
 Address ParseAddr(std::string const& text, int family) {
@@ -659,8 +671,8 @@ void DeleteLink(std::string const& name, std::string const& what) {
 }
 
 void SetMaster(std::string const& name, std::string const& master) {
-  std::string const what =
-      master.empty() ? "release " + name + " from its bridge" : "add " + name + " to bridge " + master;
+  std::string const what = master.empty() ? "release " + name + " from its bridge"
+                                          : "add " + name + " to bridge " + master;
   int const bridge = master.empty() ? 0 : LinkIndex(master, what);
   LinkChange change(name);
   change.PutU32(IFLA_MASTER, static_cast<uint32_t>(bridge));

@@ -96,7 +96,7 @@ void Dump(std::string const& netns, uint16_t type, void const* header, size_t si
 struct LinkInfo {
   int index = 0;
   std::string name;
-  unsigned type = 0;  // ARPHRD_*
+  unsigned type = 0;   // ARPHRD_*
   unsigned flags = 0;  // IFF_*
   uint32_t mtu = 0;
   int master = 0;  // the index of its bridge, or 0
@@ -144,7 +144,7 @@ std::vector<RouteInfo> Routes(std::string const& netns = {});
 // (NOARP), failed ones and unresolved ones are not read.
 struct NeighborInfo {
   int family = 0;
-  int index = 0;  // of its link
+  int index = 0;       // of its link
   unsigned state = 0;  // NUD_*
   std::string address;
   std::string mac;

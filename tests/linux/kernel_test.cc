@@ -1,21 +1,22 @@
 // The backend's doors to the kernel on their own: what route netlink reads
 // agrees with `ip -j`, change requests reach the kernel, and its refusals
 // read as before ("Cannot <what>: <reason>").
-#include <net/if.h>
+#include "kernel.h"
+
 #include <linux/neighbour.h>
 #include <linux/rtnetlink.h>
+#include <net/if.h>
 #include <sys/socket.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <functional>
-#include <stdexcept>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "kernel.h"
 #include "linux_test.h"
 
 namespace LinuxTest {
@@ -63,15 +64,23 @@ TEST(KernelAddressTest, BadTextIsRefused) {
     std::string text;
     int family;
   } const cases[] = {
-      {"10.0.0.0/33", AF_INET},  {"10.0.0.1/", AF_INET},         {"10.0.0.1/8x", AF_INET},
-      {"10.0.0", AF_INET},       {"2001:db8::/129", AF_INET6},   {"10.0.0.1", AF_INET6},
-      {"2001:db8::1", AF_INET},  {"02:00:00:00:10", AF_PACKET},  {"02:00:00:00:10:00:11", AF_PACKET},
-      {"", AF_INET},             {"10.0.0.1/-1", AF_INET},
+      {"10.0.0.0/33", AF_INET},
+      {"10.0.0.1/", AF_INET},
+      {"10.0.0.1/8x", AF_INET},
+      {"10.0.0", AF_INET},
+      {"2001:db8::/129", AF_INET6},
+      {"10.0.0.1", AF_INET6},
+      {"2001:db8::1", AF_INET},
+      {"02:00:00:00:10", AF_PACKET},
+      {"02:00:00:00:10:00:11", AF_PACKET},
+      {"", AF_INET},
+      {"10.0.0.1/-1", AF_INET},
   };
   for (auto const& row : cases) {
     SCOPED_TRACE(row.text);
-    EXPECT_EQ(Thrown([&] { ParseAddr(row.text, row.family); }).rfind("Invalid address " + row.text, 0),
-              0u);
+    EXPECT_EQ(
+        Thrown([&] { ParseAddr(row.text, row.family); }).rfind("Invalid address " + row.text, 0),
+        0u);
   }
   // Bytes of no known size print as nothing.
   unsigned char const bytes[5] = {};
@@ -110,17 +119,23 @@ TEST_F(KernelTest, LinksAgreeWithTheKernel) {
   for (auto const& entry : kernel) {
     std::string const name = entry["ifname"];
     SCOPED_TRACE(name);
-    auto at = std::find_if(links.begin(), links.end(), [&](auto const& l) { return l.name == name; });
+    auto at =
+        std::find_if(links.begin(), links.end(), [&](auto const& l) { return l.name == name; });
     ASSERT_NE(at, links.end());
     EXPECT_EQ(at->index, entry["ifindex"].get<int>());
     EXPECT_EQ(at->mtu, entry["mtu"].get<uint32_t>());
     EXPECT_EQ(names.at(at->index), name);
     EXPECT_EQ(at->mac, entry["address"].get<std::string>());
-    std::string const kind = entry.contains("linkinfo") ? entry["linkinfo"].value("info_kind", "") : "";
+    std::string const kind =
+        entry.contains("linkinfo") ? entry["linkinfo"].value("info_kind", "") : "";
     EXPECT_EQ(at->kind, kind);
-    bool const up = std::find(entry["flags"].begin(), entry["flags"].end(), "UP") != entry["flags"].end();
+    bool const up =
+        std::find(entry["flags"].begin(), entry["flags"].end(), "UP") != entry["flags"].end();
     EXPECT_EQ((at->flags & IFF_UP) != 0, up);
-    int const master = entry.contains("master") ? IpJson("link show " + entry["master"].get<std::string>())[0]["ifindex"].get<int>() : 0;
+    int const master =
+        entry.contains("master")
+            ? IpJson("link show " + entry["master"].get<std::string>())[0]["ifindex"].get<int>()
+            : 0;
     EXPECT_EQ(at->master, master);
   }
   auto const found = FindLink("ornic0");
@@ -133,9 +148,10 @@ TEST_F(KernelTest, LinksAgreeWithTheKernel) {
 }
 
 TEST_F(KernelTest, AddressesRoutesAndNeighborsAgreeWithTheKernel) {
-  Shell("ip addr add 10.9.0.1/24 dev ornic0 && ip addr add 2001:db8:9::1/64 dev ornic0 nodad && "
-        "ip route add 10.20.0.0/16 via 10.9.0.5 && ip route add 10.21.0.0/16 dev ornic0 table 7 && "
-        "ip neigh add 10.9.0.7 lladdr 02:00:00:00:00:07 dev ornic0 nud permanent");
+  Shell(
+      "ip addr add 10.9.0.1/24 dev ornic0 && ip addr add 2001:db8:9::1/64 dev ornic0 nodad && "
+      "ip route add 10.20.0.0/16 via 10.9.0.5 && ip route add 10.21.0.0/16 dev ornic0 table 7 && "
+      "ip neigh add 10.9.0.7 lladdr 02:00:00:00:00:07 dev ornic0 nud permanent");
   std::set<std::string> listed, kernel;
   for (auto const& address : Addresses()) {
     if (address.scope == RT_SCOPE_UNIVERSE) {
@@ -146,8 +162,9 @@ TEST_F(KernelTest, AddressesRoutesAndNeighborsAgreeWithTheKernel) {
   for (auto const& link : IpJson("addr show scope global")) {
     for (auto const& info : link["addr_info"]) {
       if (!info.contains("local")) continue;  // ip ends the list with an empty record
-      kernel.insert(info["local"].get<std::string>() + "/" + std::to_string(info["prefixlen"].get<int>()) +
-                    " " + std::to_string(link["ifindex"].get<int>()));
+      kernel.insert(info["local"].get<std::string>() + "/" +
+                    std::to_string(info["prefixlen"].get<int>()) + " " +
+                    std::to_string(link["ifindex"].get<int>()));
     }
   }
   EXPECT_EQ(listed, kernel);
@@ -158,8 +175,10 @@ TEST_F(KernelTest, AddressesRoutesAndNeighborsAgreeWithTheKernel) {
   for (auto const& route : Routes()) {
     EXPECT_EQ(route.table, RT_TABLE_MAIN);
     if (route.family != AF_INET) continue;
-    listed.insert((route.destination.empty() ? "default" : route.destination + "/" +
-                   std::to_string(route.prefix)) + " " + route.gateway + " " + names.at(route.link));
+    listed.insert((route.destination.empty()
+                       ? "default"
+                       : route.destination + "/" + std::to_string(route.prefix)) +
+                  " " + route.gateway + " " + names.at(route.link));
   }
   for (auto const& route : IpJson("-4 route show table main")) {
     std::string dst = route["dst"];
@@ -198,7 +217,8 @@ TEST_F(KernelTest, ChangesReachTheKernelAndRefusalsSayWhy) {
       {[] { SetLinkMtu("tbr1", 99999); }, "Cannot set the MTU of tbr1 to 99999: "},
       {[] { SetMaster("ornic0", "nosuch"); }, "Cannot add ornic0 to bridge nosuch: No such device"},
       {[] { SetLinkUp("nosuch", true); }, "Cannot bring up nosuch: No such device"},
-      {[] { SetLinkMtu("ornic9", 1400, "wire"); }, "Cannot set the MTU of ornic9 to 1400: No such device"},
+      {[] { SetLinkMtu("ornic9", 1400, "wire"); },
+       "Cannot set the MTU of ornic9 to 1400: No such device"},
       {[] { SetLinkUp("lo", true, "nosuch"); }, "Cannot enter netstack instance nosuch"},
   };
   for (auto const& row : refusals) {
@@ -209,7 +229,8 @@ TEST_F(KernelTest, ChangesReachTheKernelAndRefusalsSayWhy) {
   SetMaster("ornic0", "");
   EXPECT_FALSE(IpJson("link show ornic0")[0].contains("master"));
   DeleteLink("tbr1", "delete tbr1");
-  EXPECT_EQ(Thrown([] { DeleteLink("tbr1", "delete tbr1"); }), "Cannot delete tbr1: No such device");
+  EXPECT_EQ(Thrown([] { DeleteLink("tbr1", "delete tbr1"); }),
+            "Cannot delete tbr1: No such device");
   // Another namespace answers with its own links.
   auto const wire = LinkNames("wire");
   std::set<std::string> names;
@@ -224,9 +245,12 @@ TEST_F(KernelTest, AFailedReadLeavesNoRepliesBehind) {
   ifinfomsg header{};
   int seen = 0;
   std::string const failure = Thrown([&] {
-    Dump({}, RTM_GETLINK, &header, sizeof header, [&](nlmsghdr const*) {
-      if (++seen == 2) throw std::runtime_error("stop here");
-    }, "read the network devices");
+    Dump(
+        {}, RTM_GETLINK, &header, sizeof header,
+        [&](nlmsghdr const*) {
+          if (++seen == 2) throw std::runtime_error("stop here");
+        },
+        "read the network devices");
   });
   EXPECT_EQ(failure, "stop here");
   EXPECT_EQ(LinkNames().size(), IpJson("link show").size());
