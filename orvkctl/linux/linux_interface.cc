@@ -91,10 +91,6 @@ void ReadFromKernel(InterfaceState& nic, LinkInfo const& link,
   });
 }
 
-void SetUp(std::string const& name, std::string const& netns, bool up) {
-  SetLinkUp(name, up, netns);
-}
-
 // Makes the pair of interface `nic`: its own end in its namespace, ours in
 // the process's.
 void CreatePair(InterfaceState const& nic, uint32_t switch_mtu) {
@@ -206,7 +202,7 @@ void PlanInterface(InterfaceState const& was, InterfaceState const& now, uint32_
     // Our end is a bridge port only: no addresses of its own.
     plan.push_back({"bring up " + own, [own] {
                       WriteSysctl(DeviceSysctl(own, "disable_ipv6"), "1", "prepare " + own);
-                      SetUp(own, {}, true);
+                      SetLinkUp(own, true);
                     }, {}});
     // IPv6 addresses stay on a link brought down, as IPv4 ones do.
     plan.push_back({"keep the addresses of " + name, [name, netns] {
@@ -255,8 +251,8 @@ void PlanInterface(InterfaceState const& was, InterfaceState const& now, uint32_
                  " router advertisements on " + name);
   if (fresh ? now.enabled : was.enabled != now.enabled) {
     bool const up = now.enabled;
-    plan.push_back({(up ? "bring up " : "bring down ") + name, [=] { SetUp(name, netns, up); },
-                    [=] { SetUp(name, netns, !up); }});
+    plan.push_back({(up ? "bring up " : "bring down ") + name, [=] { SetLinkUp(name, up, netns); },
+                    [=] { SetLinkUp(name, !up, netns); }});
   }
   std::string const old4 = fresh ? std::string() : Ipv4Text(was.ip);
   std::string const new4 = Ipv4Text(now.ip);
