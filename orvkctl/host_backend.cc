@@ -1,6 +1,7 @@
 #include "host_backend.h"
 
 #include <dlfcn.h>
+#include <link.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 
@@ -38,9 +39,11 @@ std::optional<sigset_t>& HeldForTheCommand() {
 std::unique_ptr<HostBackend> NewLinuxBackend() {
   constexpr char kName[] = "liborvkctl-linux.so";
   std::string path = kName;
-  Dl_info info{};
-  if (dladdr(reinterpret_cast<void*>(&NewLinuxBackend), &info) != 0 && info.dli_fname) {
-    std::string self = info.dli_fname;
+  // The library this code is in; unlike dladdr, no search of its symbols.
+  dl_find_object self_object{};
+  if (_dl_find_object(reinterpret_cast<void*>(&NewLinuxBackend), &self_object) == 0 &&
+      self_object.dlfo_link_map && self_object.dlfo_link_map->l_name) {
+    std::string self = self_object.dlfo_link_map->l_name;
     if (auto slash = self.rfind('/'); slash != std::string::npos) {
       path = self.substr(0, slash + 1) + kName;
     }

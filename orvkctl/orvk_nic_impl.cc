@@ -54,9 +54,10 @@ InterfaceState const& ReadNic(HostModel const& host, std::string const& name) {
   return *nic;
 }
 
+// An interface's own record is all in the IP area: reading it loads no
+// other (on a real host, no NIC's device data and no socket table).
 InterfaceState const& ReadNic(std::string const& name) {
-  return ReadNic(
-      Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime), name);
+  return ReadNic(Sim::ReadHost(Sim::kAreaIp), name);
 }
 
 void ChangeNic(std::string const& name,
@@ -569,9 +570,7 @@ namespace {
 
 HostCtl::Network::OrvkNicList Select(std::function<bool(InterfaceState const&)> const& keep) {
   HostCtl::Network::OrvkNicList nics;
-  for (auto const& nic :
-       Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime)
-           .ip.interfaces) {
+  for (auto const& nic : Sim::ReadHost(Sim::kAreaIp).ip.interfaces) {
     if (keep(nic)) nics.push_back(std::make_unique<OrvkNicImpl>(nic.name));
   }
   return nics;
@@ -592,9 +591,7 @@ HostCtl::Network::OrvkNicList OrvikNicInfoImpl::GetOrvikNicsByInstanceKey(std::s
 void OrvikNicInfoImpl::GetOrvikNicNamesByInstanceKey(std::vector<std::string>& names,
                                                      std::string const& key) {
   CheckFault(Operation::OrvikNicInfoImpl_GetOrvikNicNamesByInstanceKey);
-  for (auto const& nic :
-       Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime)
-           .ip.interfaces) {
+  for (auto const& nic : Sim::ReadHost(Sim::kAreaIp).ip.interfaces) {
     if (nic.netstack == key) names.push_back(nic.name);
   }
 }
@@ -608,10 +605,7 @@ HostCtl::Network::OrvkNicList OrvikNicInfoImpl::GetOrvikNicsByTag(OrvkNicTagType
 
 std::unique_ptr<OrvkNic> OrvikNicInfoImpl::GetOrvikNicByInterface(std::string const& name, bool) {
   CheckFault(Operation::OrvikNicInfoImpl_GetOrvikNicByInterface);
-  if (!Sim::FindInterface(
-          Sim::ReadHost(Sim::kAreaNic | Sim::kAreaIp | Sim::kAreaVswitch | Sim::kAreaRuntime).ip,
-          name))
-    return nullptr;
+  if (!Sim::FindInterface(Sim::ReadHost(Sim::kAreaIp).ip, name)) return nullptr;
   return std::make_unique<OrvkNicImpl>(name);
 }
 

@@ -1,18 +1,21 @@
-// Doors to the kernel for the linux backend: route netlink sockets per
-// network namespace (libnl), the ethtool ioctl, and the kernel's errors as
-// the library's exception.
+// Doors to the kernel for the linux backend: route netlink per network
+// namespace (links, addresses, routes and neighbors read into plain records,
+// change requests sent and acknowledged), the ethtool ioctl, and the
+// kernel's errors as the library's exception.
 #pragma once
 
+#include <linux/if_link.h>
+
+#include <cstddef>
+#include <cstdint>
 #include <functional>
-#include <memory>
+#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
-struct nl_addr;
-struct nl_object;
-struct nl_sock;
-struct nl_cache;
-struct rtnl_link;
+struct nlattr;
+struct nlmsghdr;
 
 namespace OrvkCtl::Linux {
 
@@ -32,6 +35,9 @@ void RemoveNamespace(std::string const& netns);
 // process's own), then returns to the process's own.
 void InNamespace(std::string const& netns, std::function<void()> const& work);
 
+// The whole text of file `path`, or nothing when it cannot be read.
+std::optional<std::string> ReadFile(std::string const& path);
+
 // The value of the sysctl file `path` under /proc/sys/ (e.g.
 // "net/ipv4/tcp_ecn"), without its line end; "" when it does not exist. The
 // calling thread's namespace decides which one: call inside InNamespace.
@@ -39,67 +45,129 @@ std::string ReadSysctl(std::string const& path);
 // Writes it; throws "Cannot <what>: <reason>".
 void WriteSysctl(std::string const& path, std::string const& value, std::string const& what);
 
-// A route netlink socket in namespace `netns` ("" for the process's own),
-// made on first use and kept until the process ends.
-nl_sock* RouteSocket(std::string const& netns = {});
-
-// Throws HostCtlException "Cannot <what>: <the kernel's reason>" for a libnl
-// error number (negative or not).
+// Throws HostCtlException "Cannot <what>: <reason>" for the errno of a
+// refused netlink request (negative or not).
 [[noreturn]] void FailNl(std::string const& what, int error);
-// The same for an errno value.
+// The same for an errno value of any other call.
 [[noreturn]] void FailErrno(std::string const& what, int error);
 
-struct CacheFree {
-  void operator()(nl_cache* cache) const;
-};
-using Cache = std::unique_ptr<nl_cache, CacheFree>;
-struct LinkFree {
-  void operator()(rtnl_link* link) const;
-};
-using Link = std::unique_ptr<rtnl_link, LinkFree>;
+// One route netlink request: a message of type `type` (RTM_NEWLINK, ...)
+// with its family header and attributes, sent with an acknowledgement asked
+// for. Put the header first, then the attributes.
+class Request {
+ public:
+  Request(uint16_t type, uint16_t flags);
+  Request(Request const&) = delete;
+  Request& operator=(Request const&) = delete;
 
-// The links of namespace `netns`, as the kernel holds them now.
-Cache LinkCache(std::string const& netns = {});
-// The link of that name in `netns`, or null.
-Link FindLink(std::string const& name, std::string const& netns = {});
+  template <class T>
+  T& Header() {
+    return *static_cast<T*>(PutHeader(sizeof(T)));
+  }
+  void Put(uint16_t type, void const* data, size_t size);
+  void PutU32(uint16_t type, uint32_t value);
+  void PutText(uint16_t type, std::string const& text);
+  // A nested attribute: the attributes put until End are its.
+  nlattr* Begin(uint16_t type);
+  void End(nlattr* nest);
+
+  // Sends it in namespace `netns` and waits for the kernel's answer: 0, or
+  // the errno of its refusal.
+  int Send(std::string const& netns = {});
+  // The same, handing each reply (a GET's answer) to `each` first.
+  int Send(std::string const& netns, std::function<void(nlmsghdr const*)> const& each);
+  // The same, throwing "Cannot <what>: <reason>" on refusal.
+  void Run(std::string const& what, std::string const& netns = {});
+
+ private:
+  void* PutHeader(size_t size);
+  alignas(8) char buffer_[1024];
+  nlmsghdr* message_;
+};
 
 // Dumps the kernel's objects of message type `type` (RTM_GETROUTE,
-// RTM_GETNEIGH, ...) and `family` in `netns`, calling `each` for every one
-// as it comes: unlike a cache, nothing is merged or dropped (two routes to
-// one network on two links stay two). Throws "Cannot <what>: ...".
-void Dump(std::string const& netns, int type, int family,
-          std::function<void(nl_object*)> const& each, std::string const& what);
+// RTM_GETNEIGH, ...) in `netns`, the request's family header `header`
+// (`size` bytes), calling `each` for every message as it comes. Throws
+// "Cannot <what>: ...".
+void Dump(std::string const& netns, uint16_t type, void const* header, size_t size,
+          std::function<void(nlmsghdr const*)> const& each, std::string const& what);
 
-// The name of link `index` in `links`, or "" when it has none there.
-std::string LinkName(nl_cache* links, int index);
-
-// An address as text without its prefix length ("10.0.0.1", "fe80::1").
-std::string AddressText(nl_addr* address);
-// "02:00:00:00:10:00" for a 6-byte link-layer address; "" otherwise.
-std::string MacText(nl_addr* address);
-
-struct AddrFree {
-  void operator()(nl_addr* address) const;
+// A network device as route netlink tells it.
+struct LinkInfo {
+  int index = 0;
+  std::string name;
+  unsigned type = 0;   // ARPHRD_*
+  unsigned flags = 0;  // IFF_*
+  uint32_t mtu = 0;
+  int master = 0;  // the index of its bridge, or 0
+  bool carrier = false;
+  std::string kind;  // "bridge", "veth", ...; "" for a device without one
+  std::string mac;   // "02:00:00:00:10:00", or "" for another kind of address
+  rtnl_link_stats64 stats{};
 };
-using Addr = std::unique_ptr<nl_addr, AddrFree>;
-// Parses an address text of `family` (AF_INET, AF_INET6, AF_LLC for a MAC);
-// throws for bad text.
-Addr ParseAddr(std::string const& text, int family);
 
-// Applies `change` (a link made with rtnl_link_alloc, holding the attributes
-// to change) to the link `name`; throws with `what` on refusal.
-void ChangeLink(std::string const& name, rtnl_link* change, std::string const& what,
-                std::string const& netns = {});
+// The links of namespace `netns`, as the kernel holds them now.
+std::vector<LinkInfo> Links(std::string const& netns = {});
+// The link of that name in `netns`, or nothing.
+std::optional<LinkInfo> FindLink(std::string const& name, std::string const& netns = {});
+// The names of the links of `netns`, by index: no more of them is read.
+std::map<int, std::string> LinkNames(std::string const& netns = {});
+// The index of link `name` in `netns`; throws with `what` when there is none.
+int LinkIndex(std::string const& name, std::string const& what, std::string const& netns = {});
+
+// An address of a link.
+struct AddressInfo {
+  int index = 0;  // of its link
+  int family = 0;
+  int prefix = 0;
+  int scope = 0;
+  unsigned flags = 0;  // IFA_F_*
+  std::string local;   // "10.0.0.1", "2001:db8::1"
+};
+std::vector<AddressInfo> Addresses(std::string const& netns = {});
+
+// A unicast route of the main table (the only ones read).
+struct RouteInfo {
+  int family = 0;
+  unsigned table = 0;
+  unsigned type = 0;
+  unsigned protocol = 0;
+  int prefix = 0;
+  std::string destination;  // "" for the default route
+  std::string gateway;      // "" for none
+  int link = 0;             // the index of its outgoing link
+  bool multipath = false;
+};
+std::vector<RouteInfo> Routes(std::string const& netns = {});
+
+// An entry of a neighbor table: those the kernel keeps without resolving
+// (NOARP), failed ones and unresolved ones are not read.
+struct NeighborInfo {
+  int family = 0;
+  int index = 0;       // of its link
+  unsigned state = 0;  // NUD_*
+  std::string address;
+  std::string mac;
+};
+std::vector<NeighborInfo> Neighbors(std::string const& netns = {});
+
+// An address parsed from its text: "10.0.0.0/8", "2001:db8::1", "default";
+// "02:00:00:00:10:00" for AF_PACKET (a MAC).
+struct Address {
+  int family = 0;
+  int prefix = 0;  // all of its bits when the text gives none
+  size_t size = 0;
+  unsigned char bytes[16] = {};
+};
+// Throws for text that is no address of `family`.
+Address ParseAddr(std::string const& text, int family);
+// The text of `size` bytes of `family` (AF_INET, AF_INET6; a MAC for 6
+// bytes of another family), or "" when it has none.
+std::string AddressText(int family, void const* bytes, size_t size);
 
 // Sets the MTU of link `name`, or brings it up or down.
 void SetLinkMtu(std::string const& name, int mtu, std::string const& netns = {});
 void SetLinkUp(std::string const& name, bool up, std::string const& netns = {});
-
-// Whether `link` is a bridge.
-bool IsBridge(rtnl_link* link);
-
-// The index of link `name` in `netns`; throws with `what` when there is none.
-int LinkIndex(std::string const& name, std::string const& what, std::string const& netns = {});
 
 // Bridges of the process's namespace: made (down, with the kernel's
 // defaults), deleted (its ports are released), and a link made a port of

@@ -221,13 +221,20 @@ class LinuxBackend final : public Sim::HostBackend {
     std::string const id = NamespaceId();
     kept_path_ = folder_ + "/linux-" + id + ".json";
     if (!read_only_) {
-      std::error_code ignored;
-      std::filesystem::create_directories(folder_, ignored);
-      chmod(folder_.c_str(), 0700);
       // One lock for every namespace under this root: a command here may
       // change another namespace (a netstack instance) and its files.
       std::string const lock_path = folder_ + "/linux.lock";
-      lock_fd_ = open(lock_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+      auto open_lock = [&] {
+        return open(lock_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+      };
+      lock_fd_ = open_lock();
+      // The folder is made by the first command only.
+      if (lock_fd_ < 0 && errno == ENOENT) {
+        std::error_code ignored;
+        std::filesystem::create_directories(folder_, ignored);
+        chmod(folder_.c_str(), 0700);
+        lock_fd_ = open_lock();
+      }
       if (lock_fd_ < 0) FailErrno("lock " + lock_path, errno);
       // As on the simulated host: a wait of more than a second is told.
       int locked = flock(lock_fd_, LOCK_EX | LOCK_NB);
@@ -247,15 +254,13 @@ class LinuxBackend final : public Sim::HostBackend {
   }
 
   void ReadKept() {
-    std::ifstream file(kept_path_);
-    if (!file) {
+    auto text = ReadFile(kept_path_);
+    if (!text) {
       kept_ = HostModel();
       kept_text_.clear();
       return;
     }
-    std::stringstream text;
-    text << file.rdbuf();
-    kept_text_ = text.str();
+    kept_text_ = std::move(*text);
     try {
       kept_ = Sim::HostFromJson(kept_text_);
     } catch (std::exception const& error) {

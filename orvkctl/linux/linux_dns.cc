@@ -10,7 +10,6 @@
 
 #include <cerrno>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <sstream>
 
@@ -32,12 +31,7 @@ std::string ResolverPath(std::string const& netstack) {
 std::string HostsPath() { return RootFolder() + "etc/hosts"; }
 
 // The file's text; "" when there is none.
-std::string ReadText(std::string const& path) {
-  std::ifstream file(path);
-  std::stringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
+std::string ReadText(std::string const& path) { return ReadFile(path).value_or(""); }
 
 // Writes `text` into the file itself, through a link or a bind mount alike.
 void WriteInPlace(std::string const& path, std::string const& text) {

@@ -7,10 +7,7 @@
 #include <linux/if.h>
 #include <linux/if_addr.h>
 #include <linux/rtnetlink.h>
-#include <netlink/errno.h>
-#include <netlink/route/addr.h>
-#include <netlink/route/link.h>
-#include <netlink/route/link/veth.h>
+#include <linux/veth.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -60,39 +57,32 @@ std::string DeviceSysctl(std::string const& name, char const* setting) {
 }
 
 // The addresses of the links of one namespace, by link index.
-std::map<int, std::vector<rtnl_addr*>> AddressesByLink(nl_cache* addresses) {
-  std::map<int, std::vector<rtnl_addr*>> by_link;
-  for (nl_object* object = nl_cache_get_first(addresses); object;
-       object = nl_cache_get_next(object)) {
-    auto* address = reinterpret_cast<rtnl_addr*>(object);
-    by_link[rtnl_addr_get_ifindex(address)].push_back(address);
-  }
+std::map<int, std::vector<AddressInfo>> AddressesByLink(std::string const& netns) {
+  std::map<int, std::vector<AddressInfo>> by_link;
+  for (auto& address : Addresses(netns)) by_link[address.index].push_back(std::move(address));
   return by_link;
 }
 
 // Fills what the kernel holds of interface `nic` from its link and
 // addresses.
-void ReadFromKernel(InterfaceState& nic, rtnl_link* link, std::vector<rtnl_addr*> const& addresses,
-                    std::string const& netns) {
-  nic.mac = MacText(rtnl_link_get_addr(link));
-  nic.mtu = rtnl_link_get_mtu(link);
-  nic.enabled = rtnl_link_get_flags(link) & IFF_UP;
+void ReadFromKernel(InterfaceState& nic, LinkInfo const& link,
+                    std::vector<AddressInfo> const& addresses, std::string const& netns) {
+  nic.mac = link.mac;
+  nic.mtu = link.mtu;
+  nic.enabled = link.flags & IFF_UP;
   IpConfigState& ip = nic.ip;
   ip.ipv4_mode = "none";
   ip.ipv4_address = ip.ipv4_netmask = kNoIpv4;
   ip.ipv6_addresses.clear();
-  for (rtnl_addr* address : addresses) {
-    nl_addr* local = rtnl_addr_get_local(address);
-    if (rtnl_addr_get_family(address) == AF_INET && ip.ipv4_mode == "none") {
+  for (auto const& address : addresses) {
+    if (address.family == AF_INET && ip.ipv4_mode == "none") {
       ip.ipv4_mode = "static";
-      ip.ipv4_address = AddressText(local);
-      ip.ipv4_netmask = Netmask(rtnl_addr_get_prefixlen(address));
-    } else if (rtnl_addr_get_family(address) == AF_INET6 &&
-               rtnl_addr_get_scope(address) == RT_SCOPE_UNIVERSE) {
+      ip.ipv4_address = address.local;
+      ip.ipv4_netmask = Netmask(address.prefix);
+    } else if (address.family == AF_INET6 && address.scope == RT_SCOPE_UNIVERSE) {
       // Link-local addresses are the kernel's own.
-      ip.ipv6_addresses.push_back(
-          {AddressText(local) + "/" + std::to_string(rtnl_addr_get_prefixlen(address)), 0,
-           Ipv6Status(rtnl_addr_get_flags(address))});
+      ip.ipv6_addresses.push_back({address.local + "/" + std::to_string(address.prefix), 0,
+                                   Ipv6Status(address.flags)});
     }
   }
   InNamespace(netns, [&] {
@@ -101,65 +91,60 @@ void ReadFromKernel(InterfaceState& nic, rtnl_link* link, std::vector<rtnl_addr*
   });
 }
 
-// Link attributes set through `set` on link `name` of `netns`.
-void SetLink(std::string const& name, std::string const& netns, std::string const& what,
-             std::function<void(rtnl_link*)> const& set) {
-  Link change(rtnl_link_alloc());
-  set(change.get());
-  ChangeLink(name, change.get(), what, netns);
-}
-
-void SetUp(std::string const& name, std::string const& netns, bool up) {
-  SetLink(name, netns, (up ? "bring up " : "bring down ") + name, [up](rtnl_link* link) {
-    up ? rtnl_link_set_flags(link, IFF_UP) : rtnl_link_unset_flags(link, IFF_UP);
-  });
-}
-
 // Makes the pair of interface `nic`: its own end in its namespace, ours in
 // the process's.
 void CreatePair(InterfaceState const& nic, uint32_t switch_mtu) {
   std::string const what = "create interface " + nic.name;
   std::string const netns = NamespaceOf(nic.netstack);
-  Link link(rtnl_link_veth_alloc());
-  if (!link) FailErrno(what, ENOMEM);
-  rtnl_link_set_name(link.get(), OwnEnd(nic.name).c_str());
+  Request add(RTM_NEWLINK, NLM_F_CREATE | NLM_F_EXCL);
+  add.Header<ifinfomsg>().ifi_family = AF_UNSPEC;
+  add.PutText(IFLA_IFNAME, OwnEnd(nic.name));
   // A port below the bridge's MTU would lower the bridge's.
-  rtnl_link_set_mtu(link.get(), switch_mtu);
-  Link peer(rtnl_link_veth_get_peer(link.get()));
-  rtnl_link_set_name(peer.get(), nic.name.c_str());
-  rtnl_link_set_mtu(peer.get(), nic.mtu);
+  add.PutU32(IFLA_MTU, switch_mtu);
+  nlattr* info = add.Begin(IFLA_LINKINFO);
+  add.PutText(IFLA_INFO_KIND, "veth");
+  nlattr* data = add.Begin(IFLA_INFO_DATA);
+  nlattr* peer = add.Begin(VETH_INFO_PEER);
+  add.Header<ifinfomsg>().ifi_family = AF_UNSPEC;
+  add.PutText(IFLA_IFNAME, nic.name);
+  add.PutU32(IFLA_MTU, nic.mtu);
   if (!nic.mac.empty()) {
-    Addr mac = ParseAddr(nic.mac, AF_LLC);
-    rtnl_link_set_addr(peer.get(), mac.get());
+    Address const mac = ParseAddr(nic.mac, AF_PACKET);
+    add.Put(IFLA_ADDRESS, mac.bytes, mac.size);
   }
   int ns_fd = -1;
   if (!netns.empty()) {
     ns_fd = open(("/run/netns/" + netns).c_str(), O_RDONLY | O_CLOEXEC);
     if (ns_fd < 0) FailErrno(what, errno);
-    rtnl_link_set_ns_fd(peer.get(), ns_fd);
+    add.PutU32(IFLA_NET_NS_FD, static_cast<uint32_t>(ns_fd));
   }
-  int const error = rtnl_link_add(RouteSocket(), link.get(), NLM_F_CREATE | NLM_F_EXCL);
+  add.End(peer);
+  add.End(data);
+  add.End(info);
+  int const error = add.Send();
   if (ns_fd >= 0) close(ns_fd);
-  if (error < 0) FailNl(what, error);
+  if (error != 0) FailNl(what, error);
 }
 
 void AddressChange(std::string const& name, std::string const& netns, std::string const& text,
                    int family, bool add) {
   std::string const what = std::string(add ? "add address " : "remove address ") + text +
                            (add ? " to " : " from ") + name;
-  std::unique_ptr<rtnl_addr, void (*)(rtnl_addr*)> address(rtnl_addr_alloc(), rtnl_addr_put);
-  Addr local = ParseAddr(text, family);
-  rtnl_addr_set_ifindex(address.get(), LinkIndex(name, what, netns));
-  rtnl_addr_set_family(address.get(), family);
-  rtnl_addr_set_local(address.get(), local.get());
+  Address const local = ParseAddr(text, family);
+  Request request(add ? RTM_NEWADDR : RTM_DELADDR, add ? NLM_F_CREATE : 0);
+  auto& header = request.Header<ifaddrmsg>();
+  header.ifa_family = static_cast<unsigned char>(family);
+  header.ifa_prefixlen = static_cast<unsigned char>(local.prefix);
+  header.ifa_index = static_cast<unsigned>(LinkIndex(name, what, netns));
   // Usable at once: no duplicate address detection on the host's own link.
-  if (family == AF_INET6) rtnl_addr_set_flags(address.get(), IFA_F_NODAD);
-  int const error = add ? rtnl_addr_add(RouteSocket(netns), address.get(), 0)
-                        : rtnl_addr_delete(RouteSocket(netns), address.get(), 0);
-  if (error == -NLE_NOACCESS && family == AF_INET6) {
+  if (family == AF_INET6) header.ifa_flags = IFA_F_NODAD;
+  request.Put(IFA_LOCAL, local.bytes, local.size);
+  request.Put(IFA_ADDRESS, local.bytes, local.size);
+  int const error = request.Send(netns);
+  if (error == EACCES && family == AF_INET6) {
     throw HostCtlException("Cannot " + what + ": IPv6 is off on " + name);
   }
-  if (error < 0) FailNl(what, error);
+  if (error != 0) FailNl(what, error);
 }
 
 Step AddressStep(std::string const& name, std::string const& netns, std::string const& text,
@@ -217,7 +202,7 @@ void PlanInterface(InterfaceState const& was, InterfaceState const& now, uint32_
     // Our end is a bridge port only: no addresses of its own.
     plan.push_back({"bring up " + own, [own] {
                       WriteSysctl(DeviceSysctl(own, "disable_ipv6"), "1", "prepare " + own);
-                      SetUp(own, {}, true);
+                      SetLinkUp(own, true);
                     }, {}});
     // IPv6 addresses stay on a link brought down, as IPv4 ones do.
     plan.push_back({"keep the addresses of " + name, [name, netns] {
@@ -236,11 +221,13 @@ void PlanInterface(InterfaceState const& was, InterfaceState const& now, uint32_
   if (!fresh && (was.mtu != now.mtu || was.mac != now.mac)) {
     auto set = [name, own, netns](InterfaceState const& to) {
       return [name, own, netns, mtu = to.mtu, mac = to.mac] {
-        SetLink(name, netns, "set the MTU and MAC address of " + name, [&](rtnl_link* link) {
-          rtnl_link_set_mtu(link, mtu);
-          Addr address = ParseAddr(mac, AF_LLC);
-          rtnl_link_set_addr(link, address.get());
-        });
+        Request change(RTM_NEWLINK, 0);
+        change.Header<ifinfomsg>().ifi_family = AF_UNSPEC;
+        change.PutText(IFLA_IFNAME, name);
+        change.PutU32(IFLA_MTU, mtu);
+        Address const address = ParseAddr(mac, AF_PACKET);
+        change.Put(IFLA_ADDRESS, address.bytes, address.size);
+        change.Run("set the MTU and MAC address of " + name, netns);
       };
     };
     plan.push_back({"set the MTU and MAC address of " + name, set(now), set(was)});
@@ -264,8 +251,8 @@ void PlanInterface(InterfaceState const& was, InterfaceState const& now, uint32_
                  " router advertisements on " + name);
   if (fresh ? now.enabled : was.enabled != now.enabled) {
     bool const up = now.enabled;
-    plan.push_back({(up ? "bring up " : "bring down ") + name, [=] { SetUp(name, netns, up); },
-                    [=] { SetUp(name, netns, !up); }});
+    plan.push_back({(up ? "bring up " : "bring down ") + name, [=] { SetLinkUp(name, up, netns); },
+                    [=] { SetLinkUp(name, !up, netns); }});
   }
   std::string const old4 = fresh ? std::string() : Ipv4Text(was.ip);
   std::string const new4 = Ipv4Text(now.ip);
@@ -300,23 +287,15 @@ InterfaceState Nothing(InterfaceState const& now) {
 
 void ReadInterfaces(HostModel& host) {
   std::vector<InterfaceState> held;
-  std::map<std::string, std::map<int, std::vector<rtnl_addr*>>> addresses;
-  std::vector<Cache> caches;
+  std::map<std::string, std::map<int, std::vector<AddressInfo>>> addresses;
   for (auto const& kept : host.ip.interfaces) {
     if (!Sim::FindNetstack(host.ip, kept.netstack)) continue;
     std::string const netns = NamespaceOf(kept.netstack);
-    Link link = FindLink(kept.name, netns);
+    auto const link = FindLink(kept.name, netns);
     if (!link) continue;
-    if (!addresses.count(netns)) {
-      nl_cache* cache = nullptr;
-      if (int error = rtnl_addr_alloc_cache(RouteSocket(netns), &cache); error < 0) {
-        FailNl("read the addresses of " + kept.netstack, error);
-      }
-      caches.emplace_back(cache);
-      addresses[netns] = AddressesByLink(cache);
-    }
+    if (!addresses.count(netns)) addresses[netns] = AddressesByLink(netns);
     InterfaceState nic = kept;
-    ReadFromKernel(nic, link.get(), addresses[netns][rtnl_link_get_ifindex(link.get())], netns);
+    ReadFromKernel(nic, *link, addresses[netns][link->index], netns);
     held.push_back(std::move(nic));
   }
   host.ip.interfaces = std::move(held);

@@ -1,6 +1,5 @@
 // What the host is beyond its network: its name, and the area a linux host
 // does not have (yet): the runtime's virtual machines.
-#include <netlink/route/link.h>
 #include <unistd.h>
 
 #include "kernel.h"
@@ -31,29 +30,26 @@ void ReadRuntime(HostModel& host) {
   host.runtime.ens = {};
   host.runtime.ens.max_lcores = 0;
   host.runtime.ens.numa_nodes = 0;
-  Cache links = LinkCache();
-  auto find = [&](std::string const& name) -> rtnl_link* {
-    for (nl_object* object = nl_cache_get_first(links.get()); object;
-         object = nl_cache_get_next(object)) {
-      auto* link = reinterpret_cast<rtnl_link*>(object);
-      if (name == rtnl_link_get_name(link)) return link;
-    }
-    return nullptr;
+  std::vector<LinkInfo> const links = Links();
+  auto find = [&](std::string const& name) -> LinkInfo const* {
+    auto at = std::find_if(links.begin(), links.end(),
+                           [&](LinkInfo const& link) { return link.name == name; });
+    return at == links.end() ? nullptr : &*at;
   };
   std::erase_if(host.runtime.ports, [&](Sim::PortState const& port) {
-    rtnl_link* bridge = find(port.portset);
-    return !bridge || !IsBridge(bridge);
+    LinkInfo const* bridge = find(port.portset);
+    return !bridge || bridge->kind != "bridge";
   });
   for (auto& port : host.runtime.ports) {
-    rtnl_link* end = find(kOwnLinkPrefix + port.client);
+    LinkInfo const* end = find(kOwnLinkPrefix + port.client);
     if (!end) continue;
-    port.packets_received = rtnl_link_get_stat(end, RTNL_LINK_RX_PACKETS);
-    port.packets_sent = rtnl_link_get_stat(end, RTNL_LINK_TX_PACKETS);
-    port.bytes_received = rtnl_link_get_stat(end, RTNL_LINK_RX_BYTES);
-    port.bytes_sent = rtnl_link_get_stat(end, RTNL_LINK_TX_BYTES);
-    port.rx_dropped = rtnl_link_get_stat(end, RTNL_LINK_RX_DROPPED);
-    port.tx_dropped = rtnl_link_get_stat(end, RTNL_LINK_TX_DROPPED);
-    port.multicast_received = rtnl_link_get_stat(end, RTNL_LINK_MULTICAST);
+    port.packets_received = end->stats.rx_packets;
+    port.packets_sent = end->stats.tx_packets;
+    port.bytes_received = end->stats.rx_bytes;
+    port.bytes_sent = end->stats.tx_bytes;
+    port.rx_dropped = end->stats.rx_dropped;
+    port.tx_dropped = end->stats.tx_dropped;
+    port.multicast_received = end->stats.multicast;
   }
   ReadConnections(host);
 }

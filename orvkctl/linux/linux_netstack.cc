@@ -3,7 +3,6 @@
 // namespace's sysctls; the name, the connection limit and the flags are the
 // backend's own.
 #include <linux/if.h>
-#include <netlink/route/link.h>
 
 #include <algorithm>
 
@@ -161,9 +160,7 @@ void PlanNetstacks(HostModel const& before, HostModel const& after, Plan& plan) 
                       [key] {
                         AddNamespace(key);
                         // Its own loopback works from the start.
-                        Link up(rtnl_link_alloc());
-                        rtnl_link_set_flags(up.get(), IFF_UP);
-                        ChangeLink("lo", up.get(), "bring up the loopback of " + key, key);
+                        SetLinkUp("lo", true, key);
                       },
                       [key] { RemoveNamespace(key); }});
     }

@@ -7,7 +7,6 @@
 #include <linux/ethtool.h>
 #include <linux/if_arp.h>
 #include <linux/if.h>
-#include <netlink/route/link.h>
 
 #include <cerrno>
 #include <cstring>
@@ -26,13 +25,12 @@ using HostCtl::Lib::HostCtlException;
 using Sim::PnicState;
 
 // Whether the link is one the host shows as a physical NIC.
-bool IsNic(rtnl_link* link, HostModel const& host) {
-  if (rtnl_link_get_arptype(link) != ARPHRD_ETHER) return false;
-  if (rtnl_link_get_flags(link) & IFF_LOOPBACK) return false;
-  if (IsBridge(link)) return false;
-  std::string const name = rtnl_link_get_name(link);
-  if (IsOwnLink(name)) return false;
-  return Sim::FindInterface(host.ip, name) == nullptr;
+bool IsNic(LinkInfo const& link, HostModel const& host) {
+  if (link.type != ARPHRD_ETHER) return false;
+  if (link.flags & IFF_LOOPBACK) return false;
+  if (link.kind == "bridge") return false;
+  if (IsOwnLink(link.name)) return false;
+  return Sim::FindInterface(host.ip, link.name) == nullptr;
 }
 
 // An ethtool command's reply for `name`, or nullopt when the driver has no
@@ -409,57 +407,53 @@ void ReadDevice(PnicState& nic) {
   nic.message_level = level.data;
 }
 
-void ReadStats(rtnl_link* link, Sim::NicStatsState& stats) {
+void ReadStats(rtnl_link_stats64 const& link, Sim::NicStatsState& stats) {
   struct Counter {
     uint64_t Sim::NicStatsState::*field;
-    rtnl_link_stat_id_t id;
+    __u64 rtnl_link_stats64::*kernel;
   };
   static constexpr Counter kCounters[] = {
-      {&Sim::NicStatsState::tx_packets, RTNL_LINK_TX_PACKETS},
-      {&Sim::NicStatsState::rx_packets, RTNL_LINK_RX_PACKETS},
-      {&Sim::NicStatsState::tx_bytes, RTNL_LINK_TX_BYTES},
-      {&Sim::NicStatsState::rx_bytes, RTNL_LINK_RX_BYTES},
-      {&Sim::NicStatsState::tx_errors, RTNL_LINK_TX_ERRORS},
-      {&Sim::NicStatsState::rx_errors, RTNL_LINK_RX_ERRORS},
-      {&Sim::NicStatsState::tx_dropped, RTNL_LINK_TX_DROPPED},
-      {&Sim::NicStatsState::rx_dropped, RTNL_LINK_RX_DROPPED},
-      {&Sim::NicStatsState::rx_multicast, RTNL_LINK_MULTICAST},
-      {&Sim::NicStatsState::rx_length_errors, RTNL_LINK_RX_LEN_ERR},
-      {&Sim::NicStatsState::rx_over_errors, RTNL_LINK_RX_OVER_ERR},
-      {&Sim::NicStatsState::rx_crc_errors, RTNL_LINK_RX_CRC_ERR},
-      {&Sim::NicStatsState::rx_frame_errors, RTNL_LINK_RX_FRAME_ERR},
-      {&Sim::NicStatsState::rx_fifo_errors, RTNL_LINK_RX_FIFO_ERR},
-      {&Sim::NicStatsState::rx_missed_errors, RTNL_LINK_RX_MISSED_ERR},
-      {&Sim::NicStatsState::tx_aborted_errors, RTNL_LINK_TX_ABORT_ERR},
-      {&Sim::NicStatsState::tx_fifo_errors, RTNL_LINK_TX_FIFO_ERR},
-      {&Sim::NicStatsState::tx_carrier_errors, RTNL_LINK_TX_CARRIER_ERR},
-      {&Sim::NicStatsState::tx_heartbeat_errors, RTNL_LINK_TX_HBEAT_ERR},
-      {&Sim::NicStatsState::tx_window_errors, RTNL_LINK_TX_WIN_ERR},
-      {&Sim::NicStatsState::collisions, RTNL_LINK_COLLISIONS},
+      {&Sim::NicStatsState::tx_packets, &rtnl_link_stats64::tx_packets},
+      {&Sim::NicStatsState::rx_packets, &rtnl_link_stats64::rx_packets},
+      {&Sim::NicStatsState::tx_bytes, &rtnl_link_stats64::tx_bytes},
+      {&Sim::NicStatsState::rx_bytes, &rtnl_link_stats64::rx_bytes},
+      {&Sim::NicStatsState::tx_errors, &rtnl_link_stats64::tx_errors},
+      {&Sim::NicStatsState::rx_errors, &rtnl_link_stats64::rx_errors},
+      {&Sim::NicStatsState::tx_dropped, &rtnl_link_stats64::tx_dropped},
+      {&Sim::NicStatsState::rx_dropped, &rtnl_link_stats64::rx_dropped},
+      {&Sim::NicStatsState::rx_multicast, &rtnl_link_stats64::multicast},
+      {&Sim::NicStatsState::rx_length_errors, &rtnl_link_stats64::rx_length_errors},
+      {&Sim::NicStatsState::rx_over_errors, &rtnl_link_stats64::rx_over_errors},
+      {&Sim::NicStatsState::rx_crc_errors, &rtnl_link_stats64::rx_crc_errors},
+      {&Sim::NicStatsState::rx_frame_errors, &rtnl_link_stats64::rx_frame_errors},
+      {&Sim::NicStatsState::rx_fifo_errors, &rtnl_link_stats64::rx_fifo_errors},
+      {&Sim::NicStatsState::rx_missed_errors, &rtnl_link_stats64::rx_missed_errors},
+      {&Sim::NicStatsState::tx_aborted_errors, &rtnl_link_stats64::tx_aborted_errors},
+      {&Sim::NicStatsState::tx_fifo_errors, &rtnl_link_stats64::tx_fifo_errors},
+      {&Sim::NicStatsState::tx_carrier_errors, &rtnl_link_stats64::tx_carrier_errors},
+      {&Sim::NicStatsState::tx_heartbeat_errors, &rtnl_link_stats64::tx_heartbeat_errors},
+      {&Sim::NicStatsState::tx_window_errors, &rtnl_link_stats64::tx_window_errors},
+      {&Sim::NicStatsState::collisions, &rtnl_link_stats64::collisions},
   };
   stats = {};
-  for (auto const& counter : kCounters) stats.*counter.field = rtnl_link_get_stat(link, counter.id);
+  for (auto const& counter : kCounters) stats.*counter.field = link.*counter.kernel;
 }
 
 void ReadNics(HostModel& host) {
-  Cache links = LinkCache();
   decltype(host.nic.pnics) nics;
-  for (nl_object* object = nl_cache_get_first(links.get()); object;
-       object = nl_cache_get_next(object)) {
-    auto* link = reinterpret_cast<rtnl_link*>(object);
+  for (auto const& link : Links()) {
     if (!IsNic(link, host)) continue;
     PnicState nic;
-    nic.name = rtnl_link_get_name(link);
-    nic.mac = MacText(rtnl_link_get_addr(link));
-    nic.mtu = static_cast<int32_t>(rtnl_link_get_mtu(link));
-    unsigned const flags = rtnl_link_get_flags(link);
-    nic.admin_up = flags & IFF_UP;
-    nic.carrier = rtnl_link_get_carrier(link) != 0;
+    nic.name = link.name;
+    nic.mac = link.mac;
+    nic.mtu = static_cast<int32_t>(link.mtu);
+    nic.admin_up = link.flags & IFF_UP;
+    nic.carrier = link.carrier;
     nic.speed = 0;
     nic.duplex = 1;
     ReadDevice(nic);
     if (!nic.admin_up || !nic.carrier) nic.speed = 0;
-    ReadStats(link, nic.stats);
+    ReadStats(link.stats, nic.stats);
     // What the backend keeps of the NIC (restarts of negotiation asked for).
     if (auto const* kept = Sim::FindPnic(host.nic, nic.name)) {
       nic.negotiation_restarts = kept->negotiation_restarts;

@@ -2,12 +2,10 @@
 // the neighbor tables of its namespace, through route netlink.
 #include <linux/neighbour.h>
 #include <linux/rtnetlink.h>
-#include <netlink/route/link.h>
-#include <netlink/route/neighbour.h>
-#include <netlink/route/route.h>
 #include <sys/socket.h>
 
 #include <cerrno>
+#include <map>
 #include <memory>
 
 #include "kernel.h"
@@ -21,38 +19,30 @@ using Sim::NeighborState;
 using Sim::NetstackRoutes;
 using Sim::RouteState;
 
-struct RouteFree {
-  void operator()(rtnl_route* route) const { rtnl_route_put(route); }
-};
-struct NeighFree {
-  void operator()(rtnl_neigh* neigh) const { rtnl_neigh_put(neigh); }
-};
+using LinkNameMap = std::map<int, std::string>;
 
 // "0.0.0.0" or "::": no address of the family.
 char const* NoAddress(int family) { return family == AF_INET6 ? "::" : "0.0.0.0"; }
 
-// "10.50.0.0/16", "::/0".
-std::string NetworkText(nl_addr* dst, int family) {
-  std::string address = AddressText(dst);
-  if (address.empty()) address = NoAddress(family);
-  return address + "/" + std::to_string(dst ? nl_addr_get_prefixlen(dst) : 0);
+std::string NameOf(LinkNameMap const& links, int index) {
+  auto const at = links.find(index);
+  return at == links.end() ? std::string() : at->second;
 }
 
 // The row of a route of the main table, or false for one the host does not
 // list (other tables, local and broadcast routes, multipath).
-bool RouteRow(rtnl_route* route, nl_cache* links, RouteState& row) {
-  if (rtnl_route_get_table(route) != RT_TABLE_MAIN) return false;
-  if (rtnl_route_get_type(route) != RTN_UNICAST) return false;
-  if (rtnl_route_get_nnexthops(route) != 1) return false;
-  int const family = rtnl_route_get_family(route);
-  rtnl_nexthop* hop = rtnl_route_nexthop_n(route, 0);
-  row.network = NetworkText(rtnl_route_get_dst(route), family);
-  std::string const gateway = AddressText(rtnl_route_nh_get_gateway(hop));
-  row.gateway = gateway.empty() ? NoAddress(family) : gateway;
-  row.interface = LinkName(links, rtnl_route_nh_get_ifindex(hop));
+bool RouteRow(RouteInfo const& route, LinkNameMap const& links, RouteState& row) {
+  if (route.table != RT_TABLE_MAIN) return false;
+  if (route.type != RTN_UNICAST) return false;
+  if (route.multipath || (route.link == 0 && route.gateway.empty())) return false;
+  int const family = route.family;
+  row.network = (route.destination.empty() ? std::string(NoAddress(family)) : route.destination) +
+                "/" + std::to_string(route.prefix);
+  row.gateway = route.gateway.empty() ? NoAddress(family) : route.gateway;
+  row.interface = NameOf(links, route.link);
   // The backend's own ends of its interfaces are its business.
   if (IsOwnLink(row.interface)) return false;
-  row.source = rtnl_route_get_protocol(route) == RTPROT_DHCP ? "DHCP" : "MANUAL";
+  row.source = route.protocol == RTPROT_DHCP ? "DHCP" : "MANUAL";
   return true;
 }
 
@@ -65,63 +55,62 @@ uint32_t Ipv6State(int state) {
   return 0;
 }
 
-bool NeighborRow(rtnl_neigh* neigh, nl_cache* links, NeighborState& row) {
-  int const state = rtnl_neigh_get_state(neigh);
+bool NeighborRow(NeighborInfo const& neigh, LinkNameMap const& links, NeighborState& row) {
+  unsigned const state = neigh.state;
   if (state & (NUD_NOARP | NUD_FAILED | NUD_NONE)) return false;
-  row.address = AddressText(rtnl_neigh_get_dst(neigh));
-  row.mac = MacText(rtnl_neigh_get_lladdr(neigh));
-  row.interface = LinkName(links, rtnl_neigh_get_ifindex(neigh));
+  row.address = neigh.address;
+  row.mac = neigh.mac;
+  row.interface = NameOf(links, neigh.index);
   if (IsOwnLink(row.interface)) return false;
   row.flags = (state & NUD_PERMANENT) ? Sim::kNeighborFlagStatic : 0;
-  row.state = rtnl_neigh_get_family(neigh) == AF_INET6 ? Ipv6State(state) : 0;
+  row.state = neigh.family == AF_INET6 ? Ipv6State(static_cast<int>(state)) : 0;
   return !row.address.empty();
 }
 
 void ReadTables(NetstackRoutes& table) {
   std::string const netns = NamespaceOf(table.netstack);
-  Cache links = LinkCache(netns);
-  Dump(netns, RTM_GETROUTE, AF_UNSPEC, [&](nl_object* object) {
-    auto* route = reinterpret_cast<rtnl_route*>(object);
+  std::vector<RouteInfo> const routes = Routes(netns);
+  std::vector<NeighborInfo> const neighbors = Neighbors(netns);
+  // Only the names of the links are wanted, and only when a row names one.
+  LinkNameMap links;
+  if (!routes.empty() || !neighbors.empty()) links = LinkNames(netns);
+  for (auto const& route : routes) {
     RouteState row;
-    if (!RouteRow(route, links.get(), row)) return;
-    bool const ipv6 = rtnl_route_get_family(route) == AF_INET6;
+    if (!RouteRow(route, links, row)) continue;
+    bool const ipv6 = route.family == AF_INET6;
     (ipv6 ? table.ipv6 : table.ipv4).push_back(row);
     if (row.network == (ipv6 ? "::/0" : "0.0.0.0/0")) {
       (ipv6 ? table.ipv6_config_gateway : table.ipv4_config_gateway) = row.gateway;
     }
-  }, "read the routes of " + table.netstack);
+  }
   for (int family : {AF_INET, AF_INET6}) {
     auto& rows = family == AF_INET6 ? table.ipv6_neighbors : table.ipv4_neighbors;
-    Dump(netns, RTM_GETNEIGH, family, [&](nl_object* object) {
-      auto* neigh = reinterpret_cast<rtnl_neigh*>(object);
+    for (auto const& neigh : neighbors) {
       NeighborState row;
-      if (rtnl_neigh_get_family(neigh) == family && NeighborRow(neigh, links.get(), row)) {
-        rows.push_back(row);
-      }
-    }, "read the neighbors of " + table.netstack);
+      if (neigh.family == family && NeighborRow(neigh, links, row)) rows.push_back(row);
+    }
   }
 }
 
-std::unique_ptr<rtnl_route, RouteFree> MakeRoute(RouteState const& row, int family,
-                                                 std::string const& netns,
-                                                 std::string const& what) {
-  std::unique_ptr<rtnl_route, RouteFree> route(rtnl_route_alloc());
-  rtnl_route_set_family(route.get(), static_cast<uint8_t>(family));
-  rtnl_route_set_table(route.get(), RT_TABLE_MAIN);
-  rtnl_route_set_type(route.get(), RTN_UNICAST);
-  rtnl_route_set_protocol(route.get(), RTPROT_BOOT);
-  Addr dst = ParseAddr(row.network, family);
-  rtnl_route_set_dst(route.get(), dst.get());
+// A request for one route of the main table: its addition or removal.
+void SendRoute(Request& request, RouteState const& row, int family, std::string const& netns,
+               std::string const& what) {
+  Address const dst = ParseAddr(row.network, family);
   bool const onLink = row.gateway == NoAddress(family);
-  rtnl_route_set_scope(route.get(), onLink ? RT_SCOPE_LINK : RT_SCOPE_UNIVERSE);
-  rtnl_nexthop* hop = rtnl_route_nh_alloc();
-  rtnl_route_nh_set_ifindex(hop, LinkIndex(row.interface, what, netns));
+  auto& header = request.Header<rtmsg>();
+  header.rtm_family = static_cast<unsigned char>(family);
+  header.rtm_dst_len = static_cast<unsigned char>(dst.prefix);
+  header.rtm_table = RT_TABLE_MAIN;
+  header.rtm_type = RTN_UNICAST;
+  header.rtm_protocol = RTPROT_BOOT;
+  header.rtm_scope = onLink ? RT_SCOPE_LINK : RT_SCOPE_UNIVERSE;
+  request.PutU32(RTA_TABLE, RT_TABLE_MAIN);
+  request.Put(RTA_DST, dst.bytes, dst.size);
+  request.PutU32(RTA_OIF, static_cast<uint32_t>(LinkIndex(row.interface, what, netns)));
   if (!onLink) {
-    Addr gateway = ParseAddr(row.gateway, family);
-    rtnl_route_nh_set_gateway(hop, gateway.get());
+    Address const gateway = ParseAddr(row.gateway, family);
+    request.Put(RTA_GATEWAY, gateway.bytes, gateway.size);
   }
-  rtnl_route_add_nexthop(route.get(), hop);
-  return route;
 }
 
 // The steps that add and remove one route. A route to an interface's own
@@ -135,53 +124,41 @@ Step RouteStep(RouteState const& row, int family, std::string const& key, bool a
   auto done = std::make_shared<bool>(true);
   auto put = [=](bool in, bool first) {
     if (!first && !*done) return;
-    auto route = MakeRoute(row, family, netns, what);
-    int const error = in ? rtnl_route_add(RouteSocket(netns), route.get(), NLM_F_EXCL)
-                         : rtnl_route_delete(RouteSocket(netns), route.get(), 0);
-    if (first) *done = error >= 0;
+    Request request(in ? RTM_NEWROUTE : RTM_DELROUTE, in ? NLM_F_CREATE | NLM_F_EXCL : 0);
+    SendRoute(request, row, family, netns, what);
+    int const error = request.Send(netns);
+    if (first) *done = error == 0;
     // Gone already (the kernel drops the routes of a link brought down) is
     // as asked.
-    if (!in && error == -NLE_OBJ_NOTFOUND) return;
-    if (error >= 0 || (onLink && error == -NLE_EXIST)) return;
+    if (!in && (error == ESRCH || error == ENOENT)) return;
+    if (error == 0 || (onLink && error == EEXIST)) return;
     FailNl(what, error);
   };
   return {what, [=] { put(add, true); }, [=] { put(!add, false); }};
 }
 
-std::unique_ptr<rtnl_neigh, NeighFree> MakeNeighbor(NeighborState const& row, int family,
-                                                    std::string const& netns,
-                                                    std::string const& what) {
-  std::unique_ptr<rtnl_neigh, NeighFree> neigh(rtnl_neigh_alloc());
-  rtnl_neigh_set_family(neigh.get(), family);
-  rtnl_neigh_set_ifindex(neigh.get(), LinkIndex(row.interface, what, netns));
-  Addr dst = ParseAddr(row.address, family);
-  rtnl_neigh_set_dst(neigh.get(), dst.get());
+// Adds or removes one neighbor entry.
+void ChangeNeighbor(NeighborState const& row, int family, std::string const& netns, bool add,
+                    std::string const& what) {
+  Request request(add ? RTM_NEWNEIGH : RTM_DELNEIGH, add ? NLM_F_CREATE : 0);
+  auto& header = request.Header<ndmsg>();
+  header.ndm_family = static_cast<unsigned char>(family);
+  header.ndm_ifindex = LinkIndex(row.interface, what, netns);
+  header.ndm_state = (row.flags & Sim::kNeighborFlagStatic) ? NUD_PERMANENT : NUD_STALE;
+  Address const dst = ParseAddr(row.address, family);
+  request.Put(NDA_DST, dst.bytes, dst.size);
   if (!row.mac.empty()) {
-    Addr mac = ParseAddr(row.mac, AF_LLC);
-    rtnl_neigh_set_lladdr(neigh.get(), mac.get());
+    Address const mac = ParseAddr(row.mac, AF_PACKET);
+    request.Put(NDA_LLADDR, mac.bytes, mac.size);
   }
-  rtnl_neigh_set_state(neigh.get(),
-                       (row.flags & Sim::kNeighborFlagStatic) ? NUD_PERMANENT : NUD_STALE);
-  return neigh;
+  request.Run(what, netns);
 }
 
 Step RemoveNeighborStep(NeighborState const& row, int family, std::string const& key) {
   std::string const netns = NamespaceOf(key);
   std::string const what = "remove neighbor " + row.address + " on " + row.interface + " in " + key;
-  return {what,
-          [=] {
-            auto neigh = MakeNeighbor(row, family, netns, what);
-            if (int error = rtnl_neigh_delete(RouteSocket(netns), neigh.get(), 0); error < 0) {
-              FailNl(what, error);
-            }
-          },
-          [=] {
-            auto neigh = MakeNeighbor(row, family, netns, what);
-            if (int error = rtnl_neigh_add(RouteSocket(netns), neigh.get(), NLM_F_CREATE);
-                error < 0) {
-              FailNl("restore neighbor " + row.address, error);
-            }
-          }};
+  return {what, [=] { ChangeNeighbor(row, family, netns, false, what); },
+          [=] { ChangeNeighbor(row, family, netns, true, "restore neighbor " + row.address); }};
 }
 
 template <class T>

@@ -5,7 +5,6 @@
 // defaults, and a port group on a VLAN, need what this mapping does not do
 // yet (traffic control, bridge VLAN filtering): planning them is refused.
 #include <net/if.h>
-#include <netlink/route/link.h>
 
 #include <algorithm>
 #include <map>
@@ -58,33 +57,25 @@ void OrderLike(std::vector<std::string> const& order, std::vector<T>& items, Nam
 void ReadSwitches(HostModel& host) {
   auto& area = host.vswitch;
   area.distributed_switches.clear();
-  Cache links = LinkCache();
+  std::vector<LinkInfo> const links = Links();
   std::vector<StandardSwitchState> switches;
   std::vector<std::string> kept_switches;
   for (auto const& vswitch : area.standard_switches) kept_switches.push_back(vswitch.name);
   std::map<int, size_t> by_index;
-  auto each = [&](auto&& use) {
-    for (nl_object* object = nl_cache_get_first(links.get()); object;
-         object = nl_cache_get_next(object)) {
-      use(reinterpret_cast<rtnl_link*>(object));
-    }
-  };
-  each([&](rtnl_link* link) {
-    if (!IsBridge(link)) return;
-    std::string const name = rtnl_link_get_name(link);
-    auto const* kept = Sim::FindStandardSwitch(area, name);
-    StandardSwitchState vswitch = kept ? *kept : DefaultSwitch(name);
-    vswitch.mtu = static_cast<int>(rtnl_link_get_mtu(link));
+  for (auto const& link : links) {
+    if (link.kind != "bridge") continue;
+    auto const* kept = Sim::FindStandardSwitch(area, link.name);
+    StandardSwitchState vswitch = kept ? *kept : DefaultSwitch(link.name);
+    vswitch.mtu = static_cast<int>(link.mtu);
     vswitch.uplinks.clear();
-    by_index[rtnl_link_get_ifindex(link)] = switches.size();
+    by_index[link.index] = switches.size();
     switches.push_back(std::move(vswitch));
-  });
-  each([&](rtnl_link* link) {
-    auto bridge = by_index.find(rtnl_link_get_master(link));
-    std::string const name = rtnl_link_get_name(link);
-    if (bridge == by_index.end() || IsOwnLink(name)) return;
-    switches[bridge->second].uplinks.push_back(name);
-  });
+  }
+  for (auto const& link : links) {
+    auto bridge = by_index.find(link.master);
+    if (bridge == by_index.end() || IsOwnLink(link.name)) continue;
+    switches[bridge->second].uplinks.push_back(link.name);
+  }
   for (auto& vswitch : switches) {
     if (auto const* kept = Sim::FindStandardSwitch(area, vswitch.name)) {
       OrderLike(kept->uplinks, vswitch.uplinks, [](std::string const& name) { return name; });
