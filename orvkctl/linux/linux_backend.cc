@@ -38,8 +38,8 @@ void NotAvailable(std::string const& what) {
 
 std::vector<Family> const& Families() {
   static std::vector<Family> const families = {NetstackFamily(), VswitchFamily(), NicFamily(),
-                                               IpFamily(),       HostFamily(),    FirewallFamily(),
-                                               RuntimeFamily()};
+                                               IpFamily(),       IpsecFamily(),   HostFamily(),
+                                               FirewallFamily(), RuntimeFamily()};
   return families;
 }
 
@@ -51,14 +51,19 @@ void CopyAreas(AreaSet areas, HostModel const& from, HostModel& to) {
   if (areas & Sim::kAreaFirewall) to.firewall = from.firewall;
   if (areas & Sim::kAreaNic) to.nic = from.nic;
   if (areas & Sim::kAreaIp) to.ip = from.ip;
+  if (areas & Sim::kAreaIpsec) {
+    to.ip.ipsec_sas = from.ip.ipsec_sas;
+    to.ip.ipsec_sps = from.ip.ipsec_sps;
+  }
   if (areas & Sim::kAreaVswitch) to.vswitch = from.vswitch;
   if (areas & Sim::kAreaRuntime) to.runtime = from.runtime;
 }
 
-// The areas `areas` of `host` as JSON, the rest left empty.
+// The areas `areas` of `host` as JSON, the rest left empty, without secrets.
 std::string AreasJson(HostModel const& host, AreaSet areas) {
   HostModel only;
   CopyAreas(areas, host, only);
+  ForgetSecrets(only);
   return Sim::HostToJson(only);
 }
 
@@ -115,6 +120,7 @@ class LinuxBackend final : public Sim::HostBackend {
     std::string const old_kept = kept_text_;
     HostModel kept = kept_;
     CopyAreas(areas, after, kept);
+    ForgetSecrets(kept);
     std::string const new_kept = Sim::HostToJson(kept);
     plan.push_back({"keep the host's names", [this, new_kept] { StoreKept(new_kept); },
                     [this, old_kept] { StoreKept(old_kept); }});

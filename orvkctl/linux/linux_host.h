@@ -65,9 +65,13 @@ Family NetstackFamily();
 Family VswitchFamily();
 Family NicFamily();
 Family IpFamily();
+Family IpsecFamily();
 Family HostFamily();
 Family FirewallFamily();
 Family RuntimeFamily();
+
+// Clears what must never be written down (IPsec keys) from `host`.
+void ForgetSecrets(HostModel& host);
 
 // The backend's own ends of its interfaces' veth pairs, the ports of the
 // bridges, are named "tb-<interface>"; no NIC is named so.
