@@ -59,11 +59,23 @@ void CopyAreas(AreaSet areas, HostModel const& from, HostModel& to) {
   if (areas & Sim::kAreaRuntime) to.runtime = from.runtime;
 }
 
-// The areas `areas` of `host` as JSON, the rest left empty, without secrets.
+// Clears from `host` what the backend never writes down nor compares: IPsec
+// keys (they go to the kernel only), and the multicast memberships (live).
+void ForgetUnkept(HostModel& host) {
+  for (auto& sa : host.ip.ipsec_sas) {
+    sa.encrypt_key.clear();
+    sa.auth_key.clear();
+  }
+  host.runtime.memberships_reported = false;
+  host.runtime.memberships.clear();
+}
+
+// The areas `areas` of `host` as JSON, the rest left empty, without what is
+// not kept.
 std::string AreasJson(HostModel const& host, AreaSet areas) {
   HostModel only;
   CopyAreas(areas, host, only);
-  ForgetSecrets(only);
+  ForgetUnkept(only);
   return Sim::HostToJson(only);
 }
 
@@ -120,7 +132,7 @@ class LinuxBackend final : public Sim::HostBackend {
     std::string const old_kept = kept_text_;
     HostModel kept = kept_;
     CopyAreas(areas, after, kept);
-    ForgetSecrets(kept);
+    ForgetUnkept(kept);
     std::string const new_kept = Sim::HostToJson(kept);
     plan.push_back({"keep the host's names", [this, new_kept] { StoreKept(new_kept); },
                     [this, old_kept] { StoreKept(old_kept); }});

@@ -70,9 +70,6 @@ Family HostFamily();
 Family FirewallFamily();
 Family RuntimeFamily();
 
-// Clears what must never be written down (IPsec keys) from `host`.
-void ForgetSecrets(HostModel& host);
-
 // The backend's own ends of its interfaces' veth pairs, the ports of the
 // bridges, are named "tb-<interface>"; no NIC is named so.
 inline constexpr char kOwnLinkPrefix[] = "tb-";

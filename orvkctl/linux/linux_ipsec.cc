@@ -615,13 +615,6 @@ void KeepIpsec(HostModel const&, HostModel&) {}
 
 }  // namespace
 
-void ForgetSecrets(HostModel& host) {
-  for (auto& sa : host.ip.ipsec_sas) {
-    sa.encrypt_key.clear();
-    sa.auth_key.clear();
-  }
-}
-
 Family IpsecFamily() { return {"ipsec", Sim::kAreaIpsec, ReadIpsec, PlanIpsec, KeepIpsec}; }
 
 }  // namespace OrvkCtl::Linux

@@ -46,17 +46,8 @@ void ReadRuntime(HostModel& host) {
     rtnl_link* bridge = find(port.portset);
     return !bridge || !IsBridge(bridge);
   });
-  for (auto& port : host.runtime.ports) {
-    rtnl_link* end = find(kOwnLinkPrefix + port.client);
-    if (!end) continue;
-    port.packets_received = rtnl_link_get_stat(end, RTNL_LINK_RX_PACKETS);
-    port.packets_sent = rtnl_link_get_stat(end, RTNL_LINK_TX_PACKETS);
-    port.bytes_received = rtnl_link_get_stat(end, RTNL_LINK_RX_BYTES);
-    port.bytes_sent = rtnl_link_get_stat(end, RTNL_LINK_TX_BYTES);
-    port.rx_dropped = rtnl_link_get_stat(end, RTNL_LINK_RX_DROPPED);
-    port.tx_dropped = rtnl_link_get_stat(end, RTNL_LINK_TX_DROPPED);
-    port.multicast_received = rtnl_link_get_stat(end, RTNL_LINK_MULTICAST);
-  }
+  ReadPortCounters(host, links.get());
+  ReadMemberships(host);
   ReadConnections(host);
 }
 
