@@ -131,6 +131,15 @@ class Request {
   nl_msg* message_;
 };
 
+// The fixed part of a message of `type`, or null for another or a short one.
+template <class T>
+T const* FixedPart(nlmsghdr* header, int type) {
+  if (header->nlmsg_type != type || nlmsg_datalen(header) < static_cast<int>(sizeof(T))) {
+    return nullptr;
+  }
+  return static_cast<T const*>(nlmsg_data(header));
+}
+
 // The attributes of an xfrm message whose fixed part is `size` bytes.
 std::vector<nlattr*> Attributes(nlmsghdr* header, size_t size) {
   std::vector<nlattr*> attributes(XFRMA_MAX + 1);
@@ -376,12 +385,8 @@ std::vector<IpSecSaRecord> ReadSas(std::vector<IpSecSaRecord> const& kept) {
   std::vector<IpSecSaRecord> sas;
   Request dump(XFRM_MSG_GETSA, NLM_F_DUMP);
   int const error = dump.Send([&](nlmsghdr* header) {
-    if (header->nlmsg_type != XFRM_MSG_NEWSA ||
-        nlmsg_datalen(header) < static_cast<int>(sizeof(xfrm_usersa_info))) {
-      return;
-    }
-    auto const* info = static_cast<xfrm_usersa_info const*>(nlmsg_data(header));
-    if (info->id.proto != IPPROTO_ESP) return;
+    auto const* info = FixedPart<xfrm_usersa_info>(header, XFRM_MSG_NEWSA);
+    if (!info || info->id.proto != IPPROTO_ESP) return;
     auto attributes = Attributes(header, sizeof *info);
     IpSecSaRecord sa;
     sa.spi = ntohl(info->id.spi);
@@ -497,12 +502,8 @@ std::vector<IpSecSpRecord> ReadPolicies(std::vector<IpSecSpRecord> const& kept,
   std::vector<IpSecSpRecord> sps;
   Request dump(XFRM_MSG_GETPOLICY, NLM_F_DUMP);
   int const error = dump.Send([&](nlmsghdr* header) {
-    if (header->nlmsg_type != XFRM_MSG_NEWPOLICY ||
-        nlmsg_datalen(header) < static_cast<int>(sizeof(xfrm_userpolicy_info))) {
-      return;
-    }
-    auto const* info = static_cast<xfrm_userpolicy_info const*>(nlmsg_data(header));
-    if (info->dir >= XFRM_POLICY_MAX) return;  // a socket's own
+    auto const* info = FixedPart<xfrm_userpolicy_info>(header, XFRM_MSG_NEWPOLICY);
+    if (!info || info->dir >= XFRM_POLICY_MAX) return;  // (a socket's own policy)
     auto attributes = Attributes(header, sizeof *info);
     if (auto const* type = Payload<xfrm_userpolicy_type>(attributes[XFRMA_POLICY_TYPE]);
         type && type->type != XFRM_POLICY_TYPE_MAIN) {
