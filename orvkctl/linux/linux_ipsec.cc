@@ -97,9 +97,12 @@ class Request {
   int Send(Each const& each = {}) {
     nl_sock* sock = XfrmSocket();
     if (int error = nl_send_auto(sock, message_); error < 0) FailNl("send an xfrm request", error);
+    // libnl asks for an acknowledgement of every request: the answer ends
+    // with it, with an error, or with the end of a dump.
     struct Answer {
       Each const* each;
       int error = 0;
+      bool done = false;
       static int Valid(nl_msg* message, void* self) {
         auto* answer = static_cast<Answer*>(self);
         if (*answer->each) (*answer->each)(nlmsg_hdr(message));
@@ -107,18 +110,25 @@ class Request {
       }
       static int Error(sockaddr_nl*, nlmsgerr* error, void* self) {
         static_cast<Answer*>(self)->error = -error->error;
+        static_cast<Answer*>(self)->done = true;
         return NL_STOP;
       }
-      static int Ack(nl_msg*, void*) { return NL_STOP; }
+      static int Done(nl_msg*, void* self) {
+        static_cast<Answer*>(self)->done = true;
+        return NL_STOP;
+      }
     } answer{&each};
     std::unique_ptr<nl_cb, void (*)(nl_cb*)> callbacks(nl_cb_alloc(NL_CB_DEFAULT), nl_cb_put);
     if (!callbacks) FailErrno("read the kernel's answer", ENOMEM);
     nl_cb_set(callbacks.get(), NL_CB_VALID, NL_CB_CUSTOM, Answer::Valid, &answer);
-    nl_cb_set(callbacks.get(), NL_CB_ACK, NL_CB_CUSTOM, Answer::Ack, &answer);
+    nl_cb_set(callbacks.get(), NL_CB_ACK, NL_CB_CUSTOM, Answer::Done, &answer);
+    nl_cb_set(callbacks.get(), NL_CB_FINISH, NL_CB_CUSTOM, Answer::Done, &answer);
     nl_cb_err(callbacks.get(), NL_CB_CUSTOM, Answer::Error, &answer);
-    int const error = nl_recvmsgs(sock, callbacks.get());
-    if (answer.error != 0) return answer.error;
-    if (error < 0) FailNl("read the kernel's answer", error);
+    while (!answer.done) {
+      int const error = nl_recvmsgs(sock, callbacks.get());
+      if (answer.error != 0) return answer.error;
+      if (error < 0) FailNl("read the kernel's answer", error);
+    }
     return 0;
   }
 
@@ -350,17 +360,15 @@ void AddSa(IpSecSaRecord const& sa) {
   }
 }
 
-// An SA as the kernel holds it, keys and all, for putting it back: only in
-// memory, wiped when it goes.
-using SavedSa = std::shared_ptr<Secret>;
+// An SA or a policy as the kernel holds it (an SA with its keys), for putting
+// it back: only in memory, wiped when it goes.
+using Saved = std::shared_ptr<Secret>;
 
-// Takes SA `sa` out of the kernel; gives what puts it back.
-SavedSa RemoveSa(IpSecSaRecord const& sa) {
-  std::string const what = "remove Security Association " + sa.name;
-  xfrm_usersa_id const id = SaId(sa);
-  auto saved = std::make_shared<Secret>();
-  Request get(XFRM_MSG_GETSA, 0);
-  get.Append(&id, sizeof id);
+// Asks the kernel for the object `id` names (`size` bytes) with `type`,
+// keeps its answer in `saved`; throws "Cannot <what>: ..." when it has none.
+void Save(int type, void const* id, size_t size, Saved const& saved, std::string const& what) {
+  Request get(type, 0);
+  get.Append(id, size);
   if (int error = get.Send([&](nlmsghdr* header) {
         auto const* data = static_cast<unsigned char const*>(nlmsg_data(header));
         saved->bytes.assign(data, data + nlmsg_datalen(header));
@@ -368,16 +376,24 @@ SavedSa RemoveSa(IpSecSaRecord const& sa) {
       error != 0) {
     FailErrno(what, error);
   }
+}
+
+// Gives the kernel back what Save kept, as a new object of `type`.
+void Restore(Saved const& saved, int type, std::string const& what) {
+  if (!saved || saved->bytes.empty()) return;
+  Request request(type, NLM_F_ACK | NLM_F_CREATE | NLM_F_EXCL);
+  request.Append(saved->bytes.data(), saved->bytes.size()).Change(what);
+}
+
+// Takes SA `sa` out of the kernel; gives what puts it back.
+Saved RemoveSa(IpSecSaRecord const& sa) {
+  std::string const what = "remove Security Association " + sa.name;
+  xfrm_usersa_id const id = SaId(sa);
+  auto saved = std::make_shared<Secret>();
+  Save(XFRM_MSG_GETSA, &id, sizeof id, saved, what);
   Request remove(XFRM_MSG_DELSA, NLM_F_ACK);
   remove.Append(&id, sizeof id).Change(what);
   return saved;
-}
-
-void RestoreSa(SavedSa const& saved, std::string const& name) {
-  if (!saved || saved->bytes.empty()) return;
-  Request request(XFRM_MSG_NEWSA, NLM_F_ACK | NLM_F_CREATE | NLM_F_EXCL);
-  request.Append(saved->bytes.data(), saved->bytes.size())
-      .Change("put back Security Association " + name);
 }
 
 // The kernel's ESP SAs, named as `kept` names them, in its order.
@@ -478,11 +494,33 @@ void AddPolicy(IpSecSpRecord const& sp, std::vector<IpSecSaRecord> const& sas,
   request.Change(what);
 }
 
-void RemovePolicy(IpSecSpRecord const& sp, std::string const& what) {
+// A policy another tool made is named "policy-<its kernel index>".
+constexpr char kKernelPolicyPrefix[] = "policy-";
+
+// The kernel index in such a name, or 0 for another name.
+uint32_t KernelIndex(std::string const& name) {
+  size_t const length = sizeof kKernelPolicyPrefix - 1;
+  if (name.rfind(kKernelPolicyPrefix, 0) != 0 || name.size() == length ||
+      name.find_first_not_of("0123456789", length) != std::string::npos) {
+    return 0;
+  }
+  return static_cast<uint32_t>(std::strtoul(name.c_str() + length, nullptr, 10));
+}
+
+// Takes policy `sp` out of the kernel; gives what puts it back.
+Saved RemovePolicy(IpSecSpRecord const& sp, std::string const& what) {
   xfrm_userpolicy_id id{};
-  id.sel = Selector(sp);
   id.dir = Direction(sp);
+  // A protocol the records have no word for: only its index finds it.
+  if (sp.protocol == Net::ProtoNone) {
+    id.index = KernelIndex(sp.name);
+  } else {
+    id.sel = Selector(sp);
+  }
+  auto saved = std::make_shared<Secret>();
+  Save(XFRM_MSG_GETPOLICY, &id, sizeof id, saved, what);
   Request(XFRM_MSG_DELPOLICY, NLM_F_ACK).Append(&id, sizeof id).Change(what);
+  return saved;
 }
 
 // Whether two records name the same kernel policy: its selector and
@@ -538,9 +576,10 @@ std::vector<IpSecSpRecord> ReadPolicies(std::vector<IpSecSpRecord> const& kept,
         }
       }
     }
-    sp.name = "policy-" + std::to_string(info->index);
+    sp.name = kKernelPolicyPrefix + std::to_string(info->index);
     for (auto const& known : kept) {
-      if (!SamePolicy(known, sp)) continue;
+      // (A name of that form was the kernel's index then, not now.)
+      if (KernelIndex(known.name) != 0 || !SamePolicy(known, sp)) continue;
       sp.name = known.name;
       // A policy asked without a mode gets a transport template.
       if (known.mode == Net::ModeAny && sp.mode == Net::ModeTransport) sp.mode = Net::ModeAny;
@@ -586,16 +625,20 @@ void PlanIpsec(HostModel const& before, HostModel const& after, Plan& plan) {
   for (auto const& sp : was.ipsec_sps) {
     if (Holds(now.ipsec_sps, sp, SameSp)) continue;
     std::string const what = "remove Security Policy " + sp.name;
-    auto const sas = was.ipsec_sas;
-    plan.push_back({what, [sp, what] { RemovePolicy(sp, what); },
-                    [sp, sas] { AddPolicy(sp, sas, "put back Security Policy " + sp.name); }});
+    auto saved = std::make_shared<Saved>();
+    plan.push_back({what, [sp, what, saved] { *saved = RemovePolicy(sp, what); },
+                    [sp, saved] {
+                      Restore(*saved, XFRM_MSG_NEWPOLICY, "put back Security Policy " + sp.name);
+                    }});
   }
   for (auto const& sa : was.ipsec_sas) {
     if (Holds(now.ipsec_sas, sa, SameSa)) continue;
-    auto saved = std::make_shared<SavedSa>();
+    auto saved = std::make_shared<Saved>();
     plan.push_back({"remove Security Association " + sa.name,
                     [sa, saved] { *saved = RemoveSa(sa); },
-                    [sa, saved] { RestoreSa(*saved, sa.name); }});
+                    [sa, saved] {
+                      Restore(*saved, XFRM_MSG_NEWSA, "put back Security Association " + sa.name);
+                    }});
   }
   for (auto const& sa : now.ipsec_sas) {
     if (Holds(was.ipsec_sas, sa, SameSa)) continue;
@@ -604,6 +647,11 @@ void PlanIpsec(HostModel const& before, HostModel const& after, Plan& plan) {
   }
   for (auto const& sp : now.ipsec_sps) {
     if (Holds(was.ipsec_sps, sp, SameSp)) continue;
+    if (KernelIndex(sp.name) != 0) {
+      throw HostCtlException("The name " + sp.name +
+                             " is the linux host's own, for policies other tools made: choose "
+                             "another");
+    }
     std::string const what = "add Security Policy " + sp.name;
     auto const sas = now.ipsec_sas;
     plan.push_back({what, [sp, sas, what] { AddPolicy(sp, sas, what); },

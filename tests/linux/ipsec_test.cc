@@ -27,7 +27,9 @@ class IpsecTest : public LinuxHostTest {
     LinuxHostTest::TearDown();
   }
 
+  // Lists as a new process would: what was loaded is forgotten.
   json List(std::string const& what) {
+    Reload();
     return json::parse(Ok({"network", "ip", "ipsec", what, "list", "--formatter", "json"}));
   }
   static std::string Policies() { return Shell("ip xfrm policy"); }
@@ -119,12 +121,16 @@ TEST_F(IpsecTest, PoliciesOfOtherToolsShowAndGo) {
   Shell("ip xfrm policy add src 2001:db8:5::/64 dst 2001:db8:6::/64 dir in "
         "tmpl src 2001:db8:5::1 dst 2001:db8:6::1 proto esp spi 0x300 mode tunnel && "
         "ip xfrm policy add src 10.1.0.0/16 dst 10.2.0.0/16 dir out action block && "
-        "ip xfrm policy add src ::/0 dst ::/0 dir fwd action block");
+        "ip xfrm policy add src ::/0 dst ::/0 dir fwd action block && "
+        // Two that differ only by a protocol the host's records have no word for.
+        "ip xfrm policy add src 2001:db8:a::/64 dst 2001:db8:b::/64 proto gre dir out "
+        "action block && "
+        "ip xfrm policy add src 2001:db8:a::/64 dst 2001:db8:b::/64 dir out action block");
   // The policy that pins an SPI no SA of the host has earns the footnote.
   auto const run = Run({"network", "ip", "ipsec", "sp", "list", "--formatter", "json"});
   EXPECT_NE(run.err.find("*Some SPs with unique but deleted SAs"), std::string::npos) << run.err;
   json const listed = json::parse(run.out);
-  ASSERT_EQ(listed.size(), 3u) << listed.dump(1);
+  ASSERT_EQ(listed.size(), 5u) << listed.dump(1);
   auto row = [&](std::string const& source) {
     for (auto const& r : listed) {
       if (r["Source Address"] == source) return r;
@@ -140,7 +146,18 @@ TEST_F(IpsecTest, PoliciesOfOtherToolsShowAndGo) {
   EXPECT_EQ(ipv4["Destination Address"], "::ffff:10.2.0.0/112");
   EXPECT_EQ(ipv4["Action"], "discard");
   EXPECT_EQ(row("::/0")["Flow"], "none");
+  // The one of the other protocol goes by its index, not the other.
   for (auto const& r : listed) {
+    if (r["Protocol"] != "none") continue;
+    Ok({"network", "ip", "ipsec", "sp", "remove", "-n", r["Name"]});
+    EXPECT_EQ(Policies().find("proto gre"), std::string::npos);
+    EXPECT_NE(Policies().find("src 2001:db8:a::/64"), std::string::npos);
+  }
+  Refused({"network", "ip", "ipsec", "sp", "add", "-n", "policy-7", "-s", "any", "-d", "any",
+           "-p", "0", "-P", "0"},
+          "The name policy-7 is the linux host's own");
+  Reload();
+  for (auto const& r : json::parse(Run({"network", "ip", "ipsec", "sp", "list", "--formatter", "json"}).out)) {
     std::string const name = r["Name"];
     EXPECT_EQ(name.rfind("policy-", 0), 0u) << name;
     Ok({"network", "ip", "ipsec", "sp", "remove", "-n", name});
@@ -199,9 +216,15 @@ TEST_F(IpsecTest, ARefusedSaLeavesNothingAndShowsNoKey) {
     EXPECT_EQ(States(), "");
     EXPECT_EQ(List("sa"), json::array());
   }
-  // A batch whose last line is that SA takes back the policy before it.
+  // A batch whose last line is that SA takes back the lines before it: the
+  // policy it added goes, the one it removed comes back as the kernel had it.
+  Shell("ip xfrm policy add src 2001:db8:c::/64 dst 2001:db8:d::/64 dir out priority 7 "
+        "action block");
+  std::string const before = Policies();
+  std::string const other = List("sp")[0]["Name"];
   std::string const batch = std::string(std::getenv("TOOLBASE_LINUX_ROOT")) + "/batch.txt";
-  std::ofstream(batch) << "network ip ipsec sp add -n p1 -s any -d 2001:db8:3::/64 -p 0 -P 0 "
+  std::ofstream(batch) << "network ip ipsec sp remove -n " << other << "\n"
+                       << "network ip ipsec sp add -n p1 -s any -d 2001:db8:3::/64 -p 0 -P 0 "
                           "-A discard\n"
                           "network ip ipsec sa add -n sa1 -s any -d 2001:db8::2 -p 0x100 "
                           "-e aes128-cbc -k " << kAesKey << " -i hmac-sha1 -K " << kSha1Key
@@ -209,7 +232,7 @@ TEST_F(IpsecTest, ARefusedSaLeavesNothingAndShowsNoKey) {
   auto const run = Run({"--batch", batch});
   EXPECT_NE(run.status, 0);
   EXPECT_EQ((run.out + run.err).find("00112233"), std::string::npos);
-  EXPECT_EQ(Policies(), "");
+  EXPECT_EQ(Policies(), before);
   EXPECT_EQ(States(), "");
   EXPECT_EQ(KeptFiles().find("00112233"), std::string::npos);
 }
