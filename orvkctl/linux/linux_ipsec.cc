@@ -198,8 +198,7 @@ XfrmAddress ToXfrm(std::string const& text, uint32_t prefix, bool ipv4) {
 
 // Whether a record's pair of addresses is IPv4 for the kernel: both mapped,
 // or one mapped and the other any.
-bool PairIsIpv4(std::string const& a, uint32_t a_prefix, std::string const& b,
-                uint32_t b_prefix) {
+bool PairIsIpv4(std::string const& a, uint32_t a_prefix, std::string const& b, uint32_t b_prefix) {
   auto kind = [](std::string const& text, uint32_t prefix) {
     auto const bytes = Net::Ipv6Address(text).GetBytes();
     if (IsMapped(bytes) && prefix >= 96) return 1;  // IPv4
@@ -294,8 +293,7 @@ void BuildAlgorithm(void const* head, size_t size, std::string const& key, size_
 
 // What the kernel's refusal of a new SA means, in words.
 std::string SaRefusal(int error, Algorithm const& encryption, Algorithm const& integrity) {
-  std::string const pair =
-      std::string(encryption.kernel) + " with " + integrity.kernel;
+  std::string const pair = std::string(encryption.kernel) + " with " + integrity.kernel;
   switch (error) {
     case EPROTONOSUPPORT:
       return "the kernel does not have ESP, so it has none of the algorithms of IPsec (" + pair +
@@ -440,8 +438,7 @@ std::vector<IpSecSaRecord> ReadSas(std::vector<IpSecSaRecord> const& kept) {
 constexpr uint8_t kProtocols[] = {0, IPPROTO_TCP, IPPROTO_UDP, IPPROTO_ICMPV6};
 
 xfrm_selector Selector(IpSecSpRecord const& sp) {
-  bool const ipv4 =
-      PairIsIpv4(sp.source, sp.source_prefix, sp.destination, sp.destination_prefix);
+  bool const ipv4 = PairIsIpv4(sp.source, sp.source_prefix, sp.destination, sp.destination_prefix);
   XfrmAddress const source = ToXfrm(sp.source, sp.source_prefix, ipv4);
   XfrmAddress const destination = ToXfrm(sp.destination, sp.destination_prefix, ipv4);
   xfrm_selector selector{};
@@ -528,9 +525,8 @@ Saved RemovePolicy(IpSecSpRecord const& sp, std::string const& what) {
 bool SamePolicy(IpSecSpRecord const& a, IpSecSpRecord const& b) {
   return a.source == b.source && a.source_prefix == b.source_prefix &&
          a.source_port == b.source_port && a.destination == b.destination &&
-         a.destination_prefix == b.destination_prefix &&
-         a.destination_port == b.destination_port && a.protocol == b.protocol &&
-         a.direction == b.direction;
+         a.destination_prefix == b.destination_prefix && a.destination_port == b.destination_port &&
+         a.protocol == b.protocol && a.direction == b.direction;
 }
 
 // The kernel's policies of the main type, named as `kept` names them, with
@@ -642,8 +638,8 @@ void PlanIpsec(HostModel const& before, HostModel const& after, Plan& plan) {
   }
   for (auto const& sa : now.ipsec_sas) {
     if (Holds(was.ipsec_sas, sa, SameSa)) continue;
-    plan.push_back({"add Security Association " + sa.name, [sa] { AddSa(sa); },
-                    [sa] { RemoveSa(sa); }});
+    plan.push_back(
+        {"add Security Association " + sa.name, [sa] { AddSa(sa); }, [sa] { RemoveSa(sa); }});
   }
   for (auto const& sp : now.ipsec_sps) {
     if (Holds(was.ipsec_sps, sp, SameSp)) continue;

@@ -31,13 +31,13 @@ std::string Mac(unsigned char const (&bytes)[6]) {
 // The Ethernet address a group is received on.
 std::string Ipv4GroupMac(in_addr group) {
   auto const* b = reinterpret_cast<unsigned char const*>(&group.s_addr);
-  unsigned char const mac[6] = {0x01, 0x00, 0x5e, static_cast<unsigned char>(b[1] & 0x7f), b[2],
-                                b[3]};
+  unsigned char const mac[6] = {0x01, 0x00, 0x5e, static_cast<unsigned char>(b[1] & 0x7f),
+                                b[2], b[3]};
   return Mac(mac);
 }
 std::string Ipv6GroupMac(in6_addr const& group) {
-  unsigned char const mac[6] = {0x33, 0x33, group.s6_addr[12], group.s6_addr[13],
-                                group.s6_addr[14], group.s6_addr[15]};
+  unsigned char const mac[6] = {
+      0x33, 0x33, group.s6_addr[12], group.s6_addr[13], group.s6_addr[14], group.s6_addr[15]};
   return Mac(mac);
 }
 

@@ -63,30 +63,55 @@ TEST_F(IpsecTest, PoliciesRoundTripThroughTheKernel) {
         "tcp", "-w", "out", "-A", "ipsec", "-m", "transport"},
        {"src 2001:db8::/64 dst 2001:db8:1::/64 proto tcp dport 443", "dir out priority 0",
         "tmpl src :: dst ::", "proto esp reqid 0 mode transport"},
-       {{"Name", "web"}, {"Source Address", "2001:db8::/64"}, {"Source Port", 0},
-        {"Destination Address", "2001:db8:1::/64"}, {"Destination Port", 443},
-        {"Protocol", "tcp"}, {"Flow", "out"}, {"Action", "ipsec"}, {"Mode", "transport"},
+       {{"Name", "web"},
+        {"Source Address", "2001:db8::/64"},
+        {"Source Port", 0},
+        {"Destination Address", "2001:db8:1::/64"},
+        {"Destination Port", 443},
+        {"Protocol", "tcp"},
+        {"Flow", "out"},
+        {"Action", "ipsec"},
+        {"Mode", "transport"},
         {"SA Name", ""}}},
       {{"-n", "block-in", "-s", "any", "-d", "2001:db8:2::/48", "-p", "0", "-P", "0", "-A",
         "discard", "-w", "in", "-u", "udp"},
        {"src ::/0 dst 2001:db8:2::/48 proto udp", "dir in action block priority 0"},
-       {{"Name", "block-in"}, {"Source Address", "::/0"}, {"Source Port", 0},
-        {"Destination Address", "2001:db8:2::/48"}, {"Destination Port", 0},
-        {"Protocol", "udp"}, {"Flow", "in"}, {"Action", "discard"}, {"Mode", "any"},
+       {{"Name", "block-in"},
+        {"Source Address", "::/0"},
+        {"Source Port", 0},
+        {"Destination Address", "2001:db8:2::/48"},
+        {"Destination Port", 0},
+        {"Protocol", "udp"},
+        {"Flow", "in"},
+        {"Action", "discard"},
+        {"Mode", "any"},
         {"SA Name", ""}}},
       // No action given: the library's default, IPsec with no mode asked.
       {{"-n", "host", "-s", "2001:db8:9::1/128", "-d", "any", "-p", "5000", "-P", "0"},
        {"src 2001:db8:9::1/128 dst ::/0 sport 5000", "dir out priority 0",
         "proto esp reqid 0 mode transport"},
-       {{"Name", "host"}, {"Source Address", "2001:db8:9::1/128"}, {"Source Port", 5000},
-        {"Destination Address", "::/0"}, {"Destination Port", 0}, {"Protocol", "any"},
-        {"Flow", "out"}, {"Action", "ipsec"}, {"Mode", "any"}, {"SA Name", ""}}},
+       {{"Name", "host"},
+        {"Source Address", "2001:db8:9::1/128"},
+        {"Source Port", 5000},
+        {"Destination Address", "::/0"},
+        {"Destination Port", 0},
+        {"Protocol", "any"},
+        {"Flow", "out"},
+        {"Action", "ipsec"},
+        {"Mode", "any"},
+        {"SA Name", ""}}},
       {{"-n", "tunnel", "-s", "2001:db8:7::/64", "-d", "2001:db8:8::/64", "-p", "0", "-P", "0",
         "-A", "ipsec", "-m", "tunnel", "-u", "icmp6"},
        {"src 2001:db8:7::/64 dst 2001:db8:8::/64 proto ipv6-icmp", "mode tunnel"},
-       {{"Name", "tunnel"}, {"Source Address", "2001:db8:7::/64"}, {"Source Port", 0},
-        {"Destination Address", "2001:db8:8::/64"}, {"Destination Port", 0},
-        {"Protocol", "icmp6"}, {"Flow", "out"}, {"Action", "ipsec"}, {"Mode", "tunnel"},
+       {{"Name", "tunnel"},
+        {"Source Address", "2001:db8:7::/64"},
+        {"Source Port", 0},
+        {"Destination Address", "2001:db8:8::/64"},
+        {"Destination Port", 0},
+        {"Protocol", "icmp6"},
+        {"Flow", "out"},
+        {"Action", "ipsec"},
+        {"Mode", "tunnel"},
         {"SA Name", ""}}},
   };
   for (auto const& row : rows) {
@@ -104,8 +129,27 @@ TEST_F(IpsecTest, PoliciesRoundTripThroughTheKernel) {
   ASSERT_EQ(listed.size(), std::size(rows)) << listed.dump(1);
   for (size_t i = 0; i < std::size(rows); ++i) EXPECT_EQ(listed[i], rows[i].listed);
 
-  Refused({"network", "ip", "ipsec", "sp", "add", "-n", "again", "-s", "2001:db8::/64", "-d",
-           "2001:db8:1::/64", "-p", "0", "-P", "443", "-u", "tcp", "-w", "out", "-A", "ipsec"},
+  Refused({"network",
+           "ip",
+           "ipsec",
+           "sp",
+           "add",
+           "-n",
+           "again",
+           "-s",
+           "2001:db8::/64",
+           "-d",
+           "2001:db8:1::/64",
+           "-p",
+           "0",
+           "-P",
+           "443",
+           "-u",
+           "tcp",
+           "-w",
+           "out",
+           "-A",
+           "ipsec"},
           "File exists");
   Ok({"network", "ip", "ipsec", "sp", "remove", "-n", "web"});
   EXPECT_EQ(Policies().find("dport 443"), std::string::npos);
@@ -118,14 +162,15 @@ TEST_F(IpsecTest, PoliciesRoundTripThroughTheKernel) {
 // What another tool put into the kernel shows, named by its index, and can
 // be removed by that name; an IPv4 policy shows in its IPv4-mapped form.
 TEST_F(IpsecTest, PoliciesOfOtherToolsShowAndGo) {
-  Shell("ip xfrm policy add src 2001:db8:5::/64 dst 2001:db8:6::/64 dir in "
-        "tmpl src 2001:db8:5::1 dst 2001:db8:6::1 proto esp spi 0x300 mode tunnel && "
-        "ip xfrm policy add src 10.1.0.0/16 dst 10.2.0.0/16 dir out action block && "
-        "ip xfrm policy add src ::/0 dst ::/0 dir fwd action block && "
-        // Two that differ only by a protocol the host's records have no word for.
-        "ip xfrm policy add src 2001:db8:a::/64 dst 2001:db8:b::/64 proto gre dir out "
-        "action block && "
-        "ip xfrm policy add src 2001:db8:a::/64 dst 2001:db8:b::/64 dir out action block");
+  Shell(
+      "ip xfrm policy add src 2001:db8:5::/64 dst 2001:db8:6::/64 dir in "
+      "tmpl src 2001:db8:5::1 dst 2001:db8:6::1 proto esp spi 0x300 mode tunnel && "
+      "ip xfrm policy add src 10.1.0.0/16 dst 10.2.0.0/16 dir out action block && "
+      "ip xfrm policy add src ::/0 dst ::/0 dir fwd action block && "
+      // Two that differ only by a protocol the host's records have no word for.
+      "ip xfrm policy add src 2001:db8:a::/64 dst 2001:db8:b::/64 proto gre dir out "
+      "action block && "
+      "ip xfrm policy add src 2001:db8:a::/64 dst 2001:db8:b::/64 dir out action block");
   // The policy that pins an SPI no SA of the host has earns the footnote.
   auto const run = Run({"network", "ip", "ipsec", "sp", "list", "--formatter", "json"});
   EXPECT_NE(run.err.find("*Some SPs with unique but deleted SAs"), std::string::npos) << run.err;
@@ -153,11 +198,12 @@ TEST_F(IpsecTest, PoliciesOfOtherToolsShowAndGo) {
     EXPECT_EQ(Policies().find("proto gre"), std::string::npos);
     EXPECT_NE(Policies().find("src 2001:db8:a::/64"), std::string::npos);
   }
-  Refused({"network", "ip", "ipsec", "sp", "add", "-n", "policy-7", "-s", "any", "-d", "any",
-           "-p", "0", "-P", "0"},
+  Refused({"network", "ip", "ipsec", "sp", "add", "-n", "policy-7", "-s", "any", "-d", "any", "-p",
+           "0", "-P", "0"},
           "The name policy-7 is the linux host's own");
   Reload();
-  for (auto const& r : json::parse(Run({"network", "ip", "ipsec", "sp", "list", "--formatter", "json"}).out)) {
+  for (auto const& r :
+       json::parse(Run({"network", "ip", "ipsec", "sp", "list", "--formatter", "json"}).out)) {
     std::string const name = r["Name"];
     EXPECT_EQ(name.rfind("policy-", 0), 0u) << name;
     Ok({"network", "ip", "ipsec", "sp", "remove", "-n", name});
@@ -175,8 +221,8 @@ TEST_F(IpsecTest, BadPoliciesChangeNothing) {
        "Invalid"},
       {{"sp", "add", "-n", "x", "-s", "any", "-d", "any", "-p", "70000", "-P", "0"},
        "Invalid port"},
-      {{"sp", "add", "-n", "x", "-s", "any", "-d", "any", "-p", "0", "-P", "0", "-A", "ipsec",
-        "-a", "nosuch"},
+      {{"sp", "add", "-n", "x", "-s", "any", "-d", "any", "-p", "0", "-P", "0", "-A", "ipsec", "-a",
+        "nosuch"},
        "Security Association nosuch not found"},
       {{"sp", "remove", "-n", "nosuch"}, "Security Policy nosuch not found"},
       {{"sa", "remove", "-n", "nosuch"}, "Security Association nosuch not found"},
@@ -202,15 +248,15 @@ TEST_F(IpsecTest, ARefusedSaLeavesNothingAndShowsNoKey) {
   };
   for (auto const& row : rows) {
     SCOPED_TRACE(row.encryption);
-    std::vector<std::string> args = {"network", "ip", "ipsec", "sa", "add", "-n", "sa1", "-s",
-                                     "2001:db8::1", "-d", "2001:db8::2", "-p", "0x100", "-e",
-                                     row.encryption, "-i", "hmac-sha1", "-K", kSha1Key};
+    std::vector<std::string> args = {"network", "ip", "ipsec",        "sa", "add",         "-n",
+                                     "sa1",     "-s", "2001:db8::1",  "-d", "2001:db8::2", "-p",
+                                     "0x100",   "-e", row.encryption, "-i", "hmac-sha1",   "-K",
+                                     kSha1Key};
     if (!row.key.empty()) args.insert(args.end(), {"-k", row.key});
     auto const run = Run(args);
     EXPECT_NE(run.status, 0);
     std::string const said = run.out + run.err;
-    EXPECT_NE(said.find("Cannot add Security Association sa1: " + row.message),
-              std::string::npos)
+    EXPECT_NE(said.find("Cannot add Security Association sa1: " + row.message), std::string::npos)
         << said;
     EXPECT_EQ(said.find("00112233"), std::string::npos) << said;
     EXPECT_EQ(States(), "");
@@ -218,8 +264,9 @@ TEST_F(IpsecTest, ARefusedSaLeavesNothingAndShowsNoKey) {
   }
   // A batch whose last line is that SA takes back the lines before it: the
   // policy it added goes, the one it removed comes back as the kernel had it.
-  Shell("ip xfrm policy add src 2001:db8:c::/64 dst 2001:db8:d::/64 dir out priority 7 "
-        "action block");
+  Shell(
+      "ip xfrm policy add src 2001:db8:c::/64 dst 2001:db8:d::/64 dir out priority 7 "
+      "action block");
   std::string const before = Policies();
   std::string const other = List("sp")[0]["Name"];
   std::string const batch = std::string(std::getenv("TOOLBASE_LINUX_ROOT")) + "/batch.txt";
@@ -227,8 +274,8 @@ TEST_F(IpsecTest, ARefusedSaLeavesNothingAndShowsNoKey) {
                        << "network ip ipsec sp add -n p1 -s any -d 2001:db8:3::/64 -p 0 -P 0 "
                           "-A discard\n"
                           "network ip ipsec sa add -n sa1 -s any -d 2001:db8::2 -p 0x100 "
-                          "-e aes128-cbc -k " << kAesKey << " -i hmac-sha1 -K " << kSha1Key
-                       << "\n";
+                          "-e aes128-cbc -k "
+                       << kAesKey << " -i hmac-sha1 -K " << kSha1Key << "\n";
   auto const run = Run({"--batch", batch});
   EXPECT_NE(run.status, 0);
   EXPECT_EQ((run.out + run.err).find("00112233"), std::string::npos);
@@ -244,8 +291,8 @@ TEST_F(IpsecTest, AnSaIsTheKernelsStateAndItsKeyStaysThere) {
     GTEST_SKIP() << "this kernel has no ESP (xfrm: \"Requested type not found\"): no SA can "
                     "be made here";
   }
-  Ok({"network", "ip", "ipsec", "sa", "add", "-n", "sa1", "-s", "2001:db8::1", "-d",
-      "2001:db8::2", "-p", "0x100", "-e", "null", "-i", "hmac-sha1", "-K", kSha1Key});
+  Ok({"network", "ip", "ipsec", "sa", "add", "-n", "sa1", "-s", "2001:db8::1", "-d", "2001:db8::2",
+      "-p", "0x100", "-e", "null", "-i", "hmac-sha1", "-K", kSha1Key});
   EXPECT_NE(States().find("spi 0x00000100"), std::string::npos) << States();
   json const sas = List("sa");
   ASSERT_EQ(sas.size(), 1u);

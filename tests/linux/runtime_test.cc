@@ -73,8 +73,9 @@ class RuntimeTest : public LinuxHostTest {
 
 TEST_F(RuntimeTest, MulticastGroupsAreTheKernelsMemberships) {
   // A group joined beyond what the addresses imply, twice over for IPv6.
-  Shell("ip addr add 239.1.2.3/32 dev orvk1 autojoin && "
-        "ip -6 addr add ff15::1234/128 dev orvk1 autojoin");
+  Shell(
+      "ip addr add 239.1.2.3/32 dev orvk1 autojoin && "
+      "ip -6 addr add ff15::1234/128 dev orvk1 autojoin");
   json const listed = List({"multicast", "group", "list"});
   struct Row {
     std::string name, netns;
@@ -128,8 +129,10 @@ TEST_F(RuntimeTest, PortStatisticsAreTheBridgeEndsCounters) {
     char const* field;
     char const* way;
     char const* counter;
-  } const rows[] = {{"Packets received", "rx", "packets"}, {"Bytes received", "rx", "bytes"},
-                    {"Packets sent", "tx", "packets"},     {"Bytes sent", "tx", "bytes"},
+  } const rows[] = {{"Packets received", "rx", "packets"},
+                    {"Bytes received", "rx", "bytes"},
+                    {"Packets sent", "tx", "packets"},
+                    {"Bytes sent", "tx", "bytes"},
                     {"Receive packets dropped", "rx", "dropped"},
                     {"Transmit packets dropped", "tx", "dropped"},
                     {"Multicast packets received", "rx", "multicast"}};
