@@ -245,6 +245,10 @@ TEST_F(IpsecTest, ARefusedSaLeavesNothingAndShowsNoKey) {
   } const rows[] = {
       {"aes128-cbc", kAesKey, "the kernel does not have ESP"},
       {"null", "", "the kernel does not have ESP"},
+      // Where the kernel lacks the cipher too, the algorithm is named (here:
+      // "... does not have the algorithm cbc(des3_ede) with hmac(sha1)").
+      {"3des-cbc", "0x00112233445566778899aabbccddeeff0011223344556677",
+       "the kernel does not have"},
   };
   for (auto const& row : rows) {
     SCOPED_TRACE(row.encryption);
