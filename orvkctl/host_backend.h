@@ -29,6 +29,10 @@ inline constexpr AreaSet kAreaIp = 1u << 3;
 inline constexpr AreaSet kAreaVswitch = 1u << 4;
 inline constexpr AreaSet kAreaRuntime = 1u << 5;
 inline constexpr AreaSet kAreaAll = (1u << 6) - 1;
+// Within the ip area, its IPsec databases: an operation on them names this
+// beside kAreaIp. The simulated host keeps them with the ip area, so this
+// loads nothing more there; a real host reads its kernel's only when asked.
+inline constexpr AreaSet kAreaIpsec = 1u << 6;
 
 class HostBackend {
  public:

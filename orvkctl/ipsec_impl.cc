@@ -23,6 +23,7 @@ namespace Net = HostCtl::Network;
 constexpr uint32_t kMinSpi = 256;
 constexpr uint32_t kMaxPort = 65535;
 constexpr uint32_t kMaxPrefix = 128;
+constexpr Sim::AreaSet kIpsecAreas = Sim::kAreaIp | Sim::kAreaIpsec;
 
 template <size_t N>
 uint32_t WordToIndex(char const* const (&words)[N], size_t count, std::string const& text,
@@ -67,7 +68,7 @@ IpSecConfigImpl::~IpSecConfigImpl() = default;
 
 void IpSecConfigImpl::Refresh() {
   CheckFault(Operation::IpSecConfigImpl_Refresh);
-  Sim::ReadHost(Sim::kAreaIp);
+  Sim::ReadHost(kIpsecAreas);
 }
 
 Net::IpSecMode IpSecConfigImpl::StringToIpSecMode(std::string const& text) {
@@ -156,7 +157,7 @@ void IpSecConfigImpl::AddSADConfig(Net::IpSecSadParam const& param) {
   record.encrypt_key = param.encryptKey;
   record.auth_algo = param.authAlgo;
   record.auth_key = param.authKey;
-  Sim::ChangeHost(Sim::kAreaIp, [&](HostModel& host) {
+  Sim::ChangeHost(kIpsecAreas, [&](HostModel& host) {
     for (auto const& sa : host.ip.ipsec_sas) {
       if (sa.name == record.name) {
         throw HostCtlException("Security Association " + record.name + " already exists");
@@ -184,7 +185,7 @@ void OrphanPolicies(HostModel& host, std::string const& name) {
 
 void IpSecConfigImpl::RemoveSADConfig(std::string const& name) {
   CheckFault(Operation::IpSecConfigImpl_RemoveSADConfig);
-  Sim::ChangeHost(Sim::kAreaIp, [&](HostModel& host) {
+  Sim::ChangeHost(kIpsecAreas, [&](HostModel& host) {
     auto& sas = host.ip.ipsec_sas;
     auto it = std::find_if(sas.begin(), sas.end(),
                            [&](auto const& sa) { return sa.name == name && !sa.automatic; });
@@ -198,7 +199,7 @@ void IpSecConfigImpl::RemoveAutoSADConfig(Net::IpSecSadParam const& param) {
   CheckFault(Operation::IpSecConfigImpl_RemoveAutoSADConfig);
   std::string source = Canonical(param.source);
   std::string destination = Canonical(param.destination);
-  Sim::ChangeHost(Sim::kAreaIp, [&](HostModel& host) {
+  Sim::ChangeHost(kIpsecAreas, [&](HostModel& host) {
     auto& sas = host.ip.ipsec_sas;
     auto it = std::find_if(sas.begin(), sas.end(), [&](auto const& sa) {
       return sa.automatic && sa.spi == param.spi && sa.source == source &&
@@ -214,7 +215,7 @@ void IpSecConfigImpl::RemoveAutoSADConfig(Net::IpSecSadParam const& param) {
 
 void IpSecConfigImpl::FlushSADConfig() {
   CheckFault(Operation::IpSecConfigImpl_FlushSADConfig);
-  Sim::ChangeHost(Sim::kAreaIp, [&](HostModel& host) {
+  Sim::ChangeHost(kIpsecAreas, [&](HostModel& host) {
     for (auto const& sa : host.ip.ipsec_sas) {
       if (!sa.automatic) OrphanPolicies(host, sa.name);
     }
@@ -225,7 +226,7 @@ void IpSecConfigImpl::FlushSADConfig() {
 void IpSecConfigImpl::GetSADConfigList(std::list<Net::IpSecSadParam>& list) {
   CheckFault(Operation::IpSecConfigImpl_GetSADConfigList);
   list.clear();
-  for (auto const& sa : Sim::ReadHost(Sim::kAreaIp).ip.ipsec_sas) {
+  for (auto const& sa : Sim::ReadHost(kIpsecAreas).ip.ipsec_sas) {
     Net::IpSecSadParam param;
     param.name = sa.name;
     param.state = static_cast<Net::IpSecSaState>(sa.state);
@@ -268,7 +269,7 @@ void IpSecConfigImpl::AddSPDConfig(Net::IpSecSpdParam const& param) {
   record.action = param.action;
   record.mode = param.mode;
   record.sa_name = param.saName;
-  Sim::ChangeHost(Sim::kAreaIp, [&](HostModel& host) {
+  Sim::ChangeHost(kIpsecAreas, [&](HostModel& host) {
     for (auto const& sp : host.ip.ipsec_sps) {
       if (sp.name == record.name) {
         throw HostCtlException("Security Policy " + record.name + " already exists");
@@ -288,7 +289,7 @@ void IpSecConfigImpl::AddSPDConfig(Net::IpSecSpdParam const& param) {
 
 void IpSecConfigImpl::RemoveSPDConfig(std::string const& name) {
   CheckFault(Operation::IpSecConfigImpl_RemoveSPDConfig);
-  Sim::ChangeHost(Sim::kAreaIp, [&](HostModel& host) {
+  Sim::ChangeHost(kIpsecAreas, [&](HostModel& host) {
     auto& sps = host.ip.ipsec_sps;
     auto it = std::find_if(sps.begin(), sps.end(), [&](auto const& sp) { return sp.name == name; });
     if (it == sps.end()) throw HostCtlException("Security Policy " + name + " not found");
@@ -298,13 +299,13 @@ void IpSecConfigImpl::RemoveSPDConfig(std::string const& name) {
 
 void IpSecConfigImpl::FlushSPDConfig() {
   CheckFault(Operation::IpSecConfigImpl_FlushSPDConfig);
-  Sim::ChangeHost(Sim::kAreaIp, [&](HostModel& host) { host.ip.ipsec_sps.clear(); });
+  Sim::ChangeHost(kIpsecAreas, [&](HostModel& host) { host.ip.ipsec_sps.clear(); });
 }
 
 void IpSecConfigImpl::GetSPDConfigList(std::list<Net::IpSecSpdParam>& list) {
   CheckFault(Operation::IpSecConfigImpl_GetSPDConfigList);
   list.clear();
-  for (auto const& sp : Sim::ReadHost(Sim::kAreaIp).ip.ipsec_sps) {
+  for (auto const& sp : Sim::ReadHost(kIpsecAreas).ip.ipsec_sps) {
     Net::IpSecSpdParam param;
     param.name = sp.name;
     param.source = Net::Ipv6Address(sp.source);

@@ -16,6 +16,8 @@ JSON_RANGE(EnsLcoreState, affinity, -1, INT32_MAX)
 JSON_RECORD(EnsLcoreState, id, switch_name, affinity)
 JSON_RECORD(EnsState, max_lcores, lcore_limit, numa_nodes, lcores)
 
-JSON_RECORD(RuntimeArea, ports, worlds, ens)
+JSON_RECORD(MulticastMembershipState, interface, group, link_layer, refcount)
+
+JSON_RECORD(RuntimeArea, ports, worlds, ens, memberships_reported, memberships)
 
 }  // namespace OrvkCtl::Sim

@@ -97,12 +97,26 @@ struct EnsState {
   bool operator==(EnsState const&) const = default;
 };
 
+// A multicast group an interface has joined, as a host that reports its
+// memberships itself (a real host's kernel) has it.
+struct MulticastMembershipState {
+  std::string interface;
+  std::string group;
+  std::string link_layer;
+  int32_t refcount = 1;
+};
+
 struct RuntimeArea {
   // All switch ports of the host, switch by switch.
   std::vector<PortState> ports;
   // The worlds that lead the VMs' ports.
   std::vector<WorldState> worlds;
   EnsState ens;
+  // Whether the host reports its interfaces' multicast memberships itself;
+  // when it does not (the simulated host), they follow from the interfaces'
+  // addresses and joins. The linux host does not keep them.
+  bool memberships_reported = false;
+  std::vector<MulticastMembershipState> memberships;
 };
 
 // The port with that id, or null.

@@ -75,9 +75,18 @@ void Join(std::vector<OrvkNic::MulticastGroup>& groups, std::string const& inter
 
 void OrvkNicImpl::GetMulticastGroups(std::vector<MulticastGroup>& groups) {
   Sim::CheckFault(Sim::Operation::OrvkNicImpl_GetMulticastGroups);
-  auto const* nic = Sim::FindInterface(Sim::ReadHost(Sim::kAreaIp).ip, name_);
+  auto const& host = Sim::ReadHost(Sim::kAreaIp | Sim::kAreaRuntime);
+  auto const* nic = Sim::FindInterface(host.ip, name_);
   if (!nic) {
     throw HostCtl::Lib::HostCtlException("Orvik network interface " + name_ + " not found");
+  }
+  if (host.runtime.memberships_reported) {
+    for (auto const& joined : host.runtime.memberships) {
+      if (joined.interface == name_) {
+        groups.push_back({joined.interface, joined.group, joined.link_layer, joined.refcount});
+      }
+    }
+    return;
   }
   std::vector<MulticastGroup> own;
   if (nic->enabled) {

@@ -3,7 +3,7 @@
 # What building and running toolbase takes; the tests, benchmarks, fuzzers
 # and packaging take the second list as well.
 BUILD_PACKAGES=(cmake g++ make pkg-config nlohmann-json3-dev rapidjson-dev libboost-regex-dev
-                libmnl-dev libnftables-dev
+                libmnl-dev libnftables-dev linux-libc-dev
                 ccache)
 TEST_PACKAGES=(libgtest-dev libgmock-dev libbenchmark-dev dpkg-dev clang libclang-rt-14-dev lintian man-db
                iproute2 nftables)

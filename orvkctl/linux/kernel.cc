@@ -46,11 +46,16 @@ using Socket = std::unique_ptr<mnl_socket, SocketClose>;
 
 constexpr char kNamespaceFolder[] = "/run/netns/";
 
-// A route netlink socket per namespace, made on first use and kept until
-// the process ends (or its namespace is removed).
-std::map<std::string, Socket>& Sockets() {
-  static std::map<std::string, Socket> sockets;
+// A netlink socket per namespace and protocol (route, xfrm), made on first
+// use and kept until the process ends (or its namespace is removed).
+std::map<std::pair<std::string, int>, Socket>& Sockets() {
+  static std::map<std::pair<std::string, int>, Socket> sockets;
   return sockets;
+}
+
+// Forgets the sockets of namespace `netns`.
+void ForgetSockets(std::string const& netns) {
+  std::erase_if(Sockets(), [&](auto const& entry) { return entry.first.first == netns; });
 }
 
 // Opens the namespace's file; throws when there is none.
@@ -104,7 +109,7 @@ void AddNamespace(std::string const& netns) {
 
 void RemoveNamespace(std::string const& netns) {
   std::string const path = kNamespaceFolder + netns;
-  Sockets().erase(netns);
+  ForgetSockets(netns);
   if (umount2(path.c_str(), MNT_DETACH) != 0 && errno != EINVAL) {
     FailErrno("remove netstack instance " + netns, errno);
   }
@@ -163,17 +168,18 @@ void WriteSysctl(std::string const& path, std::string const& value, std::string 
 namespace {
 
 // A socket is bound to the namespace it was made in.
-mnl_socket* SocketIn(std::string const& netns) {
-  auto& sock = Sockets()[netns];
+mnl_socket* SocketIn(std::string const& netns, int protocol) {
+  auto& sock = Sockets()[{netns, protocol}];
   if (sock) return sock.get();
   int error = 0;
   InNamespace(netns, [&] {
-    sock.reset(mnl_socket_open2(NETLINK_ROUTE, SOCK_CLOEXEC));
+    sock.reset(mnl_socket_open2(protocol, SOCK_CLOEXEC));
     if (!sock || mnl_socket_bind(sock.get(), 0, MNL_SOCKET_AUTOPID) < 0) error = errno;
   });
   if (error != 0) {
-    Sockets().erase(netns);
-    FailNl("open a route netlink socket", error);
+    Sockets().erase({netns, protocol});
+    FailNl(protocol == NETLINK_ROUTE ? "open a route netlink socket" : "open a netlink socket",
+           error);
   }
   return sock.get();
 }
@@ -197,10 +203,10 @@ struct Receiver {
 // Sends `message` in `netns` and hands each reply to `each` until the
 // kernel's acknowledgement or the end of a dump: 0, or the errno of a
 // refusal.
-int Exchange(std::string const& netns, nlmsghdr* message,
+int Exchange(std::string const& netns, int protocol, nlmsghdr* message,
              std::function<void(nlmsghdr const*)> const* each) {
   static unsigned sequence = 0;
-  mnl_socket* sock = SocketIn(netns);
+  mnl_socket* sock = SocketIn(netns, protocol);
   message->nlmsg_seq = ++sequence;
   if (mnl_socket_sendto(sock, message, message->nlmsg_len) < 0) return errno;
   // Room for the largest dump message the kernel makes: fewer reads.
@@ -223,7 +229,7 @@ int Exchange(std::string const& netns, nlmsghdr* message,
   }
   if (result == MNL_CB_ERROR && (receiver.failure || error == EPROTO || error == ESRCH)) {
     // Replies may be left unread: the next request gets a socket of its own.
-    Sockets().erase(netns);
+    Sockets().erase({netns, protocol});
   }
   if (receiver.failure) std::rethrow_exception(receiver.failure);
   return result == MNL_CB_ERROR ? error : 0;
@@ -404,18 +410,34 @@ void FailErrno(std::string const& what, int error) {
   throw HostCtlException("Cannot " + what + ": " + std::strerror(error));
 }
 
-Request::Request(uint16_t type, uint16_t flags) {
+Request::Request(uint16_t type, uint16_t flags, int protocol) : protocol_(protocol) {
   message_ = mnl_nlmsg_put_header(buffer_);
   message_->nlmsg_type = type;
   message_->nlmsg_flags = NLM_F_REQUEST | NLM_F_ACK | flags;
 }
 
-void* Request::PutHeader(size_t size) { return mnl_nlmsg_put_extra_header(message_, size); }
+Request::~Request() {
+  // What went out may hold a key.
+  explicit_bzero(buffer_, sizeof buffer_);
+}
 
-void Request::Put(uint16_t type, void const* data, size_t size) {
+void* Request::PutHeader(size_t size) {
+  if (MNL_ALIGN(message_->nlmsg_len + size) > sizeof buffer_) {
+    throw HostCtlException("A netlink request is too long");
+  }
+  return mnl_nlmsg_put_extra_header(message_, size);
+}
+
+Request& Request::Append(void const* data, size_t size) {
+  std::memcpy(PutHeader(size), data, size);
+  return *this;
+}
+
+Request& Request::Put(uint16_t type, void const* data, size_t size) {
   if (!mnl_attr_put_check(message_, sizeof buffer_, type, size, data)) {
     throw HostCtlException("A netlink request is too long");
   }
+  return *this;
 }
 
 void Request::PutU32(uint16_t type, uint32_t value) { Put(type, &value, sizeof value); }
@@ -432,10 +454,12 @@ nlattr* Request::Begin(uint16_t type) {
 
 void Request::End(nlattr* nest) { mnl_attr_nest_end(message_, nest); }
 
-int Request::Send(std::string const& netns) { return Exchange(netns, message_, nullptr); }
+int Request::Send(std::string const& netns) {
+  return Exchange(netns, protocol_, message_, nullptr);
+}
 
 int Request::Send(std::string const& netns, std::function<void(nlmsghdr const*)> const& each) {
-  return Exchange(netns, message_, &each);
+  return Exchange(netns, protocol_, message_, &each);
 }
 
 void Request::Run(std::string const& what, std::string const& netns) {
@@ -449,7 +473,7 @@ void Dump(std::string const& netns, uint16_t type, void const* header, size_t si
   message->nlmsg_type = type;
   message->nlmsg_flags = NLM_F_REQUEST | NLM_F_DUMP;
   std::memcpy(mnl_nlmsg_put_extra_header(message, size), header, size);
-  if (int error = Exchange(netns, message, &each); error != 0) FailNl(what, error);
+  if (int error = Exchange(netns, NETLINK_ROUTE, message, &each); error != 0) FailNl(what, error);
 }
 
 std::vector<LinkInfo> Links(std::string const& netns) {

@@ -51,12 +51,15 @@ void WriteSysctl(std::string const& path, std::string const& value, std::string 
 // The same for an errno value of any other call.
 [[noreturn]] void FailErrno(std::string const& what, int error);
 
-// One route netlink request: a message of type `type` (RTM_NEWLINK, ...)
-// with its family header and attributes, sent with an acknowledgement asked
-// for. Put the header first, then the attributes.
+// One netlink request (route netlink unless `protocol` says another, such
+// as NETLINK_XFRM): a message of type `type` (RTM_NEWLINK, ...) with its
+// family header and attributes, sent with an acknowledgement asked for.
+// Put the header first, then the attributes. Its bytes are wiped when it
+// goes (a request may hold a key).
 class Request {
  public:
-  Request(uint16_t type, uint16_t flags);
+  Request(uint16_t type, uint16_t flags, int protocol = 0 /* NETLINK_ROUTE */);
+  ~Request();
   Request(Request const&) = delete;
   Request& operator=(Request const&) = delete;
 
@@ -64,7 +67,9 @@ class Request {
   T& Header() {
     return *static_cast<T*>(PutHeader(sizeof(T)));
   }
-  void Put(uint16_t type, void const* data, size_t size);
+  // `size` bytes of a fixed part as they are.
+  Request& Append(void const* data, size_t size);
+  Request& Put(uint16_t type, void const* data, size_t size);
   void PutU32(uint16_t type, uint32_t value);
   void PutText(uint16_t type, std::string const& text);
   // A nested attribute: the attributes put until End are its.
@@ -81,8 +86,9 @@ class Request {
 
  private:
   void* PutHeader(size_t size);
-  alignas(8) char buffer_[1024];
+  alignas(8) char buffer_[2048];
   nlmsghdr* message_;
+  int protocol_;
 };
 
 // Dumps the kernel's objects of message type `type` (RTM_GETROUTE,

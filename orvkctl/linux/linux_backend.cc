@@ -40,8 +40,8 @@ void NotAvailable(std::string const& what) {
 
 std::vector<Family> const& Families() {
   static std::vector<Family> const families = {NetstackFamily(), VswitchFamily(), NicFamily(),
-                                               IpFamily(),       HostFamily(),    FirewallFamily(),
-                                               RuntimeFamily()};
+                                               IpFamily(),       IpsecFamily(),   HostFamily(),
+                                               FirewallFamily(), RuntimeFamily()};
   return families;
 }
 
@@ -53,14 +53,31 @@ void CopyAreas(AreaSet areas, HostModel const& from, HostModel& to) {
   if (areas & Sim::kAreaFirewall) to.firewall = from.firewall;
   if (areas & Sim::kAreaNic) to.nic = from.nic;
   if (areas & Sim::kAreaIp) to.ip = from.ip;
+  if (areas & Sim::kAreaIpsec) {
+    to.ip.ipsec_sas = from.ip.ipsec_sas;
+    to.ip.ipsec_sps = from.ip.ipsec_sps;
+  }
   if (areas & Sim::kAreaVswitch) to.vswitch = from.vswitch;
   if (areas & Sim::kAreaRuntime) to.runtime = from.runtime;
 }
 
-// The areas `areas` of `host` as JSON, the rest left empty.
+// Clears from `host` what the backend never writes down nor compares: IPsec
+// keys (they go to the kernel only), and the multicast memberships (live).
+void ForgetUnkept(HostModel& host) {
+  for (auto& sa : host.ip.ipsec_sas) {
+    sa.encrypt_key.clear();
+    sa.auth_key.clear();
+  }
+  host.runtime.memberships_reported = false;
+  host.runtime.memberships.clear();
+}
+
+// The areas `areas` of `host` as JSON, the rest left empty, without what is
+// not kept.
 std::string AreasJson(HostModel const& host, AreaSet areas) {
   HostModel only;
   CopyAreas(areas, host, only);
+  ForgetUnkept(only);
   return Sim::HostToJson(only);
 }
 
@@ -117,6 +134,7 @@ class LinuxBackend final : public Sim::HostBackend {
     std::string const old_kept = kept_text_;
     HostModel kept = kept_;
     CopyAreas(areas, after, kept);
+    ForgetUnkept(kept);
     std::string const new_kept = Sim::HostToJson(kept);
     plan.push_back({"keep the host's names", [this, new_kept] { StoreKept(new_kept); },
                     [this, old_kept] { StoreKept(old_kept); }});

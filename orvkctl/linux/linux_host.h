@@ -65,6 +65,7 @@ Family NetstackFamily();
 Family VswitchFamily();
 Family NicFamily();
 Family IpFamily();
+Family IpsecFamily();
 Family HostFamily();
 Family FirewallFamily();
 Family RuntimeFamily();

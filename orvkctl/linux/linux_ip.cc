@@ -10,17 +10,12 @@ namespace {
 
 void ReadIp(HostModel& host) {
   ReadInterfaces(host);
-  host.ip.ipsec_sas.clear();
-  host.ip.ipsec_sps.clear();
   host.ip.connections.clear();
   ReadRoutes(host);
   ReadResolution(host);
 }
 
 void PlanIp(HostModel const& before, HostModel const& after, Plan& plan) {
-  if (before.ip.ipsec_sas != after.ip.ipsec_sas || before.ip.ipsec_sps != after.ip.ipsec_sps) {
-    NotAvailable("IPsec");
-  }
   PlanRouteRemovals(before, after, plan);
   PlanInterfaces(before, after, plan);
   PlanRouteAdditions(before, after, plan);

@@ -10,6 +10,8 @@
 
 namespace OrvkCtl::Linux {
 
+struct LinkInfo;
+
 // Orders `held` as `asked` has the same rows (by `key`), the rest after
 // them in their own order: the kernel lists in an order of its own, the
 // host in the order rows were made.
@@ -47,5 +49,11 @@ void KeepResolution(HostModel const& after, HostModel& reread);
 // with the runtime area, as the commands that list them ask for it: a
 // listing of routes reads no socket table.
 void ReadConnections(HostModel& host);
+
+// The multicast groups the interfaces have joined, and the counters of their
+// switch ports (linux_runtime.cc), read with the runtime area. `links` are
+// the process's namespace's.
+void ReadMemberships(HostModel& host);
+void ReadPortCounters(HostModel& host, std::vector<LinkInfo> const& links);
 
 }  // namespace OrvkCtl::Linux

@@ -40,17 +40,8 @@ void ReadRuntime(HostModel& host) {
     LinkInfo const* bridge = find(port.portset);
     return !bridge || bridge->kind != "bridge";
   });
-  for (auto& port : host.runtime.ports) {
-    LinkInfo const* end = find(kOwnLinkPrefix + port.client);
-    if (!end) continue;
-    port.packets_received = end->stats.rx_packets;
-    port.packets_sent = end->stats.tx_packets;
-    port.bytes_received = end->stats.rx_bytes;
-    port.bytes_sent = end->stats.tx_bytes;
-    port.rx_dropped = end->stats.rx_dropped;
-    port.tx_dropped = end->stats.tx_dropped;
-    port.multicast_received = end->stats.multicast;
-  }
+  ReadPortCounters(host, links);
+  ReadMemberships(host);
   ReadConnections(host);
 }
 
