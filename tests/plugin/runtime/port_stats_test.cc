@@ -8,9 +8,10 @@
 
 #include "hostctl/port.h"
 #include "support/meta_text.h"
-// The comparator is a free function of the plug-in, which the tests do not
-// link: compiled in here.
+// The comparator and the port lookup are free functions of the plug-in, which
+// the tests do not link: compiled in here.
 #include "runtime/PortFilterStatsGet.cc"
+#include "runtime/VmPortWalk.cc"
 #include "support/harness.h"
 #include "toolbase/call_spec.h"
 
