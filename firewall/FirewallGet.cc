@@ -17,7 +17,7 @@ const std::string kEnabled = "Enabled";
 const std::string kDefaultAction = "DefaultAction";
 }  // namespace
 
-NETWORK_COMMAND_NEW(FirewallGet)
+NETWORK_COMMAND_NEW(FirewallGet, Struct)
 
 FirewallGet::FirewallGet() {
   SetDescription("Get the firewall status.");
@@ -33,10 +33,6 @@ std::shared_ptr<MetaStruct> FirewallGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> FirewallGet::GetInputSpecInternal() { return InputSpec::New(); }
-
-std::shared_ptr<OutputSpec> FirewallGet::GetOutputSpecInternal() {
-  return RootSpec(GetOutputStructure());
-}
 
 void FirewallGet::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,
                                   std::shared_ptr<Output> const& output) {

@@ -9,15 +9,11 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(FirewallLoad)
+NETWORK_COMMAND_NEW(FirewallLoad, Bool)
 
 FirewallLoad::FirewallLoad() { SetDescription("Load firewall module and rulesets configuration."); }
 
 std::shared_ptr<InputSpec> FirewallLoad::GetInputSpecInternal() { return InputSpec::New(); }
-
-std::shared_ptr<OutputSpec> FirewallLoad::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
-}
 
 void FirewallLoad::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,
                                    std::shared_ptr<Output> const& output) {

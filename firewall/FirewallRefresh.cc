@@ -8,15 +8,11 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(FirewallRefresh)
+NETWORK_COMMAND_NEW(FirewallRefresh, Bool)
 
 FirewallRefresh::FirewallRefresh() { SetDescription("Load ruleset configuration for firewall."); }
 
 std::shared_ptr<InputSpec> FirewallRefresh::GetInputSpecInternal() { return InputSpec::New(); }
-
-std::shared_ptr<OutputSpec> FirewallRefresh::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
-}
 
 void FirewallRefresh::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,
                                       std::shared_ptr<Output> const& output) {

@@ -8,7 +8,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(FirewallRulesetAllowedipAdd)
+NETWORK_COMMAND_NEW(FirewallRulesetAllowedipAdd, Bool)
 
 FirewallRulesetAllowedipAdd::FirewallRulesetAllowedipAdd() {
   SetDescription("Add allowed ip address/range to the ruleset ruleset.");
@@ -18,10 +18,6 @@ std::shared_ptr<InputSpec> FirewallRulesetAllowedipAdd::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   AddAllowedIpParameters(*spec);
   return spec;
-}
-
-std::shared_ptr<OutputSpec> FirewallRulesetAllowedipAdd::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void FirewallRulesetAllowedipAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

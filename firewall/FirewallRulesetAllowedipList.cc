@@ -16,7 +16,7 @@ const std::string kRuleset = "Ruleset";
 const std::string kAllowedIpAddresses = "Allowed IP Addresses";
 }  // namespace
 
-NETWORK_COMMAND_NEW(FirewallRulesetAllowedipList)
+NETWORK_COMMAND_NEW(FirewallRulesetAllowedipList, Rows)
 
 FirewallRulesetAllowedipList::FirewallRulesetAllowedipList() {
   SetDescription("list allowed ip addresses for rulesets.");
@@ -33,10 +33,6 @@ std::shared_ptr<MetaStruct> FirewallRulesetAllowedipList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> FirewallRulesetAllowedipList::GetInputSpecInternal() {
   return InputSpecOf({NewRulesetIdParameter(false, kRulesetLabelDescription)});
-}
-
-std::shared_ptr<OutputSpec> FirewallRulesetAllowedipList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void FirewallRulesetAllowedipList::ExecuteInternal(std::shared_ptr<Input> const& input,

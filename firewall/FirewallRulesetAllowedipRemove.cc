@@ -8,7 +8,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(FirewallRulesetAllowedipRemove)
+NETWORK_COMMAND_NEW(FirewallRulesetAllowedipRemove, Bool)
 
 FirewallRulesetAllowedipRemove::FirewallRulesetAllowedipRemove() {
   SetDescription("Remove allowed ip address/range from the ruleset.");
@@ -18,10 +18,6 @@ std::shared_ptr<InputSpec> FirewallRulesetAllowedipRemove::GetInputSpecInternal(
   auto spec = InputSpec::New();
   AddAllowedIpParameters(*spec);
   return spec;
-}
-
-std::shared_ptr<OutputSpec> FirewallRulesetAllowedipRemove::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void FirewallRulesetAllowedipRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

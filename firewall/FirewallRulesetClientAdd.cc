@@ -11,7 +11,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(FirewallRulesetClientAdd)
+NETWORK_COMMAND_NEW(FirewallRulesetClientAdd, Bool)
 
 FirewallRulesetClientAdd::FirewallRulesetClientAdd() {
   SetDescription(
@@ -21,10 +21,6 @@ FirewallRulesetClientAdd::FirewallRulesetClientAdd() {
 
 std::shared_ptr<InputSpec> FirewallRulesetClientAdd::GetInputSpecInternal() {
   return InputSpecOf({NewRulesetIdParameter(true, kRulesetLabelDescription)});
-}
-
-std::shared_ptr<OutputSpec> FirewallRulesetClientAdd::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void FirewallRulesetClientAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

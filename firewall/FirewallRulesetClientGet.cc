@@ -15,7 +15,7 @@ namespace {
 const std::string kClientCount = "Ruleset Client Count";
 }  // namespace
 
-NETWORK_COMMAND_NEW(FirewallRulesetClientGet)
+NETWORK_COMMAND_NEW(FirewallRulesetClientGet, Struct)
 
 FirewallRulesetClientGet::FirewallRulesetClientGet() {
   SetDescription("Show the number of clients using a firewall ruleset.");
@@ -31,10 +31,6 @@ std::shared_ptr<MetaStruct> FirewallRulesetClientGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> FirewallRulesetClientGet::GetInputSpecInternal() {
   return InputSpecOf({NewRulesetIdParameter(true, kRulesetLabelDescription)});
-}
-
-std::shared_ptr<OutputSpec> FirewallRulesetClientGet::GetOutputSpecInternal() {
-  return RootSpec(GetOutputStructure());
 }
 
 void FirewallRulesetClientGet::ExecuteInternal(std::shared_ptr<Input> const& input,

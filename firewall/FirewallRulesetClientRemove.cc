@@ -11,7 +11,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(FirewallRulesetClientRemove)
+NETWORK_COMMAND_NEW(FirewallRulesetClientRemove, Bool)
 
 FirewallRulesetClientRemove::FirewallRulesetClientRemove() {
   SetDescription(
@@ -21,10 +21,6 @@ FirewallRulesetClientRemove::FirewallRulesetClientRemove() {
 
 std::shared_ptr<InputSpec> FirewallRulesetClientRemove::GetInputSpecInternal() {
   return InputSpecOf({NewRulesetIdParameter(true, kRulesetLabelDescription)});
-}
-
-std::shared_ptr<OutputSpec> FirewallRulesetClientRemove::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void FirewallRulesetClientRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -16,7 +16,7 @@ const std::string kName = "Name";
 const std::string kEnabled = "Enabled";
 }  // namespace
 
-NETWORK_COMMAND_NEW(FirewallRulesetList)
+NETWORK_COMMAND_NEW(FirewallRulesetList, Rows)
 
 FirewallRulesetList::FirewallRulesetList() {
   SetDescription("List the rulesets in firewall.");
@@ -26,10 +26,6 @@ FirewallRulesetList::FirewallRulesetList() {
 
 std::shared_ptr<InputSpec> FirewallRulesetList::GetInputSpecInternal() {
   return InputSpecOf({NewRulesetIdParameter(false, "List configuration for specfic ruleset")});
-}
-
-std::shared_ptr<OutputSpec> FirewallRulesetList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 std::shared_ptr<MetaStruct> FirewallRulesetList::GetOutputStructure() {

@@ -20,7 +20,7 @@ const std::string kDirection = "Direction";
 const std::string kProtocol = "Protocol";
 }  // namespace
 
-NETWORK_COMMAND_NEW(FirewallRulesetRuleList)
+NETWORK_COMMAND_NEW(FirewallRulesetRuleList, Rows)
 
 FirewallRulesetRuleList::FirewallRulesetRuleList() {
   SetDescription("List the rules of each ruleset in firewall.");
@@ -44,10 +44,6 @@ std::shared_ptr<MetaStruct> FirewallRulesetRuleList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> FirewallRulesetRuleList::GetInputSpecInternal() {
   return InputSpecOf({NewRulesetIdParameter(false, "List rules for specfic ruleset")});
-}
-
-std::shared_ptr<OutputSpec> FirewallRulesetRuleList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void FirewallRulesetRuleList::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -16,7 +16,7 @@ const std::string kAllowedAll = "allowed-all";
 const std::string kEnabled = "enabled";
 }  // namespace
 
-NETWORK_COMMAND_NEW(FirewallRulesetSet)
+NETWORK_COMMAND_NEW(FirewallRulesetSet, Bool)
 
 FirewallRulesetSet::FirewallRulesetSet() {
   SetDescription("Set firewall ruleset status (allowedAll flag and enabled status).");
@@ -29,10 +29,6 @@ std::shared_ptr<InputSpec> FirewallRulesetSet::GetInputSpecInternal() {
                 "Set to true to allowed all ip, set to false to use allowed ip list."),
        Optional(kEnabled, ParameterType::Bool, "e",
                 "Set to true to enable ruleset, set to false to disable it.")});
-}
-
-std::shared_ptr<OutputSpec> FirewallRulesetSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void FirewallRulesetSet::ExecuteInternal(std::shared_ptr<Input> const& input,

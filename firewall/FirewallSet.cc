@@ -16,7 +16,7 @@ const std::string kEnabled = "enabled";
 const std::string kDefaultAction = "default-action";
 }  // namespace
 
-NETWORK_COMMAND_NEW(FirewallSet)
+NETWORK_COMMAND_NEW(FirewallSet, Bool)
 
 FirewallSet::FirewallSet() { SetDescription("Set firewall enabled status and default action."); }
 
@@ -26,10 +26,6 @@ std::shared_ptr<InputSpec> FirewallSet::GetInputSpecInternal() {
                 "Set to true to enable the firewall, set to false to disable the firewall."),
        Optional(kDefaultAction, Bool, "d",
                 "Set to true to set defaultaction PASS, set to false to DROP.")});
-}
-
-std::shared_ptr<OutputSpec> FirewallSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void FirewallSet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -9,15 +9,11 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(FirewallUnload)
+NETWORK_COMMAND_NEW(FirewallUnload, Bool)
 
 FirewallUnload::FirewallUnload() { SetDescription("Allow unload firewall module."); }
 
 std::shared_ptr<InputSpec> FirewallUnload::GetInputSpecInternal() { return InputSpec::New(); }
-
-std::shared_ptr<OutputSpec> FirewallUnload::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
-}
 
 void FirewallUnload::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,
                                      std::shared_ptr<Output> const& output) {

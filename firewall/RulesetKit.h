@@ -7,12 +7,8 @@
 #include <string>
 #include <vector>
 
-namespace Toolbase::CallSpec {
-class Input;
-class Output;
-class InputSpec;
-class ParameterSpec;
-}  // namespace Toolbase::CallSpec
+#include "frame/KitDeclarations.h"
+
 namespace HostCtl::System {
 class FirewallRuleset;
 }  // namespace HostCtl::System

@@ -29,10 +29,22 @@ class MetaStruct;
   void ExecuteInternal(std::shared_ptr<Toolbase::CallSpec::Input> const& input,     \
                        std::shared_ptr<Toolbase::CallSpec::Output> const& output) override;
 
-// New() and the destructor of a command class, in its source file.
-#define NETWORK_COMMAND_NEW(Class)                                                    \
+// New(), the destructor and GetOutputSpecInternal() of a command class, in its
+// source file. `root` names the kind of the command's output, whose empty
+// prototype is built anew at each call: Bool, Int or String, Struct (the
+// class's GetOutputStructure()) or Rows (a list of them).
+#define NETWORK_COMMAND_NEW(Class, root)                                              \
   std::shared_ptr<Class> Class::New() { return std::shared_ptr<Class>(new Class()); } \
-  Class::~Class() = default;
+  Class::~Class() = default;                                                          \
+  std::shared_ptr<Toolbase::CallSpec::OutputSpec> Class::GetOutputSpecInternal() {    \
+    return RootSpec(NETWORK_ROOT_##root);                                             \
+  }
+#define NETWORK_ROOT_Bool Toolbase::MetaObj::MetaBool::New()
+#define NETWORK_ROOT_Int Toolbase::MetaObj::MetaInt::New()
+#define NETWORK_ROOT_String Toolbase::MetaObj::MetaString::New()
+#define NETWORK_ROOT_Struct GetOutputStructure()
+#define NETWORK_ROOT_Rows \
+  Toolbase::MetaObj::MetaList::New(Toolbase::MetaObj::MetaType::Struct, GetOutputStructure())
 
 namespace CorvaneCli::NetworkNamespace {
 

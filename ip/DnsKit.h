@@ -5,11 +5,8 @@
 #include <memory>
 #include <string>
 
-namespace Toolbase::CallSpec {
-class Input;
-class InputSpec;
-class Output;
-}  // namespace Toolbase::CallSpec
+#include "frame/KitDeclarations.h"
+
 namespace HostCtl::Network {
 class IpAddress;
 }  // namespace HostCtl::Network

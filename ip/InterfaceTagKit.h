@@ -5,10 +5,7 @@
 #include <memory>
 #include <string>
 
-namespace Toolbase::CallSpec {
-class Output;
-class ParameterSpec;
-}  // namespace Toolbase::CallSpec
+#include "frame/KitDeclarations.h"
 
 namespace CorvaneCli::NetworkNamespace {
 

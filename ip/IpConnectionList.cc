@@ -46,7 +46,7 @@ std::string Endpoint(std::string const& address, uint16_t port) {
 }
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpConnectionList)
+NETWORK_COMMAND_NEW(IpConnectionList, Rows)
 
 IpConnectionList::IpConnectionList() {
   SetDescription("List active TCP/IP connections");
@@ -82,10 +82,6 @@ std::shared_ptr<InputSpec> IpConnectionList::GetInputSpecInternal() {
   type->SetConstraint(types);
   spec->AddParameter(type);
   return spec;
-}
-
-std::shared_ptr<OutputSpec> IpConnectionList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpConnectionList::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -8,7 +8,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(IpDNSSearchAdd)
+NETWORK_COMMAND_NEW(IpDNSSearchAdd, Bool)
 
 IpDNSSearchAdd::IpDNSSearchAdd() {
   SetDescription(
@@ -21,10 +21,6 @@ std::shared_ptr<InputSpec> IpDNSSearchAdd::GetInputSpecInternal() {
   AddSearchDomainParameters(*spec,
                             "The string name of a domain to add to the list of search domains.");
   return spec;
-}
-
-std::shared_ptr<OutputSpec> IpDNSSearchAdd::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpDNSSearchAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -17,7 +17,7 @@ namespace {
 const std::string kSearchDomains = "DNS Search Domains";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpDNSSearchList)
+NETWORK_COMMAND_NEW(IpDNSSearchList, Struct)
 
 IpDNSSearchList::IpDNSSearchList() {
   SetDescription(
@@ -34,10 +34,6 @@ std::shared_ptr<MetaStruct> IpDNSSearchList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> IpDNSSearchList::GetInputSpecInternal() {
   return InputSpecOf({NewNetstackParameter(NetstackScope::UseDefault)});
-}
-
-std::shared_ptr<OutputSpec> IpDNSSearchList::GetOutputSpecInternal() {
-  return RootSpec(GetOutputStructure());
 }
 
 void IpDNSSearchList::ExecuteInternal(std::shared_ptr<Input> const& input,

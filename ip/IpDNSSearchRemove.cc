@@ -8,7 +8,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(IpDNSSearchRemove)
+NETWORK_COMMAND_NEW(IpDNSSearchRemove, Bool)
 
 IpDNSSearchRemove::IpDNSSearchRemove() {
   SetDescription(
@@ -21,10 +21,6 @@ std::shared_ptr<InputSpec> IpDNSSearchRemove::GetInputSpecInternal() {
   AddSearchDomainParameters(
       *spec, "The string name of a domain to remove from the list of search domains.");
   return spec;
-}
-
-std::shared_ptr<OutputSpec> IpDNSSearchRemove::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpDNSSearchRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

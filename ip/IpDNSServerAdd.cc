@@ -13,7 +13,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(IpDNSServerAdd)
+NETWORK_COMMAND_NEW(IpDNSServerAdd, Bool)
 
 IpDNSServerAdd::IpDNSServerAdd() {
   SetDescription(
@@ -25,10 +25,6 @@ std::shared_ptr<InputSpec> IpDNSServerAdd::GetInputSpecInternal() {
       {Required(kDnsServerOption, ParameterType::String, "s",
                 "The IP address (v4 or v6) of the DNS server to add to the DNS server list."),
        NewNetstackParameter(NetstackScope::UseDefault)});
-}
-
-std::shared_ptr<OutputSpec> IpDNSServerAdd::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpDNSServerAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

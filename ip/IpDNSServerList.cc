@@ -15,7 +15,7 @@ namespace {
 const std::string kDnsServers = "DNS Servers";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpDNSServerList)
+NETWORK_COMMAND_NEW(IpDNSServerList, Struct)
 
 IpDNSServerList::IpDNSServerList() {
   SetDescription(
@@ -32,10 +32,6 @@ std::shared_ptr<MetaStruct> IpDNSServerList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> IpDNSServerList::GetInputSpecInternal() {
   return InputSpecOf({NewNetstackParameter(NetstackScope::UseDefault)});
-}
-
-std::shared_ptr<OutputSpec> IpDNSServerList::GetOutputSpecInternal() {
-  return RootSpec(GetOutputStructure());
 }
 
 void IpDNSServerList::ExecuteInternal(std::shared_ptr<Input> const& input,

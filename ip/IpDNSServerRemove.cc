@@ -19,7 +19,7 @@ const std::string kAll = "all";
 const char kUndocumented[] = " ";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpDNSServerRemove)
+NETWORK_COMMAND_NEW(IpDNSServerRemove, Bool)
 
 IpDNSServerRemove::IpDNSServerRemove() {
   SetDescription("Remove a DNS server from the list of DNS servers to use for this Haldeni host.");
@@ -29,10 +29,6 @@ std::shared_ptr<InputSpec> IpDNSServerRemove::GetInputSpecInternal() {
   return InputSpecOf({Optional(kAll, ParameterType::Flag, "a", kUndocumented),
                       Optional(kDnsServerOption, ParameterType::String, "s", kUndocumented),
                       NewNetstackParameter(NetstackScope::UseDefault)});
-}
-
-std::shared_ptr<OutputSpec> IpDNSServerRemove::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpDNSServerRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -14,7 +14,7 @@ namespace {
 const std::string kIpv6Enabled = "IPv6 Enabled";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpGet)
+NETWORK_COMMAND_NEW(IpGet, Struct)
 
 IpGet::IpGet() {
   SetDescription("Get global IP settings");
@@ -28,10 +28,6 @@ std::shared_ptr<MetaStruct> IpGet::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpGet::GetInputSpecInternal() { return InputSpec::New(); }
-
-std::shared_ptr<OutputSpec> IpGet::GetOutputSpecInternal() {
-  return RootSpec(GetOutputStructure());
-}
 
 void IpGet::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,
                             std::shared_ptr<Output> const& output) {

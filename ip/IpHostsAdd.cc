@@ -18,7 +18,7 @@ const std::string kAlias = "alias";
 const std::string kComment = "comment";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpHostsAdd)
+NETWORK_COMMAND_NEW(IpHostsAdd, Bool)
 
 IpHostsAdd::IpHostsAdd() { SetDescription("Add association of IP addresses with host names."); }
 
@@ -28,10 +28,6 @@ std::shared_ptr<InputSpec> IpHostsAdd::GetInputSpecInternal() {
        Required(kHostname, ParameterType::String, "H", "The name of the host."),
        Optional(kAlias, ParameterType::StringList, "A", "The list of aliases of the host."),
        Optional(kComment, ParameterType::String, "C", "Comment line of this item")});
-}
-
-std::shared_ptr<OutputSpec> IpHostsAdd::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpHostsAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -17,7 +17,7 @@ const std::string kAliases = "Aliases";
 const std::string kComment = "Comment";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpHostsList)
+NETWORK_COMMAND_NEW(IpHostsList, Rows)
 
 IpHostsList::IpHostsList() {
   SetDescription("List the user specified associations of IP addresses with host names.");
@@ -35,10 +35,6 @@ std::shared_ptr<MetaStruct> IpHostsList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpHostsList::GetInputSpecInternal() { return InputSpec::New(); }
-
-std::shared_ptr<OutputSpec> IpHostsList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
-}
 
 void IpHostsList::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,
                                   std::shared_ptr<Output> const& output) {

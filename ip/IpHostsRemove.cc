@@ -15,7 +15,7 @@ const std::string kIp = "ip";
 const std::string kHostname = "hostname";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpHostsRemove)
+NETWORK_COMMAND_NEW(IpHostsRemove, Bool)
 
 IpHostsRemove::IpHostsRemove() {
   SetDescription("Remove association of IP addresses with host names.");
@@ -25,10 +25,6 @@ std::shared_ptr<InputSpec> IpHostsRemove::GetInputSpecInternal() {
   return InputSpecOf(
       {Required(kIp, ParameterType::String, "I", "The IP address (v4 or v6) of the host."),
        Required(kHostname, ParameterType::String, "H", "The name of the host.")});
-}
-
-std::shared_ptr<OutputSpec> IpHostsRemove::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpHostsRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

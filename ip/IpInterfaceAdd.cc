@@ -39,7 +39,7 @@ const DedicatedNetstack kDedicatedNetstacks[] = {
 };
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpInterfaceAdd)
+NETWORK_COMMAND_NEW(IpInterfaceAdd, Bool)
 
 IpInterfaceAdd::IpInterfaceAdd() { SetDescription("Add a new Orvik network interface."); }
 
@@ -82,10 +82,6 @@ std::shared_ptr<InputSpec> IpInterfaceAdd::GetInputSpecInternal() {
   name->SetConstraint(nameRegex);
   spec->AddParameter(name);
   return spec;
-}
-
-std::shared_ptr<OutputSpec> IpInterfaceAdd::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpInterfaceAdd::MoveTag(HostCtl::Network::OrvkNic& nic, int tag) {

@@ -16,6 +16,7 @@
 namespace CorvaneCli::NetworkNamespace {
 
 namespace {
+const std::string kIpv6 = "ipv6";
 const std::string kDvsName = "dvs-name";
 const std::string kDvportId = "dvport-id";
 const std::string kErrorWas = ". Error was: ";
@@ -90,8 +91,16 @@ std::unique_ptr<HostCtl::Network::ConnectionPoint> BuildConnectionPoint(
   return point;
 }
 
-void ChangeIpv6Address(Toolbase::CallSpec::Output& output, std::string const& name,
-                       std::string const& ipv6, Ipv6AddressChange change) {
+std::shared_ptr<Toolbase::CallSpec::InputSpec> Ipv6AddressSpec(char const* interfaceHelp,
+                                                               char const* addressHelp) {
+  return InputSpecOf(
+      {Required(Shared::InterfaceName, interfaceHelp),
+       Required(kIpv6, Toolbase::CallSpec::ParameterType::String, "I", addressHelp)});
+}
+
+void ChangeIpv6Address(Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output,
+                       std::string const& name, Ipv6AddressChange change) {
+  std::string const& ipv6 = input.GetParameter(kIpv6);
   using HostCtl::Network::Ipv6Network;
   if (!Ipv6Network::IsValidAddressAndNetmask(ipv6)) {
     output.AddErrorMessage(

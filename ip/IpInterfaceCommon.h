@@ -7,14 +7,11 @@
 #include <memory>
 #include <string>
 
+#include "frame/KitDeclarations.h"
+
 namespace HostCtl::Network {
 class ConnectionPoint;
 }  // namespace HostCtl::Network
-
-namespace Toolbase::CallSpec {
-class Input;
-class Output;
-}  // namespace Toolbase::CallSpec
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -38,12 +35,17 @@ std::unique_ptr<HostCtl::Network::ConnectionPoint> BuildConnectionPoint(
 
 enum class Ipv6AddressChange { Add, Remove };
 
-// The body of `interface ipv6 address add` and `remove`: checks the text
-// `ipv6` as address and prefix length, finds the interface `name` and adds
+// The parameters of both: "interface-name" (-i) and "ipv6" (-I), required,
+// with their help texts.
+std::shared_ptr<Toolbase::CallSpec::InputSpec> Ipv6AddressSpec(char const* interfaceHelp,
+                                                               char const* addressHelp);
+
+// The body of `interface ipv6 address add` and `remove`: checks the text of
+// "ipv6" as address and prefix length, finds the interface `name` and adds
 // the network to its IP configuration or removes it; root `true`. A bad text
 // or an unknown interface adds its message and sets no root; the host's
 // refusals pass on as HostCtlException.
-void ChangeIpv6Address(Toolbase::CallSpec::Output& output, std::string const& name,
-                       std::string const& ipv6, Ipv6AddressChange change);
+void ChangeIpv6Address(Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output,
+                       std::string const& name, Ipv6AddressChange change);
 
 }  // namespace CorvaneCli::NetworkNamespace

@@ -24,7 +24,7 @@ const std::string kGateway = "Gateway";
 const std::string kDhcpDns = "DHCP DNS";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpInterfaceIpv4Get)
+NETWORK_COMMAND_NEW(IpInterfaceIpv4Get, Rows)
 
 IpInterfaceIpv4Get::IpInterfaceIpv4Get() {
   SetDescription("List the IPv4 addresses assigned to Orvik network interfaces.");
@@ -52,10 +52,6 @@ std::shared_ptr<InputSpec> IpInterfaceIpv4Get::GetInputSpecInternal() {
        Optional(
            Shared::InterfaceName,
            "The name of the Orvik network interface to limit the output of this command to.")});
-}
-
-std::shared_ptr<OutputSpec> IpInterfaceIpv4Get::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpInterfaceIpv4Get::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -22,7 +22,7 @@ const std::string kDhcp = "dhcp";
 const std::string kNone = "none";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpInterfaceIpv4Set)
+NETWORK_COMMAND_NEW(IpInterfaceIpv4Set, Bool)
 
 IpInterfaceIpv4Set::IpInterfaceIpv4Set() {
   SetDescription("Configure IPv4 setting for a given Orvik network interface.");
@@ -56,10 +56,6 @@ std::shared_ptr<InputSpec> IpInterfaceIpv4Set::GetInputSpecInternal() {
       "A boolean value to indicate if the system should use the DNS settings published via "
       "DHCPv4 for this interface."));
   return spec;
-}
-
-std::shared_ptr<OutputSpec> IpInterfaceIpv4Set::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpInterfaceIpv4Set::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -47,7 +47,7 @@ std::string StatusWord(Ipv6Network::Ipv6AddressStatus status) {
 }
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpInterfaceIpv6AddressList)
+NETWORK_COMMAND_NEW(IpInterfaceIpv6AddressList, Rows)
 
 IpInterfaceIpv6AddressList::IpInterfaceIpv6AddressList() {
   SetDescription(
@@ -70,10 +70,6 @@ std::shared_ptr<InputSpec> IpInterfaceIpv6AddressList::GetInputSpecInternal() {
   return InputSpecOf({Optional(
       Shared::InterfaceName,
       "The name of the Orvik network interface to limit the output of this command to.")});
-}
-
-std::shared_ptr<OutputSpec> IpInterfaceIpv6AddressList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpInterfaceIpv6AddressList::ExecuteInternal(std::shared_ptr<Input> const& input,

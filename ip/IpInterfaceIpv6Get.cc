@@ -22,7 +22,7 @@ const std::string kDhcpDns = "DHCP DNS";
 const std::string kGateway = "Gateway";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpInterfaceIpv6Get)
+NETWORK_COMMAND_NEW(IpInterfaceIpv6Get, Rows)
 
 IpInterfaceIpv6Get::IpInterfaceIpv6Get() {
   SetDescription(
@@ -49,10 +49,6 @@ std::shared_ptr<InputSpec> IpInterfaceIpv6Get::GetInputSpecInternal() {
       {Optional(kInterfaceName, ParameterType::String, "n",
                 "The name of the Orvik network interface to limit the output of this command to."),
        NewNetstackParameter(NetstackScope::ConsiderAll)});
-}
-
-std::shared_ptr<OutputSpec> IpInterfaceIpv6Get::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpInterfaceIpv6Get::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -19,7 +19,7 @@ const std::string kPeerDns = "peer-dns";
 const std::string kGateway = "gateway";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpInterfaceIpv6Set)
+NETWORK_COMMAND_NEW(IpInterfaceIpv6Set, Bool)
 
 IpInterfaceIpv6Set::IpInterfaceIpv6Set() {
   SetDescription("Configure IPv6 settings for a given Orvik network interface.");
@@ -44,10 +44,6 @@ std::shared_ptr<InputSpec> IpInterfaceIpv6Set::GetInputSpecInternal() {
                 "via DHCPv6 for this interface."),
        Optional(kGateway, ParameterType::String, "g",
                 "A default gateway for this interface. The value must be a valid IPv6 address.")});
-}
-
-std::shared_ptr<OutputSpec> IpInterfaceIpv6Set::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpInterfaceIpv6Set::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -37,7 +37,7 @@ const std::string kPortId = "Port ID";
 const std::string kNotAvailable = "N/A";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpInterfaceList)
+NETWORK_COMMAND_NEW(IpInterfaceList, Rows)
 
 IpInterfaceList::IpInterfaceList() {
   SetDescription(
@@ -75,10 +75,6 @@ std::shared_ptr<MetaStruct> IpInterfaceList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> IpInterfaceList::GetInputSpecInternal() {
   return InputSpecOf({NewNetstackParameter(NetstackScope::ConsiderAll)});
-}
-
-std::shared_ptr<OutputSpec> IpInterfaceList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpInterfaceList::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -24,7 +24,7 @@ const std::string kNotUnique =
 const std::string kRemoveFailed = "Unable to remove Orvik network interface. Error was : ";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpInterfaceRemove)
+NETWORK_COMMAND_NEW(IpInterfaceRemove, Bool)
 
 IpInterfaceRemove::IpInterfaceRemove() {
   SetDescription(
@@ -57,10 +57,6 @@ std::shared_ptr<InputSpec> IpInterfaceRemove::GetInputSpecInternal() {
   name->SetConstraint(nameRegex);
   spec->AddParameter(name);
   return spec;
-}
-
-std::shared_ptr<OutputSpec> IpInterfaceRemove::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpInterfaceRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

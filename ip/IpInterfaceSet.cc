@@ -15,7 +15,7 @@ const std::string kEnabled = "enabled";
 const std::string kMtu = "mtu";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpInterfaceSet)
+NETWORK_COMMAND_NEW(IpInterfaceSet, Bool)
 
 IpInterfaceSet::IpInterfaceSet() {
   SetDescription("This command sets the enabled status and MTU size of a given IP interface ");
@@ -27,10 +27,6 @@ std::shared_ptr<InputSpec> IpInterfaceSet::GetInputSpecInternal() {
        Optional(kEnabled, ParameterType::Bool, "e",
                 "Set to true to enable the interface, set to false to disable it."),
        Optional(kMtu, ParameterType::Int, "m", "The MTU size of the IP interface. ")});
-}
-
-std::shared_ptr<OutputSpec> IpInterfaceSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpInterfaceSet::ExecuteInternal(std::shared_ptr<Input> const& input,

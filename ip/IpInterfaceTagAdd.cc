@@ -30,7 +30,7 @@ const DedicatedStack kDedicatedStacks[] = {
 };
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpInterfaceTagAdd)
+NETWORK_COMMAND_NEW(IpInterfaceTagAdd, Bool)
 
 IpInterfaceTagAdd::IpInterfaceTagAdd() {
   SetDescription("Adds a tag on a given Orvik network interface. Supported tags are: " +
@@ -42,10 +42,6 @@ std::shared_ptr<InputSpec> IpInterfaceTagAdd::GetInputSpecInternal() {
                           "The name of the Orvik network interface on which tags should be set. "
                           "This name must be an interface listed in the interface list command."),
                       NewTagNameParameter()});
-}
-
-std::shared_ptr<OutputSpec> IpInterfaceTagAdd::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpInterfaceTagAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

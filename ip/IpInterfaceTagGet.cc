@@ -15,7 +15,7 @@ namespace {
 const std::string kTags = "Tags";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpInterfaceTagGet)
+NETWORK_COMMAND_NEW(IpInterfaceTagGet, Struct)
 
 IpInterfaceTagGet::IpInterfaceTagGet() {
   SetDescription("Gets the tags set on the given Orvik network interface.");
@@ -35,10 +35,6 @@ std::shared_ptr<MetaStruct> IpInterfaceTagGet::GetOutputStructure() {
 std::shared_ptr<InputSpec> IpInterfaceTagGet::GetInputSpecInternal() {
   return InputSpecOf(
       {Required(Shared::InterfaceName, "Name of orvknic whose tags are to be read")});
-}
-
-std::shared_ptr<OutputSpec> IpInterfaceTagGet::GetOutputSpecInternal() {
-  return RootSpec(GetOutputStructure());
 }
 
 void IpInterfaceTagGet::ExecuteInternal(std::shared_ptr<Input> const& input,

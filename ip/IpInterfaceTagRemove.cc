@@ -11,7 +11,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(IpInterfaceTagRemove)
+NETWORK_COMMAND_NEW(IpInterfaceTagRemove, Bool)
 
 IpInterfaceTagRemove::IpInterfaceTagRemove() {
   SetDescription("Removes a tag on a given Orvik network interface.");
@@ -23,10 +23,6 @@ std::shared_ptr<InputSpec> IpInterfaceTagRemove::GetInputSpecInternal() {
            "The name of the Orvik network interface from which tags should be removed. This name "
            "must be an interface listed  in the interface list command."),
        NewTagNameParameter()});
-}
-
-std::shared_ptr<OutputSpec> IpInterfaceTagRemove::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpInterfaceTagRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

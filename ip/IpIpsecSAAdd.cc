@@ -28,7 +28,7 @@ const std::string kAnyAddress = "::";
 const std::string kNullAlgorithm = "null";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpIpsecSAAdd)
+NETWORK_COMMAND_NEW(IpIpsecSAAdd, Bool)
 
 IpIpsecSAAdd::IpIpsecSAAdd() { SetDescription("Add a Security Association."); }
 
@@ -67,10 +67,6 @@ std::shared_ptr<InputSpec> IpIpsecSAAdd::GetInputSpecInternal() {
   spec->FindParameter(kEncryptionKey)->SetSecret(true);
   spec->FindParameter(kIntegrityKey)->SetSecret(true);
   return spec;
-}
-
-std::shared_ptr<OutputSpec> IpIpsecSAAdd::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpIpsecSAAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -25,7 +25,7 @@ const std::string kIntegrityAlgorithm = "Integrity Algorithm";
 const std::string kLifetime = "Lifetime";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpIpsecSAList)
+NETWORK_COMMAND_NEW(IpIpsecSAList, Rows)
 
 IpIpsecSAList::IpIpsecSAList() {
   SetDescription("List configured Security Associations");
@@ -45,10 +45,6 @@ std::shared_ptr<MetaStruct> IpIpsecSAList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpIpsecSAList::GetInputSpecInternal() { return InputSpec::New(); }
-
-std::shared_ptr<OutputSpec> IpIpsecSAList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
-}
 
 void IpIpsecSAList::ExecuteInternal(std::shared_ptr<Input> const&,
                                     std::shared_ptr<Output> const& output) {

@@ -21,7 +21,7 @@ const std::string kSaSpi = "sa-spi";
 const std::string kAutoName = "auto";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpIpsecSARemove)
+NETWORK_COMMAND_NEW(IpIpsecSARemove, Bool)
 
 IpIpsecSARemove::IpIpsecSARemove() {
   SetDescription("Operation to remove Security Association(s)");
@@ -43,10 +43,6 @@ std::shared_ptr<InputSpec> IpIpsecSARemove::GetInputSpecInternal() {
        NewIpsecParameter(kSaSpi, "p", ParameterType::String, false,
                          "SPI value for the Security Association (hex). This option needs to be "
                          "specified when removing an auto SA")});
-}
-
-std::shared_ptr<OutputSpec> IpIpsecSARemove::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpIpsecSARemove::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -36,7 +36,7 @@ HostCtl::Network::Ipv6Network NetworkOf(std::string const& text) {
 }
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpIpsecSPAdd)
+NETWORK_COMMAND_NEW(IpIpsecSPAdd, Bool)
 
 IpIpsecSPAdd::IpIpsecSPAdd() { SetDescription("Add a Security Policy."); }
 
@@ -70,10 +70,6 @@ std::shared_ptr<InputSpec> IpIpsecSPAdd::GetInputSpecInternal() {
        NewIpsecParameter(kFlowDirection, "w", ParameterType::String, false,
                          "Flow direction for Security Policy. Should be one in set %ENUM%.",
                          {"in", "out"})});
-}
-
-std::shared_ptr<OutputSpec> IpIpsecSPAdd::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpIpsecSPAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

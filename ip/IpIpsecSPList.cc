@@ -26,7 +26,7 @@ const std::string kSaName = "SA Name";
 const std::string kDeletedSa = "UNKNOWN";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpIpsecSPList)
+NETWORK_COMMAND_NEW(IpIpsecSPList, Rows)
 
 IpIpsecSPList::IpIpsecSPList() {
   SetDescription("List configured Security Policys");
@@ -50,10 +50,6 @@ std::shared_ptr<MetaStruct> IpIpsecSPList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> IpIpsecSPList::GetInputSpecInternal() { return InputSpec::New(); }
-
-std::shared_ptr<OutputSpec> IpIpsecSPList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
-}
 
 void IpIpsecSPList::ExecuteInternal(std::shared_ptr<Input> const&,
                                     std::shared_ptr<Output> const& output) {

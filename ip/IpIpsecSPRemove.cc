@@ -16,7 +16,7 @@ const std::string kSpName = "sp-name";
 const std::string kRemoveAll = "remove-all";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpIpsecSPRemove)
+NETWORK_COMMAND_NEW(IpIpsecSPRemove, Bool)
 
 IpIpsecSPRemove::IpIpsecSPRemove() { SetDescription("Operation to remove Security Policy"); }
 
@@ -25,10 +25,6 @@ std::shared_ptr<InputSpec> IpIpsecSPRemove::GetInputSpecInternal() {
                                         "Name for the Security Policy to be removed."),
                       NewIpsecParameter(kRemoveAll, "a", ParameterType::Flag, false,
                                         "Set to remove all Security Policys")});
-}
-
-std::shared_ptr<OutputSpec> IpIpsecSPRemove::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpIpsecSPRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

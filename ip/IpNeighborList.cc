@@ -25,7 +25,7 @@ const std::string kState = "State";
 const std::string kType = "Type";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpNeighborList)
+NETWORK_COMMAND_NEW(IpNeighborList, Rows)
 
 IpNeighborList::IpNeighborList() {
   SetDescription("List ARP table entries");
@@ -61,10 +61,6 @@ std::shared_ptr<InputSpec> IpNeighborList::GetInputSpecInternal() {
                "The name of the Orvik network interface to limit the output of this command to; if "
                "unspecified, list neighbors on all interfaces."));
   return spec;
-}
-
-std::shared_ptr<OutputSpec> IpNeighborList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 // Deliberately without a handler: what the host throws here leaves the

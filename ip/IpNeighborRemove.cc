@@ -18,7 +18,7 @@ const std::string kVersion = "version";
 const std::string kNeighborAddr = "neighbor-addr";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpNeighborRemove)
+NETWORK_COMMAND_NEW(IpNeighborRemove, Bool)
 
 IpNeighborRemove::IpNeighborRemove() { SetDescription("Remove ARP table entries"); }
 
@@ -38,10 +38,6 @@ std::shared_ptr<InputSpec> IpNeighborRemove::GetInputSpecInternal() {
   spec->AddParameter(Required(kNeighborAddr, ParameterType::String, "a",
                               "The IPv4/IPv6 address of the neighbor."));
   return spec;
-}
-
-std::shared_ptr<OutputSpec> IpNeighborRemove::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpNeighborRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -21,7 +21,7 @@ constexpr uint32_t kNewFlags = 2;
 const std::string kNewEcnStatus = "enabled";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpNetstackInstanceAdd)
+NETWORK_COMMAND_NEW(IpNetstackInstanceAdd, Bool)
 
 IpNetstackInstanceAdd::IpNetstackInstanceAdd() { SetDescription("Add a new Netstack Instance."); }
 
@@ -30,10 +30,6 @@ std::shared_ptr<InputSpec> IpNetstackInstanceAdd::GetInputSpecInternal() {
                       Optional(kDisabled, ParameterType::Flag, "d",
                                "Create the netstack instance only in config i.e. in disabled "
                                "state. Does not create in kernel.")});
-}
-
-std::shared_ptr<OutputSpec> IpNetstackInstanceAdd::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpNetstackInstanceAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -26,7 +26,7 @@ const std::string kState = "State";
 constexpr uint32_t kStateUp = 0x1234;
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpNetstackInstanceGet)
+NETWORK_COMMAND_NEW(IpNetstackInstanceGet, Rows)
 
 IpNetstackInstanceGet::IpNetstackInstanceGet() {
   SetDescription("Get runtime/configuration settings for a given Netstack Instance.");
@@ -54,10 +54,6 @@ std::shared_ptr<MetaStruct> IpNetstackInstanceGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> IpNetstackInstanceGet::GetInputSpecInternal() {
   return InputSpecOf({Required(Shared::Netstack, "The network stack instance")});
-}
-
-std::shared_ptr<OutputSpec> IpNetstackInstanceGet::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpNetstackInstanceGet::ExecuteInternal(std::shared_ptr<Input> const& input,

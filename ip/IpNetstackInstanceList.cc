@@ -17,7 +17,7 @@ const std::string kName = "Name";
 const std::string kState = "State";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpNetstackInstanceList)
+NETWORK_COMMAND_NEW(IpNetstackInstanceList, Rows)
 
 IpNetstackInstanceList::IpNetstackInstanceList() {
   SetDescription(
@@ -37,10 +37,6 @@ std::shared_ptr<MetaStruct> IpNetstackInstanceList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> IpNetstackInstanceList::GetInputSpecInternal() {
   return InputSpec::New();
-}
-
-std::shared_ptr<OutputSpec> IpNetstackInstanceList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpNetstackInstanceList::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,

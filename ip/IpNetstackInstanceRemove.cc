@@ -10,7 +10,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(IpNetstackInstanceRemove)
+NETWORK_COMMAND_NEW(IpNetstackInstanceRemove, Bool)
 
 IpNetstackInstanceRemove::IpNetstackInstanceRemove() {
   SetDescription("Remove a new Netstack Instance.");
@@ -18,10 +18,6 @@ IpNetstackInstanceRemove::IpNetstackInstanceRemove() {
 
 std::shared_ptr<InputSpec> IpNetstackInstanceRemove::GetInputSpecInternal() {
   return InputSpecOf({Required(Shared::Netstack, "The network stack instance")});
-}
-
-std::shared_ptr<OutputSpec> IpNetstackInstanceRemove::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpNetstackInstanceRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -20,7 +20,7 @@ const std::string kIpv6enabled = "ipv6enabled";
 const std::string kEcn = "ecn";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpNetstackInstanceSet)
+NETWORK_COMMAND_NEW(IpNetstackInstanceSet, Bool)
 
 IpNetstackInstanceSet::IpNetstackInstanceSet() {
   SetDescription("Configure settings for a given Netstack Instance.");
@@ -69,10 +69,6 @@ std::shared_ptr<InputSpec> IpNetstackInstanceSet::GetInputSpecInternal() {
   ecn->SetConstraint(ecnWords);
   spec->AddParameter(ecn);
   return spec;
-}
-
-std::shared_ptr<OutputSpec> IpNetstackInstanceSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpNetstackInstanceSet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(IpRouteIpv4Add)
+NETWORK_COMMAND_NEW(IpRouteIpv4Add, Bool)
 
 IpRouteIpv4Add::IpRouteIpv4Add() { SetDescription("Add IPv4 route to the Orvik."); }
 
@@ -24,10 +24,6 @@ std::shared_ptr<InputSpec> IpRouteIpv4Add::GetInputSpecInternal() {
        Required(kRouteGateway, ParameterType::String, "g",
                 "The Ipv4 address of the gateway through which a route to be added."),
        NewNetstackParameter(NetstackScope::UseDefault)});
-}
-
-std::shared_ptr<OutputSpec> IpRouteIpv4Add::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpRouteIpv4Add::ExecuteInternal(std::shared_ptr<Input> const& input,

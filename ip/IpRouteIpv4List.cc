@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(IpRouteIpv4List)
+NETWORK_COMMAND_NEW(IpRouteIpv4List, Rows)
 
 IpRouteIpv4List::IpRouteIpv4List() {
   SetDescription("List configured IPv4 routes");
@@ -27,10 +27,6 @@ std::shared_ptr<MetaStruct> IpRouteIpv4List::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> IpRouteIpv4List::GetInputSpecInternal() {
   return InputSpecOf({NewNetstackParameter(NetstackScope::UseDefault)});
-}
-
-std::shared_ptr<OutputSpec> IpRouteIpv4List::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpRouteIpv4List::ExecuteInternal(std::shared_ptr<Input> const& input,

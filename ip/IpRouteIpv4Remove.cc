@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(IpRouteIpv4Remove)
+NETWORK_COMMAND_NEW(IpRouteIpv4Remove, Bool)
 
 IpRouteIpv4Remove::IpRouteIpv4Remove() { SetDescription("Remove IPv4 route"); }
 
@@ -24,10 +24,6 @@ std::shared_ptr<InputSpec> IpRouteIpv4Remove::GetInputSpecInternal() {
        Required(kRouteGateway, ParameterType::String, "g",
                 "The Ipv4 address of the gateway through which a route to be removed"),
        NewNetstackParameter(NetstackScope::UseDefault)});
-}
-
-std::shared_ptr<OutputSpec> IpRouteIpv4Remove::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpRouteIpv4Remove::ExecuteInternal(std::shared_ptr<Input> const& input,

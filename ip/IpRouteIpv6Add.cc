@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(IpRouteIpv6Add)
+NETWORK_COMMAND_NEW(IpRouteIpv6Add, Bool)
 
 IpRouteIpv6Add::IpRouteIpv6Add() { SetDescription("Add IPv6 route to the Orvik."); }
 
@@ -24,10 +24,6 @@ std::shared_ptr<InputSpec> IpRouteIpv6Add::GetInputSpecInternal() {
        Required(kRouteGateway, ParameterType::String, "g",
                 "The Ipv6 address of the gateway through which a route to be added."),
        NewNetstackParameter(NetstackScope::UseDefault)});
-}
-
-std::shared_ptr<OutputSpec> IpRouteIpv6Add::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpRouteIpv6Add::ExecuteInternal(std::shared_ptr<Input> const& input,

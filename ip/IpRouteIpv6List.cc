@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(IpRouteIpv6List)
+NETWORK_COMMAND_NEW(IpRouteIpv6List, Rows)
 
 IpRouteIpv6List::IpRouteIpv6List() {
   SetDescription("List configured IPv6 routes");
@@ -27,10 +27,6 @@ std::shared_ptr<MetaStruct> IpRouteIpv6List::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> IpRouteIpv6List::GetInputSpecInternal() {
   return InputSpecOf({NewNetstackParameter(NetstackScope::UseDefault)});
-}
-
-std::shared_ptr<OutputSpec> IpRouteIpv6List::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void IpRouteIpv6List::ExecuteInternal(std::shared_ptr<Input> const& input,

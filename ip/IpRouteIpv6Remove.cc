@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(IpRouteIpv6Remove)
+NETWORK_COMMAND_NEW(IpRouteIpv6Remove, Bool)
 
 IpRouteIpv6Remove::IpRouteIpv6Remove() { SetDescription("Remove IPv6 route from the Orvik"); }
 
@@ -24,10 +24,6 @@ std::shared_ptr<InputSpec> IpRouteIpv6Remove::GetInputSpecInternal() {
        Required(kRouteGateway, ParameterType::String, "g",
                 "The Ipv6 address of the gateway through which a route to be removed"),
        NewNetstackParameter(NetstackScope::UseDefault)});
-}
-
-std::shared_ptr<OutputSpec> IpRouteIpv6Remove::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void IpRouteIpv6Remove::ExecuteInternal(std::shared_ptr<Input> const& input,

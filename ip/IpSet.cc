@@ -14,7 +14,7 @@ namespace {
 const std::string kIpv6Enabled = "ipv6-enabled";
 }  // namespace
 
-NETWORK_COMMAND_NEW(IpSet)
+NETWORK_COMMAND_NEW(IpSet, Bool)
 
 IpSet::IpSet() { SetDescription("Update global IP settings"); }
 
@@ -22,8 +22,6 @@ std::shared_ptr<InputSpec> IpSet::GetInputSpecInternal() {
   return InputSpecOf({Optional(kIpv6Enabled, ParameterType::Bool, "e",
                                "Enable or disable IPv6 (Reboot Required)")});
 }
-
-std::shared_ptr<OutputSpec> IpSet::GetOutputSpecInternal() { return RootSpec(MetaBool::New()); }
 
 void IpSet::ExecuteInternal(std::shared_ptr<Input> const& input,
                             std::shared_ptr<Output> const& output) {

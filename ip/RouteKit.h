@@ -8,14 +8,7 @@
 #include <memory>
 #include <string>
 
-namespace Toolbase::CallSpec {
-class Input;
-class Output;
-}  // namespace Toolbase::CallSpec
-namespace Toolbase::MetaObj {
-class MetaList;
-class MetaStruct;
-}  // namespace Toolbase::MetaObj
+#include "frame/KitDeclarations.h"
 
 namespace CorvaneCli::NetworkNamespace {
 

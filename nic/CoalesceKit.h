@@ -8,16 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "frame/KitDeclarations.h"
 #include "hostctl/pnic.h"
-
-namespace Toolbase::CallSpec {
-class Input;
-class InputSpec;
-class Output;
-}  // namespace Toolbase::CallSpec
-namespace Toolbase::MetaObj {
-class MetaStruct;
-}  // namespace Toolbase::MetaObj
 
 namespace CorvaneCli::NetworkNamespace {
 

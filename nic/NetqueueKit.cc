@@ -4,6 +4,7 @@
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
 #include "toolbase/call_spec.h"
+#include "toolbase/meta_obj.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -46,6 +47,36 @@ bool WalkNetqueue(HostCtl::Network::NetworkInfo& networkInfo,
     rows(*pnic, info);
   }
   return true;
+}
+
+void ListNetqueueRows(Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output,
+                      bool byName, MissingPnicWords words,
+                      std::function<std::shared_ptr<Toolbase::MetaObj::MetaStruct>()> const& newRow,
+                      NetqueueRowFill const& fill) {
+  using namespace Toolbase::MetaObj;
+  auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
+  auto list = MetaList::New(MetaType::Struct, newRow());
+  bool const done = WalkNetqueue(
+      *networkInfo, input, output, byName, words,
+      [&](HostCtl::Network::Pnic& pnic, HostCtl::Network::PnicNetqueueInfo const& info) {
+        auto row = newRow();
+        row->SetField("NIC", pnic.GetName());
+        fill(*row, info);
+        list->Add(row);
+      });
+  if (done) output.SetRootObject(list);
+}
+
+void SetNetqueue(Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output,
+                 MissingPnicWords words,
+                 std::function<bool(HostCtl::Network::PnicNetqueueInfo& info)> const& fill) {
+  std::string const& name = input.GetParameter(kOrnic);
+  auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
+  auto pnic = FindNamedPnic(*networkInfo, name, output, words);
+  if (!pnic) return;
+  HostCtl::Network::PnicNetqueueInfo info;
+  if (fill(info)) pnic->SetNetqueueInfo(info);
+  output.SetRootObject(Toolbase::MetaObj::MetaBool::New(true));
 }
 
 }  // namespace CorvaneCli::NetworkNamespace

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "frame/KitDeclarations.h"
 #include "nic/PnicLookup.h"
 
 namespace HostCtl::Network {
@@ -15,10 +16,6 @@ class NetworkInfo;
 class Pnic;
 struct PnicNetqueueInfo;
 }  // namespace HostCtl::Network
-namespace Toolbase::CallSpec {
-class Input;
-class Output;
-}  // namespace Toolbase::CallSpec
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -47,5 +44,24 @@ using NetqueueRows =
 bool WalkNetqueue(HostCtl::Network::NetworkInfo& networkInfo,
                   Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output,
                   bool byName, MissingPnicWords words, NetqueueRows const& rows);
+
+// The body of the read commands with one row per uplink: asks the host for
+// its network information, then walks as WalkNetqueue does; each row comes
+// from `newRow`, with "NIC" set to the uplink's name and the rest set by
+// `fill`. Root the list of rows, or none after a message.
+using NetqueueRowFill = std::function<void(Toolbase::MetaObj::MetaStruct& row,
+                                           HostCtl::Network::PnicNetqueueInfo const& info)>;
+void ListNetqueueRows(Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output,
+                      bool byName, MissingPnicWords words,
+                      std::function<std::shared_ptr<Toolbase::MetaObj::MetaStruct>()> const& newRow,
+                      NetqueueRowFill const& fill);
+
+// The body of the `set` commands: the uplink that "ornic" names, asked of the
+// host's network information (an unknown name adds the message of `words`
+// and ends it); `fill` writes the request into a fresh record and says
+// whether there is anything to hand to the uplink. Root `true`.
+void SetNetqueue(Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output,
+                 MissingPnicWords words,
+                 std::function<bool(HostCtl::Network::PnicNetqueueInfo& info)> const& fill);
 
 }  // namespace CorvaneCli::NetworkNamespace

@@ -19,7 +19,7 @@ const std::string kBranch = "branch";
 const std::string kVlanId = "vlan-id";
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicAttachmentAdd)
+NETWORK_COMMAND_NEW(NicAttachmentAdd, Bool)
 
 NicAttachmentAdd::NicAttachmentAdd() {
   SetDescription("Attach one uplink as a branch to a trunk uplink with specified VLAN ID.");
@@ -40,10 +40,6 @@ std::shared_ptr<InputSpec> NicAttachmentAdd::GetInputSpecInternal() {
   vlanId->SetConstraint(range);
   spec->AddParameter(vlanId);
   return spec;
-}
-
-std::shared_ptr<OutputSpec> NicAttachmentAdd::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void NicAttachmentAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

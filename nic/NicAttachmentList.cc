@@ -20,7 +20,7 @@ const std::string kBranchMacField = "Branch MAC";
 const std::string kVlanIdField = "VLAN ID";
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicAttachmentList)
+NETWORK_COMMAND_NEW(NicAttachmentList, Rows)
 
 NicAttachmentList::NicAttachmentList() {
   SetDescription("Show uplink attachment information.");
@@ -40,10 +40,6 @@ std::shared_ptr<MetaStruct> NicAttachmentList::GetOutputStructure() {
 std::shared_ptr<InputSpec> NicAttachmentList::GetInputSpecInternal() {
   return InputSpecOf({Optional(kTrunk, ParameterType::String, "t",
                                "Show information only for the specified NIC.")});
-}
-
-std::shared_ptr<OutputSpec> NicAttachmentList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicAttachmentList::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -16,7 +16,7 @@ const std::string kTrunk = "trunk";
 const std::string kBranch = "branch";
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicAttachmentRemove)
+NETWORK_COMMAND_NEW(NicAttachmentRemove, Bool)
 
 NicAttachmentRemove::NicAttachmentRemove() {
   SetDescription("Detach a branch uplink from its trunk.");
@@ -26,10 +26,6 @@ std::shared_ptr<InputSpec> NicAttachmentRemove::GetInputSpecInternal() {
   return InputSpecOf(
       {Required(kTrunk, ParameterType::String, "t", "The name of the trunk uplink."),
        Required(kBranch, ParameterType::String, "b", "The name of the branch uplink.")});
-}
-
-std::shared_ptr<OutputSpec> NicAttachmentRemove::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 // The branch's name goes to the library unchecked; the library judges it.

@@ -33,7 +33,7 @@ const std::string* const kValueFields[] = {&kRxMicroseconds,  &kRxMaximumFrames,
                                            &kSampleInterval};
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicCoalesceGet)
+NETWORK_COMMAND_NEW(NicCoalesceGet, Rows)
 
 NicCoalesceGet::NicCoalesceGet() {
   SetDescription("Get coalesce parameters");
@@ -53,10 +53,6 @@ std::shared_ptr<MetaStruct> NicCoalesceGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicCoalesceGet::GetInputSpecInternal() {
   return InputSpecOf({Optional(Shared::Ornic, "The name of pnic to get coalesce parameters")});
-}
-
-std::shared_ptr<OutputSpec> NicCoalesceGet::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicCoalesceGet::ExecuteInternal(std::shared_ptr<Input> const& input,

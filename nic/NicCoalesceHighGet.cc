@@ -11,7 +11,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(NicCoalesceHighGet)
+NETWORK_COMMAND_NEW(NicCoalesceHighGet, Struct)
 
 NicCoalesceHighGet::NicCoalesceHighGet() {
   SetDescription(
@@ -28,10 +28,6 @@ std::shared_ptr<MetaStruct> NicCoalesceHighGet::GetOutputStructure() {
 std::shared_ptr<InputSpec> NicCoalesceHighGet::GetInputSpecInternal() {
   return InputSpecOf(
       {Required(Shared::Ornic, "The name of the pnic for which information should be retrieved.")});
-}
-
-std::shared_ptr<OutputSpec> NicCoalesceHighGet::GetOutputSpecInternal() {
-  return RootSpec(GetOutputStructure());
 }
 
 void NicCoalesceHighGet::ExecuteInternal(std::shared_ptr<Input> const& input,

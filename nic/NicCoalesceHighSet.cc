@@ -10,7 +10,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(NicCoalesceHighSet)
+NETWORK_COMMAND_NEW(NicCoalesceHighSet, Bool)
 
 NicCoalesceHighSet::NicCoalesceHighSet() {
   SetDescription(
@@ -22,10 +22,6 @@ std::shared_ptr<InputSpec> NicCoalesceHighSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   AddBandParameters(*spec, kHighBand);
   return spec;
-}
-
-std::shared_ptr<OutputSpec> NicCoalesceHighSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void NicCoalesceHighSet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -11,7 +11,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(NicCoalesceLowGet)
+NETWORK_COMMAND_NEW(NicCoalesceLowGet, Struct)
 
 NicCoalesceLowGet::NicCoalesceLowGet() {
   SetDescription(
@@ -28,10 +28,6 @@ std::shared_ptr<MetaStruct> NicCoalesceLowGet::GetOutputStructure() {
 std::shared_ptr<InputSpec> NicCoalesceLowGet::GetInputSpecInternal() {
   return InputSpecOf(
       {Required(Shared::Ornic, "The name of the pnic for which information should be retrieved.")});
-}
-
-std::shared_ptr<OutputSpec> NicCoalesceLowGet::GetOutputSpecInternal() {
-  return RootSpec(GetOutputStructure());
 }
 
 void NicCoalesceLowGet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -10,7 +10,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(NicCoalesceLowSet)
+NETWORK_COMMAND_NEW(NicCoalesceLowSet, Bool)
 
 NicCoalesceLowSet::NicCoalesceLowSet() {
   SetDescription(
@@ -22,10 +22,6 @@ std::shared_ptr<InputSpec> NicCoalesceLowSet::GetInputSpecInternal() {
   auto spec = InputSpec::New();
   AddBandParameters(*spec, kLowBand);
   return spec;
-}
-
-std::shared_ptr<OutputSpec> NicCoalesceLowSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void NicCoalesceLowSet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -24,7 +24,7 @@ const std::string kAdaptiveTx = "adaptive-tx";
 const std::string kSampleInterval = "sample-interval";
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicCoalesceSet)
+NETWORK_COMMAND_NEW(NicCoalesceSet, Bool)
 
 NicCoalesceSet::NicCoalesceSet() { SetDescription("Set coalesce parameters on a nic"); }
 
@@ -54,10 +54,6 @@ std::shared_ptr<InputSpec> NicCoalesceSet::GetInputSpecInternal() {
   sampleInterval->SetConstraint(range);
   spec->AddParameter(sampleInterval);
   return spec;
-}
-
-std::shared_ptr<OutputSpec> NicCoalesceSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void NicCoalesceSet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(NicCsoGet)
+NETWORK_COMMAND_NEW(NicCsoGet, Rows)
 
 NicCsoGet::NicCsoGet() {
   SetDescription("Get checksum offload settings");
@@ -27,10 +27,6 @@ std::shared_ptr<MetaStruct> NicCsoGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicCsoGet::GetInputSpecInternal() {
   return InputSpecOf({Optional(Shared::Ornic, "The name of pnic to get CSO settings")});
-}
-
-std::shared_ptr<OutputSpec> NicCsoGet::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicCsoGet::ExecuteInternal(std::shared_ptr<Input> const& input,

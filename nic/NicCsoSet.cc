@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(NicCsoSet)
+NETWORK_COMMAND_NEW(NicCsoSet, Bool)
 
 NicCsoSet::NicCsoSet() { SetDescription("Set checksum offload settings on a nic"); }
 
@@ -26,8 +26,6 @@ std::shared_ptr<InputSpec> NicCsoSet::GetInputSpecInternal() {
   spec->AddParameter(enable);
   return spec;
 }
-
-std::shared_ptr<OutputSpec> NicCsoSet::GetOutputSpecInternal() { return RootSpec(MetaBool::New()); }
 
 void NicCsoSet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                 std::shared_ptr<Output> const& output) {

@@ -79,7 +79,7 @@ std::string DcbArrayToString(unsigned char* array) {
                    array[5], array[6], array[7]);
 }
 
-NETWORK_COMMAND_NEW(NicDcbStatusGet)
+NETWORK_COMMAND_NEW(NicDcbStatusGet, Struct)
 
 NicDcbStatusGet::NicDcbStatusGet() {
   SetDescription("Get the DCB information for a NIC.");
@@ -166,10 +166,6 @@ std::shared_ptr<InputSpec> NicDcbStatusGet::GetInputSpecInternal() {
   return InputSpecOf(
       {Required(Shared::NicName,
                 "The name of the NIC for which you need the info. See \"nic list\" command.")});
-}
-
-std::shared_ptr<OutputSpec> NicDcbStatusGet::GetOutputSpecInternal() {
-  return RootSpec(GetOutputStructure());
 }
 
 void NicDcbStatusGet::ExecuteInternal(std::shared_ptr<Input> const& input,

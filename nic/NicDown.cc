@@ -12,15 +12,13 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(NicDown)
+NETWORK_COMMAND_NEW(NicDown, Bool)
 
 NicDown::NicDown() { SetDescription("Bring down the specified network device."); }
 
 std::shared_ptr<InputSpec> NicDown::GetInputSpecInternal() {
   return InputSpecOf({Required(Shared::NicName, kConfiguredNicHelp)});
 }
-
-std::shared_ptr<OutputSpec> NicDown::GetOutputSpecInternal() { return RootSpec(MetaBool::New()); }
 
 void NicDown::ExecuteInternal(std::shared_ptr<Input> const& input,
                               std::shared_ptr<Output> const& output) {

@@ -19,7 +19,7 @@ const std::string kFile = "file";
 const std::string kMagic = "magic";
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicEepromChange)
+NETWORK_COMMAND_NEW(NicEepromChange, Bool)
 
 NicEepromChange::NicEepromChange() { SetDescription("Change EEPROM on a nic"); }
 
@@ -30,10 +30,6 @@ std::shared_ptr<InputSpec> NicEepromChange::GetInputSpecInternal() {
        Optional(kValue, ParameterType::Int, "v", "New EEPROM value in double word"),
        Optional(kFile, ParameterType::String, "f", "File name of new EEPROM content"),
        Required(kMagic, ParameterType::Int, "m", "Magic key of EEPROM")});
-}
-
-std::shared_ptr<OutputSpec> NicEepromChange::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 // The option rules are checked once the uplink is known and are raised like

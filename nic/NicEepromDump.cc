@@ -35,7 +35,7 @@ std::string HexAddress(unsigned int address) {
 }
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicEepromDump)
+NETWORK_COMMAND_NEW(NicEepromDump, Rows)
 
 NicEepromDump::NicEepromDump() {
   SetDescription("Dump device EEPROM");
@@ -44,10 +44,7 @@ NicEepromDump::NicEepromDump() {
 }
 
 std::shared_ptr<MetaStruct> NicEepromDump::GetOutputStructure() {
-  auto result = MetaStruct::New(kStructure);
-  result->SetField(kOffsetField, MetaString::New());
-  result->SetField(kValueField, MetaString::New());
-  return result;
+  return TextPairStructure(kStructure, kOffsetField);
 }
 
 std::shared_ptr<MetaList> NicEepromDump::DumpBinary(unsigned int offset,
@@ -83,10 +80,6 @@ std::shared_ptr<InputSpec> NicEepromDump::GetInputSpecInternal() {
       {Required(Shared::Ornic, "The name of pnic to dump EEPROM"),
        Optional(kOffset, ParameterType::Int, "o", "Offset of EEPROM starting to dump"),
        Optional(kLength, ParameterType::Int, "l", "Bytes of EEPROM to dump")});
-}
-
-std::shared_ptr<OutputSpec> NicEepromDump::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicEepromDump::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -8,21 +8,14 @@
 #include <memory>
 #include <string>
 
+#include "frame/KitDeclarations.h"
+
 namespace HostCtl::Network {
 class NetworkInfo;
 class Pnic;
 struct PnicHwCapabilities;
 struct PnicSoftwareSimulation;
 }  // namespace HostCtl::Network
-namespace Toolbase::CallSpec {
-class Input;
-class Output;
-class ParameterSpec;
-}  // namespace Toolbase::CallSpec
-namespace Toolbase::MetaObj {
-class MetaList;
-class MetaStruct;
-}  // namespace Toolbase::MetaObj
 
 namespace CorvaneCli::NetworkNamespace {
 

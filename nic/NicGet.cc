@@ -104,7 +104,7 @@ std::string LinkModeText(HostCtl::Network::PnicLinkMode const& mode) {
 }
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicGet)
+NETWORK_COMMAND_NEW(NicGet, Struct)
 
 NicGet::NicGet() {
   SetDescription("Get the generic configuration of a network device");
@@ -143,10 +143,6 @@ std::shared_ptr<MetaStruct> NicGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicGet::GetInputSpecInternal() {
   return InputSpecOf({Required(Shared::NicName, kConfiguredNicHelp)});
-}
-
-std::shared_ptr<OutputSpec> NicGet::GetOutputSpecInternal() {
-  return RootSpec(GetOutputStructure());
 }
 
 void NicGet::ExecuteInternal(std::shared_ptr<Input> const& input,

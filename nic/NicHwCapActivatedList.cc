@@ -11,7 +11,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(NicHwCapActivatedList)
+NETWORK_COMMAND_NEW(NicHwCapActivatedList, Rows)
 
 NicHwCapActivatedList::NicHwCapActivatedList() {
   SetDescription("List activated hardware capabilities of physical NICs.");
@@ -25,10 +25,6 @@ std::shared_ptr<MetaStruct> NicHwCapActivatedList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicHwCapActivatedList::GetInputSpecInternal() {
   return InputSpecOf({NewOrnicListParameter()});
-}
-
-std::shared_ptr<OutputSpec> NicHwCapActivatedList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicHwCapActivatedList::ExecuteInternal(std::shared_ptr<Input> const& input,

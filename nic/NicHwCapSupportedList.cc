@@ -11,7 +11,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(NicHwCapSupportedList)
+NETWORK_COMMAND_NEW(NicHwCapSupportedList, Rows)
 
 NicHwCapSupportedList::NicHwCapSupportedList() {
   SetDescription("List supported hardware capabilities of physical NICs.");
@@ -25,10 +25,6 @@ std::shared_ptr<MetaStruct> NicHwCapSupportedList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicHwCapSupportedList::GetInputSpecInternal() {
   return InputSpecOf({NewOrnicListParameter()});
-}
-
-std::shared_ptr<OutputSpec> NicHwCapSupportedList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicHwCapSupportedList::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -54,7 +54,7 @@ void DescribePseudoDevice(std::string const& descriptor, std::string& vendor, st
 }
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicList)
+NETWORK_COMMAND_NEW(NicList, Rows)
 
 NicList::NicList() {
   SetDescription(
@@ -82,10 +82,6 @@ std::shared_ptr<MetaStruct> NicList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> NicList::GetInputSpecInternal() { return InputSpec::New(); }
-
-std::shared_ptr<OutputSpec> NicList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
-}
 
 void NicList::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,
                               std::shared_ptr<Output> const& output) {

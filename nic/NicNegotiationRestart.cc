@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(NicNegotiationRestart)
+NETWORK_COMMAND_NEW(NicNegotiationRestart, Bool)
 
 NicNegotiationRestart::NicNegotiationRestart() {
   SetDescription("Restart N-Way negotiation on a nic");
@@ -20,10 +20,6 @@ NicNegotiationRestart::NicNegotiationRestart() {
 
 std::shared_ptr<InputSpec> NicNegotiationRestart::GetInputSpecInternal() {
   return InputSpecOf({Required(Shared::Ornic, "Name of ornic to restart negotiation")});
-}
-
-std::shared_ptr<OutputSpec> NicNegotiationRestart::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void NicNegotiationRestart::ExecuteInternal(std::shared_ptr<Input> const& input,

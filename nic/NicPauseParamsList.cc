@@ -62,7 +62,7 @@ void SetPauseFields(MetaStruct& row, PauseRow const& values) {
 }
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicPauseParamsList)
+NETWORK_COMMAND_NEW(NicPauseParamsList, Rows)
 
 NicPauseParamsList::NicPauseParamsList() {
   SetDescription("List pause parameters of all NICs");
@@ -89,10 +89,6 @@ std::shared_ptr<MetaStruct> NicPauseParamsList::GetOutputStructure() {
 std::shared_ptr<InputSpec> NicPauseParamsList::GetInputSpecInternal() {
   return InputSpecOf({Optional(Shared::NicName,
                                "The name of the NIC whose pause parameters should be retrieved.")});
-}
-
-std::shared_ptr<OutputSpec> NicPauseParamsList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicPauseParamsList::ExecuteInternal(std::shared_ptr<Input> const& input,

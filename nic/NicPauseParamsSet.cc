@@ -19,7 +19,7 @@ const std::string kRx = "rx";
 const std::string kTx = "tx";
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicPauseParamsSet)
+NETWORK_COMMAND_NEW(NicPauseParamsSet, Bool)
 
 NicPauseParamsSet::NicPauseParamsSet() { SetDescription("Set pause parameters for a NIC"); }
 
@@ -29,10 +29,6 @@ std::shared_ptr<InputSpec> NicPauseParamsSet::GetInputSpecInternal() {
        Optional(kAuto, ParameterType::Bool, "a", "Enable/disable auto negotiation."),
        Optional(kRx, ParameterType::Bool, "r", "Enable/disable pause RX flow control."),
        Optional(kTx, ParameterType::Bool, "t", "Enable/disable pause TX flow control.")});
-}
-
-std::shared_ptr<OutputSpec> NicPauseParamsSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void NicPauseParamsSet::ExecuteInternal(std::shared_ptr<Input> const& input,

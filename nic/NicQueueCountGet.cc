@@ -15,12 +15,11 @@ using namespace Toolbase::MetaObj;
 
 namespace {
 const std::string kStructure = "NetqueueCount";
-const std::string kNic = "NIC";
 const std::string kTxCount = "Tx netqueue count";
 const std::string kRxCount = "Rx netqueue count";
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicQueueCountGet)
+NETWORK_COMMAND_NEW(NicQueueCountGet, Rows)
 
 NicQueueCountGet::NicQueueCountGet() {
   SetDescription("Get netqueue count on a nic");
@@ -30,7 +29,7 @@ NicQueueCountGet::NicQueueCountGet() {
 
 std::shared_ptr<MetaStruct> NicQueueCountGet::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
-  result->SetField(kNic, MetaString::New());
+  result->SetField("NIC", MetaString::New());
   result->SetField(kTxCount, MetaInt::New());
   result->SetField(kRxCount, MetaInt::New());
   return result;
@@ -40,26 +39,15 @@ std::shared_ptr<InputSpec> NicQueueCountGet::GetInputSpecInternal() {
   return InputSpecOf({Optional(Shared::Ornic, "The name of pnic to get netqueue count")});
 }
 
-std::shared_ptr<OutputSpec> NicQueueCountGet::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
-}
-
 void NicQueueCountGet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                        std::shared_ptr<Output> const& output) {
   try {
-    auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
-    auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
-    bool const done = WalkNetqueue(
-        *networkInfo, *input, *output, true, MissingPnicWords::NotFound,
-        [&](HostCtl::Network::Pnic& pnic, HostCtl::Network::PnicNetqueueInfo const& info) {
-          auto row = GetOutputStructure();
-          row->SetField(kNic, pnic.GetName());
-          row->SetField(kTxCount, static_cast<long>(info.txQueueCount));
-          row->SetField(kRxCount, static_cast<long>(info.rxQueueCount));
-          list->Add(row);
+    ListNetqueueRows(
+        *input, *output, true, MissingPnicWords::NotFound, [this] { return GetOutputStructure(); },
+        [](MetaStruct& row, HostCtl::Network::PnicNetqueueInfo const& info) {
+          row.SetField(kTxCount, static_cast<long>(info.txQueueCount));
+          row.SetField(kRxCount, static_cast<long>(info.rxQueueCount));
         });
-    if (!done) return;
-    output->SetRootObject(list);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

@@ -19,7 +19,7 @@ const std::string kRx = "rx";
 const std::string kNum = "num";
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicQueueCountSet)
+NETWORK_COMMAND_NEW(NicQueueCountSet, Bool)
 
 NicQueueCountSet::NicQueueCountSet() { SetDescription("Set number of netqueues on a nic"); }
 
@@ -30,32 +30,25 @@ std::shared_ptr<InputSpec> NicQueueCountSet::GetInputSpecInternal() {
                       Required(kNum, ParameterType::Int, "q", "Number of queues to set.")});
 }
 
-std::shared_ptr<OutputSpec> NicQueueCountSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
-}
-
 void NicQueueCountSet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                        std::shared_ptr<Output> const& output) {
   try {
-    std::string const& name = input->GetParameter(kOrnic);
-    auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
-    auto pnic = FindNamedPnic(*networkInfo, name, *output, MissingPnicWords::NotFound);
-    if (!pnic) return;
-    // Only the presence of --tx and --rx counts, not their value.
-    bool const tx = input->HasParameter(kTx);
-    bool const rx = input->HasParameter(kRx);
-    long const num = input->GetParameterInt(kNum);
-    HostCtl::Network::PnicNetqueueInfo info;
-    if (tx) {
-      info.txQueueCount = static_cast<uint32_t>(num);
-      info.applyTxQueueCount = true;
-    }
-    if (rx) {
-      info.rxQueueCount = static_cast<uint32_t>(num);
-      info.applyRxQueueCount = true;
-    }
-    if (info.applyTxQueueCount || info.applyRxQueueCount) pnic->SetNetqueueInfo(info);
-    output->SetRootObject(MetaBool::New(true));
+    SetNetqueue(*input, *output, MissingPnicWords::NotFound,
+                [&](HostCtl::Network::PnicNetqueueInfo& info) {
+                  // Only the presence of --tx and --rx counts, not their value.
+                  bool const tx = input->HasParameter(kTx);
+                  bool const rx = input->HasParameter(kRx);
+                  long const num = input->GetParameterInt(kNum);
+                  if (tx) {
+                    info.txQueueCount = static_cast<uint32_t>(num);
+                    info.applyTxQueueCount = true;
+                  }
+                  if (rx) {
+                    info.rxQueueCount = static_cast<uint32_t>(num);
+                    info.applyRxQueueCount = true;
+                  }
+                  return info.applyTxQueueCount || info.applyRxQueueCount;
+                });
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

@@ -15,13 +15,12 @@ using namespace Toolbase::MetaObj;
 
 namespace {
 const std::string kStructure = "Settings";
-const std::string kNic = "NIC";
 // The filter classes, in the order of the record.
 char const* const kClasses[HostCtl::Network::PnicNetqueueInfo::kFilterClassCount] = {
     "MacOnly", "VlanOnly", "VlanMac", "Vxlan", "Geneve", "GenericEncap"};
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicQueueFilterClassList)
+NETWORK_COMMAND_NEW(NicQueueFilterClassList, Rows)
 
 NicQueueFilterClassList::NicQueueFilterClassList() {
   SetDescription(
@@ -34,7 +33,7 @@ NicQueueFilterClassList::NicQueueFilterClassList() {
 
 std::shared_ptr<MetaStruct> NicQueueFilterClassList::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
-  result->SetField(kNic, MetaString::New());
+  result->SetField("NIC", MetaString::New());
   for (char const* filterClass : kClasses) result->SetField(filterClass, MetaBool::New());
   return result;
 }
@@ -43,27 +42,16 @@ std::shared_ptr<InputSpec> NicQueueFilterClassList::GetInputSpecInternal() {
   return InputSpec::New();
 }
 
-std::shared_ptr<OutputSpec> NicQueueFilterClassList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
-}
-
 void NicQueueFilterClassList::ExecuteInternal(std::shared_ptr<Input> const& input,
                                               std::shared_ptr<Output> const& output) {
   try {
-    auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
-    auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
-    bool const done = WalkNetqueue(
-        *networkInfo, *input, *output, false, MissingPnicWords::NotFound,
-        [&](HostCtl::Network::Pnic& pnic, HostCtl::Network::PnicNetqueueInfo const& info) {
-          auto row = GetOutputStructure();
-          row->SetField(kNic, pnic.GetName());
+    ListNetqueueRows(
+        *input, *output, false, MissingPnicWords::NotFound, [this] { return GetOutputStructure(); },
+        [](MetaStruct& row, HostCtl::Network::PnicNetqueueInfo const& info) {
           for (int i = 0; i < HostCtl::Network::PnicNetqueueInfo::kFilterClassCount; ++i) {
-            row->SetField(kClasses[i], info.filterClasses[i]);
+            row.SetField(kClasses[i], info.filterClasses[i]);
           }
-          list->Add(row);
         });
-    if (!done) return;
-    output->SetRootObject(list);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

@@ -23,7 +23,7 @@ const std::string kEnabled = "Enabled";
 const std::string kDescription = "Description";
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicQueueLbPluginList)
+NETWORK_COMMAND_NEW(NicQueueLbPluginList, Rows)
 
 NicQueueLbPluginList::NicQueueLbPluginList() {
   SetDescription(
@@ -47,10 +47,6 @@ std::shared_ptr<MetaStruct> NicQueueLbPluginList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicQueueLbPluginList::GetInputSpecInternal() {
   return InputSpecOf({Optional(Shared::Ornic, "The name of pnic to get netqueue plugin details")});
-}
-
-std::shared_ptr<OutputSpec> NicQueueLbPluginList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicQueueLbPluginList::ExecuteInternal(std::shared_ptr<Input> const& input,

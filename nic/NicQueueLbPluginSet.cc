@@ -19,7 +19,7 @@ const std::string kModule = "module";
 const std::string kPlugin = "plugin";
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicQueueLbPluginSet)
+NETWORK_COMMAND_NEW(NicQueueLbPluginSet, Bool)
 
 NicQueueLbPluginSet::NicQueueLbPluginSet() {
   SetDescription("Enable/disable netqueue balancer plugin on a NIC");
@@ -33,24 +33,17 @@ std::shared_ptr<InputSpec> NicQueueLbPluginSet::GetInputSpecInternal() {
        Required(kPlugin, ParameterType::String, "p", "Name of netqueue balancer plugin")});
 }
 
-std::shared_ptr<OutputSpec> NicQueueLbPluginSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
-}
-
 void NicQueueLbPluginSet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                           std::shared_ptr<Output> const& output) {
   try {
-    std::string const& name = input->GetParameter(kOrnic);
-    auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
-    auto pnic = FindNamedPnic(*networkInfo, name, *output, MissingPnicWords::InvalidName);
-    if (!pnic) return;
-    HostCtl::Network::PnicNetqueueInfo info;
-    info.activePlugins.push_back(
-        {input->GetParameter(kModule), input->GetParameter(kPlugin), std::string()});
-    info.pluginEnabled = input->GetParameterBool(kEnable);
-    info.applyPluginState = true;
-    pnic->SetNetqueueInfo(info);
-    output->SetRootObject(MetaBool::New(true));
+    SetNetqueue(*input, *output, MissingPnicWords::InvalidName,
+                [&](HostCtl::Network::PnicNetqueueInfo& info) {
+                  info.activePlugins.push_back(
+                      {input->GetParameter(kModule), input->GetParameter(kPlugin), std::string()});
+                  info.pluginEnabled = input->GetParameterBool(kEnable);
+                  info.applyPluginState = true;
+                  return true;
+                });
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

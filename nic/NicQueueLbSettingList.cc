@@ -15,10 +15,9 @@ using namespace Toolbase::MetaObj;
 
 namespace {
 const std::string kStructure = "Settings";
-const std::string kNic = "NIC";
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicQueueLbSettingList)
+NETWORK_COMMAND_NEW(NicQueueLbSettingList, Rows)
 
 NicQueueLbSettingList::NicQueueLbSettingList() {
   SetDescription(
@@ -32,7 +31,7 @@ NicQueueLbSettingList::NicQueueLbSettingList() {
 
 std::shared_ptr<MetaStruct> NicQueueLbSettingList::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
-  result->SetField(kNic, MetaString::New());
+  result->SetField("NIC", MetaString::New());
   for (auto const& setting : kLbSettings) result->SetField(setting.column, MetaString::New());
   return result;
 }
@@ -41,20 +40,12 @@ std::shared_ptr<InputSpec> NicQueueLbSettingList::GetInputSpecInternal() {
   return InputSpec::New();
 }
 
-std::shared_ptr<OutputSpec> NicQueueLbSettingList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
-}
-
 void NicQueueLbSettingList::ExecuteInternal(std::shared_ptr<Input> const& input,
                                             std::shared_ptr<Output> const& output) {
   try {
-    auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
-    auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
-    bool const done = WalkNetqueue(
-        *networkInfo, *input, *output, false, MissingPnicWords::NotFound,
-        [&](HostCtl::Network::Pnic& pnic, HostCtl::Network::PnicNetqueueInfo const& info) {
-          auto row = GetOutputStructure();
-          row->SetField(kNic, pnic.GetName());
+    ListNetqueueRows(
+        *input, *output, false, MissingPnicWords::NotFound, [this] { return GetOutputStructure(); },
+        [](MetaStruct& row, HostCtl::Network::PnicNetqueueInfo const& info) {
           for (int i = 0; i < HostCtl::Network::PnicNetqueueInfo::kSettingCount; ++i) {
             std::string letters;
             if (!kLbSettings[i].showsSupport) {
@@ -63,12 +54,9 @@ void NicQueueLbSettingList::ExecuteInternal(std::shared_ptr<Input> const& input,
               letters = info.supported[i] ? "S" : "U";
             }
             letters += info.allowed[i] ? "A" : "D";
-            row->SetField(kLbSettings[i].column, letters);
+            row.SetField(kLbSettings[i].column, letters);
           }
-          list->Add(row);
         });
-    if (!done) return;
-    output->SetRootObject(list);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

@@ -13,7 +13,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(NicQueueLbSettingSet)
+NETWORK_COMMAND_NEW(NicQueueLbSettingSet, Bool)
 
 NicQueueLbSettingSet::NicQueueLbSettingSet() {
   SetDescription("Enable/disable netqueue load balancer setting on a NIC.");
@@ -30,25 +30,18 @@ std::shared_ptr<InputSpec> NicQueueLbSettingSet::GetInputSpecInternal() {
   return spec;
 }
 
-std::shared_ptr<OutputSpec> NicQueueLbSettingSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
-}
-
 void NicQueueLbSettingSet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                            std::shared_ptr<Output> const& output) {
   try {
-    std::string const& name = input->GetParameter(kOrnic);
-    auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
-    auto pnic = FindNamedPnic(*networkInfo, name, *output, MissingPnicWords::NotFound);
-    if (!pnic) return;
-    HostCtl::Network::PnicNetqueueInfo info;
-    for (int i = 0; i < HostCtl::Network::PnicNetqueueInfo::kSettingCount; ++i) {
-      if (!input->HasParameter(kLbSettings[i].parameter)) continue;
-      info.settingsMask |= 1u << i;
-      info.allowed[i] = input->GetParameterBool(kLbSettings[i].parameter);
-    }
-    if (info.settingsMask != 0) pnic->SetNetqueueInfo(info);
-    output->SetRootObject(MetaBool::New(true));
+    SetNetqueue(*input, *output, MissingPnicWords::NotFound,
+                [&](HostCtl::Network::PnicNetqueueInfo& info) {
+                  for (int i = 0; i < HostCtl::Network::PnicNetqueueInfo::kSettingCount; ++i) {
+                    if (!input->HasParameter(kLbSettings[i].parameter)) continue;
+                    info.settingsMask |= 1u << i;
+                    info.allowed[i] = input->GetParameterBool(kLbSettings[i].parameter);
+                  }
+                  return info.settingsMask != 0;
+                });
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

@@ -15,11 +15,10 @@ using namespace Toolbase::MetaObj;
 
 namespace {
 const std::string kStructure = "NetqBalState";
-const std::string kNic = "NIC";
 const std::string kEnabled = "Enabled";
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicQueueLbStateList)
+NETWORK_COMMAND_NEW(NicQueueLbStateList, Rows)
 
 NicQueueLbStateList::NicQueueLbStateList() {
   SetDescription(
@@ -30,7 +29,7 @@ NicQueueLbStateList::NicQueueLbStateList() {
 
 std::shared_ptr<MetaStruct> NicQueueLbStateList::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
-  result->SetField(kNic, MetaString::New());
+  result->SetField("NIC", MetaString::New());
   result->SetField(kEnabled, MetaBool::New());
   return result;
 }
@@ -39,25 +38,15 @@ std::shared_ptr<InputSpec> NicQueueLbStateList::GetInputSpecInternal() {
   return InputSpecOf({Optional(Shared::Ornic, "The name of pnic to get netqueue balancer state")});
 }
 
-std::shared_ptr<OutputSpec> NicQueueLbStateList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
-}
-
 void NicQueueLbStateList::ExecuteInternal(std::shared_ptr<Input> const& input,
                                           std::shared_ptr<Output> const& output) {
   try {
-    auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
-    auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
-    bool const done = WalkNetqueue(
-        *networkInfo, *input, *output, true, MissingPnicWords::InvalidName,
-        [&](HostCtl::Network::Pnic& pnic, HostCtl::Network::PnicNetqueueInfo const& info) {
-          auto row = GetOutputStructure();
-          row->SetField(kNic, pnic.GetName());
-          row->SetField(kEnabled, info.balancerEnabled);
-          list->Add(row);
+    ListNetqueueRows(
+        *input, *output, true, MissingPnicWords::InvalidName,
+        [this] { return GetOutputStructure(); },
+        [](MetaStruct& row, HostCtl::Network::PnicNetqueueInfo const& info) {
+          row.SetField(kEnabled, info.balancerEnabled);
         });
-    if (!done) return;
-    output->SetRootObject(list);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

@@ -17,7 +17,7 @@ namespace {
 const std::string kEnable = "enable";
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicQueueLbStateSet)
+NETWORK_COMMAND_NEW(NicQueueLbStateSet, Bool)
 
 NicQueueLbStateSet::NicQueueLbStateSet() {
   SetDescription("Enable/disable netqueue balancer on a NIC");
@@ -28,22 +28,15 @@ std::shared_ptr<InputSpec> NicQueueLbStateSet::GetInputSpecInternal() {
                       Required(kEnable, ParameterType::Bool, "e", "Netqueue balancer state")});
 }
 
-std::shared_ptr<OutputSpec> NicQueueLbStateSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
-}
-
 void NicQueueLbStateSet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                          std::shared_ptr<Output> const& output) {
   try {
-    std::string const& name = input->GetParameter(kOrnic);
-    auto networkInfo = HostCtl::Network::NetworkFactory::GetNetworkInfo();
-    auto pnic = FindNamedPnic(*networkInfo, name, *output, MissingPnicWords::InvalidName);
-    if (!pnic) return;
-    HostCtl::Network::PnicNetqueueInfo info;
-    info.balancerEnabled = input->GetParameterBool(kEnable);
-    info.applyBalancerState = true;
-    pnic->SetNetqueueInfo(info);
-    output->SetRootObject(MetaBool::New(true));
+    SetNetqueue(*input, *output, MissingPnicWords::InvalidName,
+                [&](HostCtl::Network::PnicNetqueueInfo& info) {
+                  info.balancerEnabled = input->GetParameterBool(kEnable);
+                  info.applyBalancerState = true;
+                  return true;
+                });
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);
   }

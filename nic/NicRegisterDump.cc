@@ -22,7 +22,7 @@ const std::string kValueField = "Value";
 constexpr size_t kRowValues = 16;
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicRegisterDump)
+NETWORK_COMMAND_NEW(NicRegisterDump, Rows)
 
 NicRegisterDump::NicRegisterDump() {
   SetDescription("Dump device registers");
@@ -31,18 +31,11 @@ NicRegisterDump::NicRegisterDump() {
 }
 
 std::shared_ptr<MetaStruct> NicRegisterDump::GetOutputStructure() {
-  auto result = MetaStruct::New(kStructure);
-  result->SetField(kOffsetField, MetaString::New());
-  result->SetField(kValueField, MetaString::New());
-  return result;
+  return TextPairStructure(kStructure, kOffsetField);
 }
 
 std::shared_ptr<InputSpec> NicRegisterDump::GetInputSpecInternal() {
   return InputSpecOf({Required(Shared::Ornic, "The name of pnic to dump registers")});
-}
-
-std::shared_ptr<OutputSpec> NicRegisterDump::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 // The Offset column counts values, 0x10 per row of 16, not bytes.

@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(NicRingCurrentGet)
+NETWORK_COMMAND_NEW(NicRingCurrentGet, Struct)
 
 NicRingCurrentGet::NicRingCurrentGet() {
   SetDescription("Get current RX/TX ring buffer parameters of a NIC");
@@ -28,10 +28,6 @@ std::shared_ptr<InputSpec> NicRingCurrentGet::GetInputSpecInternal() {
   return InputSpecOf({Required(
       Shared::NicName,
       "The name of the NIC whose current RX/TX ring buffer parameters should be retrieved.")});
-}
-
-std::shared_ptr<OutputSpec> NicRingCurrentGet::GetOutputSpecInternal() {
-  return RootSpec(GetOutputStructure());
 }
 
 void NicRingCurrentGet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -21,7 +21,7 @@ const std::string kRxJumbo = "rx-jumbo";
 const std::string kTx = "tx";
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicRingCurrentSet)
+NETWORK_COMMAND_NEW(NicRingCurrentSet, Bool)
 
 NicRingCurrentSet::NicRingCurrentSet() {
   SetDescription("Set current RX/TX ring buffer parameters of a NIC");
@@ -35,10 +35,6 @@ std::shared_ptr<InputSpec> NicRingCurrentSet::GetInputSpecInternal() {
        Optional(kRxMini, ParameterType::Int, "m", "Number of ring entries for the RX mini ring."),
        Optional(kRxJumbo, ParameterType::Int, "j", "Number of ring entries for the RX jumbo ring."),
        Optional(kTx, ParameterType::Int, "t", "Number of ring entries for the TX ring.")});
-}
-
-std::shared_ptr<OutputSpec> NicRingCurrentSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void NicRingCurrentSet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(NicRingPresetGet)
+NETWORK_COMMAND_NEW(NicRingPresetGet, Struct)
 
 NicRingPresetGet::NicRingPresetGet() {
   SetDescription("Get preset maximums for RX/TX ring buffer parameters of a NIC.");
@@ -28,10 +28,6 @@ std::shared_ptr<InputSpec> NicRingPresetGet::GetInputSpecInternal() {
   return InputSpecOf({Required(Shared::NicName,
                                "The name of the NIC whose preset maximums for RX/TX ring buffer "
                                "parameters should be retrieved.")});
-}
-
-std::shared_ptr<OutputSpec> NicRingPresetGet::GetOutputSpecInternal() {
-  return RootSpec(GetOutputStructure());
 }
 
 void NicRingPresetGet::ExecuteInternal(std::shared_ptr<Input> const& input,

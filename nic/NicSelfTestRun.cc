@@ -20,7 +20,7 @@ const std::string kItemField = "Item";
 const std::string kValueField = "Value";
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicSelfTestRun)
+NETWORK_COMMAND_NEW(NicSelfTestRun, Rows)
 
 NicSelfTestRun::NicSelfTestRun() {
   SetDescription("Run self test");
@@ -29,10 +29,7 @@ NicSelfTestRun::NicSelfTestRun() {
 }
 
 std::shared_ptr<MetaStruct> NicSelfTestRun::GetOutputStructure() {
-  auto result = MetaStruct::New(kStructure);
-  result->SetField(kItemField, MetaString::New());
-  result->SetField(kValueField, MetaString::New());
-  return result;
+  return TextPairStructure(kStructure, kItemField);
 }
 
 std::shared_ptr<InputSpec> NicSelfTestRun::GetInputSpecInternal() {
@@ -40,10 +37,6 @@ std::shared_ptr<InputSpec> NicSelfTestRun::GetInputSpecInternal() {
                       Optional(kOnline, ParameterType::Int, "o",
                                "Performing limited set of tests do not inetrrupt normal adapter "
                                "operation, default is offline")});
-}
-
-std::shared_ptr<OutputSpec> NicSelfTestRun::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 // A failed test is a result like any other, not an error.

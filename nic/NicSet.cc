@@ -51,7 +51,7 @@ const long kSpeeds[] = {10,    100,   1000,  2500,  5000,   10000,  20000,
 const std::string kWakeOnLetters = "pumbags";
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicSet)
+NETWORK_COMMAND_NEW(NicSet, Bool)
 
 NicSet::NicSet() { SetDescription("Set the general options for the specified ethernet device."); }
 
@@ -114,8 +114,6 @@ std::shared_ptr<InputSpec> NicSet::GetInputSpecInternal() {
                               "Set the speed and duplexity settings to autonegotiate."));
   return spec;
 }
-
-std::shared_ptr<OutputSpec> NicSet::GetOutputSpecInternal() { return RootSpec(MetaBool::New()); }
 
 bool NicSet::GetInfoFromParam(std::shared_ptr<Input> const& input,
                               HostCtl::Network::PnicInfo& info) {

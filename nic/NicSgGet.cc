@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(NicSgGet)
+NETWORK_COMMAND_NEW(NicSgGet, Rows)
 
 NicSgGet::NicSgGet() {
   SetDescription("Get scatter-gather settings");
@@ -27,10 +27,6 @@ std::shared_ptr<MetaStruct> NicSgGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicSgGet::GetInputSpecInternal() {
   return InputSpecOf({Optional(Shared::Ornic, "The name of pnic to get scatter-gather settings")});
-}
-
-std::shared_ptr<OutputSpec> NicSgGet::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicSgGet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(NicSgSet)
+NETWORK_COMMAND_NEW(NicSgSet, Bool)
 
 NicSgSet::NicSgSet() { SetDescription("Set scatter-gatter settings on a nic"); }
 
@@ -27,8 +27,6 @@ std::shared_ptr<InputSpec> NicSgSet::GetInputSpecInternal() {
   spec->AddParameter(enable);
   return spec;
 }
-
-std::shared_ptr<OutputSpec> NicSgSet::GetOutputSpecInternal() { return RootSpec(MetaBool::New()); }
 
 void NicSgSet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                std::shared_ptr<Output> const& output) {

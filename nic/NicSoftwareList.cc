@@ -20,7 +20,7 @@ const std::string kOn = "on";
 const std::string kOff = "off";
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicSoftwareList)
+NETWORK_COMMAND_NEW(NicSoftwareList, Rows)
 
 NicSoftwareList::NicSoftwareList() {
   SetDescription(
@@ -45,10 +45,6 @@ std::shared_ptr<MetaStruct> NicSoftwareList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicSoftwareList::GetInputSpecInternal() {
   return InputSpecOf({NewOrnicListParameter()});
-}
-
-std::shared_ptr<OutputSpec> NicSoftwareList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicSoftwareList::ExecuteInternal(std::shared_ptr<Input> const& input,

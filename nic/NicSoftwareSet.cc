@@ -14,7 +14,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(NicSoftwareSet)
+NETWORK_COMMAND_NEW(NicSoftwareSet, Bool)
 
 NicSoftwareSet::NicSoftwareSet() {
   SetDescription("Enable and disable software simulation settings on a NIC.");
@@ -29,10 +29,6 @@ std::shared_ptr<InputSpec> NicSoftwareSet::GetInputSpecInternal() {
         Optional(setting.parameter, ParameterType::Bool, nullptr, setting.description));
   }
   return spec;
-}
-
-std::shared_ptr<OutputSpec> NicSoftwareSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void NicSoftwareSet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "hostctl/pnic.h"
+#include "nic/CounterKit.h"
 #include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -18,13 +19,8 @@ using HostCtl::Network::PnicStats;
 const std::string kStructure = "Nic";
 const std::string kNicNameField = "NIC Name";
 
-// The counters as shown, in the order shown, with the field of the record
-// behind each.
-struct Counter {
-  char const* field;
-  uint64_t PnicStats::*member;
-};
-const Counter kCounters[] = {
+// The counters as shown, in the order shown.
+const Counter<PnicStats> kCounters[] = {
     {"Packets received", &PnicStats::packetsReceived},
     {"Packets sent", &PnicStats::packetsSent},
     {"Bytes received", &PnicStats::bytesReceived},
@@ -49,40 +45,26 @@ const Counter kCounters[] = {
     {"Transmit heartbeat errors", &PnicStats::transmitHeartbeatErrors},
     {"Transmit window errors", &PnicStats::transmitWindowErrors},
 };
-
-std::string FieldList() {
-  std::string fields;
-  fields.reserve(std::size(kCounters) * 24);
-  for (auto const& counter : kCounters) {
-    if (!fields.empty()) fields += ',';
-    fields += counter.field;
-  }
-  return fields;
-}
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicStatsGet)
+NETWORK_COMMAND_NEW(NicStatsGet, Rows)
 
 NicStatsGet::NicStatsGet() {
   SetDescription("Get NIC statistics for a given interface.");
   SetDefaultOutputFormatter("simple");
   SetDefaultOutputParameter("header:" + kStructure, "NIC statistics for %" + kNicNameField + "%");
-  SetDefaultOutputParameter("fields:" + kStructure, FieldList());
+  SetDefaultOutputParameter("fields:" + kStructure, CounterFields<PnicStats>(kCounters));
 }
 
 std::shared_ptr<MetaStruct> NicStatsGet::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
   result->SetField(kNicNameField, MetaString::New());
-  for (auto const& counter : kCounters) result->SetField(counter.field, MetaInt::New());
+  AddCounterFields<PnicStats>(*result, kCounters);
   return result;
 }
 
 std::shared_ptr<InputSpec> NicStatsGet::GetInputSpecInternal() {
   return InputSpecOf({Required(Shared::NicName, "Name of the NIC to get statistics from.")});
-}
-
-std::shared_ptr<OutputSpec> NicStatsGet::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicStatsGet::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -95,9 +77,7 @@ void NicStatsGet::ExecuteInternal(std::shared_ptr<Input> const& input,
     PnicStats stats;
     pnic.GetPnicStats(stats);
     nic->SetField(kNicNameField, pnic.GetName());
-    for (auto const& counter : kCounters) {
-      nic->SetField(counter.field, static_cast<unsigned long>(stats.*counter.member));
-    }
+    FillCounters<PnicStats>(*nic, kCounters, stats);
     list->Add(nic);
     output->SetRootObject(list);
   } catch (HostCtl::Lib::HostCtlException const& e) {

@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(NicTsoGet)
+NETWORK_COMMAND_NEW(NicTsoGet, Rows)
 
 NicTsoGet::NicTsoGet() {
   SetDescription("Get TCP segmentation offload settings");
@@ -27,10 +27,6 @@ std::shared_ptr<MetaStruct> NicTsoGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicTsoGet::GetInputSpecInternal() {
   return InputSpecOf({Optional(Shared::Ornic, "The name of pnic to get TSO settings")});
-}
-
-std::shared_ptr<OutputSpec> NicTsoGet::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicTsoGet::ExecuteInternal(std::shared_ptr<Input> const& input,

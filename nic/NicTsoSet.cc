@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(NicTsoSet)
+NETWORK_COMMAND_NEW(NicTsoSet, Bool)
 
 NicTsoSet::NicTsoSet() { SetDescription("Set TCP segmentation offload settings on a nic"); }
 
@@ -26,8 +26,6 @@ std::shared_ptr<InputSpec> NicTsoSet::GetInputSpecInternal() {
   spec->AddParameter(enable);
   return spec;
 }
-
-std::shared_ptr<OutputSpec> NicTsoSet::GetOutputSpecInternal() { return RootSpec(MetaBool::New()); }
 
 void NicTsoSet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                 std::shared_ptr<Output> const& output) {

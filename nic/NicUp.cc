@@ -12,15 +12,13 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(NicUp)
+NETWORK_COMMAND_NEW(NicUp, Bool)
 
 NicUp::NicUp() { SetDescription("Bring up the specified network device."); }
 
 std::shared_ptr<InputSpec> NicUp::GetInputSpecInternal() {
   return InputSpecOf({Required(Shared::NicName, kConfiguredNicHelp)});
 }
-
-std::shared_ptr<OutputSpec> NicUp::GetOutputSpecInternal() { return RootSpec(MetaBool::New()); }
 
 void NicUp::ExecuteInternal(std::shared_ptr<Input> const& input,
                             std::shared_ptr<Output> const& output) {

@@ -19,7 +19,7 @@ const std::string kPacketsReceived = "Packets received";
 const std::string kPacketsSent = "Packets sent";
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicVlanStatsGet)
+NETWORK_COMMAND_NEW(NicVlanStatsGet, Rows)
 
 NicVlanStatsGet::NicVlanStatsGet() {
   SetDescription("List VLAN statistics for active VLAN's on the NIC.");
@@ -38,10 +38,6 @@ std::shared_ptr<MetaStruct> NicVlanStatsGet::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> NicVlanStatsGet::GetInputSpecInternal() {
   return InputSpecOf({Required(Shared::NicName, "Name of the NIC to get statistics from.")});
-}
-
-std::shared_ptr<OutputSpec> NicVlanStatsGet::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void NicVlanStatsGet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -16,7 +16,7 @@ namespace {
 const std::string kEnabled = "enabled";
 }  // namespace
 
-NETWORK_COMMAND_NEW(NicVlanStatsSet)
+NETWORK_COMMAND_NEW(NicVlanStatsSet, Bool)
 
 NicVlanStatsSet::NicVlanStatsSet() {
   SetDescription("Enable/disable VLAN statistics collection on the NIC.");
@@ -26,10 +26,6 @@ std::shared_ptr<InputSpec> NicVlanStatsSet::GetInputSpecInternal() {
   return InputSpecOf({Required(Shared::NicName, "Name of the NIC to get statistics from."),
                       Required(kEnabled, ParameterType::Bool, "e",
                                "Whether to enable or disable VLAN statistics")});
-}
-
-std::shared_ptr<OutputSpec> NicVlanStatsSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void NicVlanStatsSet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -7,19 +7,12 @@
 #include <memory>
 #include <string>
 
+#include "frame/KitDeclarations.h"
 #include "hostctl/pnic.h"
 
 namespace HostCtl::Network {
 class NetworkInfo;
 }  // namespace HostCtl::Network
-namespace Toolbase::CallSpec {
-class Input;
-class Output;
-}  // namespace Toolbase::CallSpec
-namespace Toolbase::MetaObj {
-class MetaList;
-class MetaStruct;
-}  // namespace Toolbase::MetaObj
 
 namespace CorvaneCli::NetworkNamespace {
 

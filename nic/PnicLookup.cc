@@ -39,6 +39,15 @@ std::unique_ptr<HostCtl::Network::Pnic> FindNamedPnic(HostCtl::Network::NetworkI
   return pnic;
 }
 
+std::shared_ptr<Toolbase::MetaObj::MetaStruct> TextPairStructure(std::string const& structure,
+                                                                 std::string const& first) {
+  using namespace Toolbase::MetaObj;
+  auto result = MetaStruct::New(structure);
+  result->SetField(first, MetaString::New());
+  result->SetField("Value", MetaString::New());
+  return result;
+}
+
 void SetNamedPnicAdminUp(HostCtl::Network::NetworkInfo& networkInfo,
                          Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output,
                          bool up) {

@@ -7,18 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "frame/KitDeclarations.h"
+
 namespace HostCtl::Network {
 class NetworkInfo;
 class Pnic;
 }  // namespace HostCtl::Network
-namespace Toolbase::CallSpec {
-class Input;
-class Output;
-}  // namespace Toolbase::CallSpec
-namespace Toolbase::MetaObj {
-class MetaList;
-class MetaStruct;
-}  // namespace Toolbase::MetaObj
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -38,6 +32,11 @@ std::string MissingPnicMessage(MissingPnicWords words, std::string const& name);
 std::unique_ptr<HostCtl::Network::Pnic> FindNamedPnic(
     HostCtl::Network::NetworkInfo& networkInfo, std::string const& name,
     Toolbase::CallSpec::Output& output, MissingPnicWords words = MissingPnicWords::NotFound);
+
+// The row of the dumps and the self test: the text fields `first` and
+// "Value" in the record `structure`.
+std::shared_ptr<Toolbase::MetaObj::MetaStruct> TextPairStructure(std::string const& structure,
+                                                                 std::string const& first);
 
 // The help text of "nic-name" where a command works on one NIC.
 extern const char kConfiguredNicHelp[];

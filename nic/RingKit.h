@@ -6,16 +6,11 @@
 #include <memory>
 #include <string>
 
+#include "frame/KitDeclarations.h"
+
 namespace HostCtl::Network {
 class NetworkInfo;
 }  // namespace HostCtl::Network
-namespace Toolbase::CallSpec {
-class Input;
-class Output;
-}  // namespace Toolbase::CallSpec
-namespace Toolbase::MetaObj {
-class MetaStruct;
-}  // namespace Toolbase::MetaObj
 
 namespace CorvaneCli::NetworkNamespace {
 

@@ -25,7 +25,7 @@ const std::string kDescription = "Description";
 const std::string kUnknown = "Unknown";
 }  // namespace
 
-NETWORK_COMMAND_NEW(SriovNicList)
+NETWORK_COMMAND_NEW(SriovNicList, Rows)
 
 SriovNicList::SriovNicList() {
   SetDescription(
@@ -51,10 +51,6 @@ std::shared_ptr<MetaStruct> SriovNicList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> SriovNicList::GetInputSpecInternal() { return InputSpec::New(); }
-
-std::shared_ptr<OutputSpec> SriovNicList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
-}
 
 void SriovNicList::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,
                                    std::shared_ptr<Output> const& output) {

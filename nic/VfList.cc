@@ -19,7 +19,7 @@ const std::string kPciAddress = "PCI Address";
 const std::string kOwnerWorldId = "Owner World ID";
 }  // namespace
 
-NETWORK_COMMAND_NEW(VfList)
+NETWORK_COMMAND_NEW(VfList, Rows)
 
 VfList::VfList() {
   SetDescription("Get the generic configuration of VFs for SRIOV NIC.");
@@ -40,10 +40,6 @@ std::shared_ptr<InputSpec> VfList::GetInputSpecInternal() {
   return InputSpecOf({Required(Shared::NicName,
                                "The name of the SRIOV NIC to configured. This must be one of the "
                                "cards listed in the sriovNic list command.")});
-}
-
-std::shared_ptr<OutputSpec> VfList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void VfList::ExecuteInternal(std::shared_ptr<Input> const& input,

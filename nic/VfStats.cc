@@ -4,6 +4,7 @@
 
 #include "hostctl/network_info.h"
 #include "hostctl/pnic.h"
+#include "nic/CounterKit.h"
 #include "nic/NicCommands.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -23,13 +24,8 @@ const std::string kStructure = "VfStats";
 const std::string kNicNameField = "NIC Name";
 const std::string kVfIdField = "VF ID";
 
-// The counters as shown, in the order shown, with the field of the record
-// behind each.
-struct Counter {
-  char const* field;
-  uint64_t SriovNicVFStats::*member;
-};
-const Counter kCounters[] = {
+// The counters as shown, in the order shown.
+const Counter<SriovNicVFStats> kCounters[] = {
     {"Rx Unicast Pkt", &SriovNicVFStats::rxUnicastPkts},
     {"Rx Unicast Bytes", &SriovNicVFStats::rxUnicastBytes},
     {"Rx Multicast Pkts", &SriovNicVFStats::rxMulticastPkts},
@@ -51,32 +47,22 @@ const Counter kCounters[] = {
     {"Tx TSO Pkts", &SriovNicVFStats::txTsoPkts},
     {"Tx TSO Bytes", &SriovNicVFStats::txTsoBytes},
 };
-
-std::string FieldList() {
-  std::string fields;
-  fields.reserve(std::size(kCounters) * 24);
-  for (auto const& counter : kCounters) {
-    if (!fields.empty()) fields += ',';
-    fields += counter.field;
-  }
-  return fields;
-}
 }  // namespace
 
-NETWORK_COMMAND_NEW(VfStats)
+NETWORK_COMMAND_NEW(VfStats, Rows)
 
 VfStats::VfStats() {
   SetDescription("Get statistics for given VF of a SRIOV NIC.");
   SetDefaultOutputFormatter("simple");
   SetDefaultOutputParameter("header:VF", "Statistics for %vf% VF of %NIC Name%");
-  SetDefaultOutputParameter("fields:VFStats", FieldList());
+  SetDefaultOutputParameter("fields:VFStats", CounterFields<SriovNicVFStats>(kCounters));
 }
 
 std::shared_ptr<MetaStruct> VfStats::GetOutputStructure() {
   auto result = MetaStruct::New(kStructure);
   result->SetField(kNicNameField, MetaString::New());
   result->SetField(kVfIdField, MetaInt::New());
-  for (auto const& counter : kCounters) result->SetField(counter.field, MetaInt::New());
+  AddCounterFields<SriovNicVFStats>(*result, kCounters);
   return result;
 }
 
@@ -88,10 +74,6 @@ std::shared_ptr<InputSpec> VfStats::GetInputSpecInternal() {
        Required(kVfIdParameter, ParameterType::Int, "v",
                 "The VF ID of the virtual function whose stats are to be collected. This must be "
                 "one of the VF IDs listed in the sriovnic vf list command.")});
-}
-
-std::shared_ptr<OutputSpec> VfStats::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void VfStats::ExecuteInternal(std::shared_ptr<Input> const& input,
@@ -111,9 +93,7 @@ void VfStats::ExecuteInternal(std::shared_ptr<Input> const& input,
     auto entry = GetOutputStructure();
     entry->SetField(kNicNameField, name);
     entry->SetField(kVfIdField, vfId);
-    for (auto const& counter : kCounters) {
-      entry->SetField(counter.field, static_cast<unsigned long>(stats.*counter.member));
-    }
+    FillCounters<SriovNicVFStats>(*entry, kCounters, stats);
     list->Add(entry);
     output->SetRootObject(list);
   } catch (HostCtl::Lib::HostCtlException const& e) {

@@ -10,9 +10,16 @@ std::shared_ptr<Toolbase::CallSpec::ParameterSpec> NewEnsParameter(
   return Required(name, type, shortName, description);
 }
 
-std::shared_ptr<Toolbase::CallSpec::ParameterSpec> NewLcoreIdParameter(std::string const& name,
-                                                                       char const* description) {
-  return NewEnsParameter(name, "l", Toolbase::CallSpec::ParameterType::Int, description);
+namespace {
+const std::string kLcoreId = "lcore-id";
+}  // namespace
+
+std::shared_ptr<Toolbase::CallSpec::ParameterSpec> NewLcoreIdParameter(char const* description) {
+  return NewEnsParameter(kLcoreId, "l", Toolbase::CallSpec::ParameterType::Int, description);
+}
+
+unsigned long LcoreIdOf(Toolbase::CallSpec::Input const& input) {
+  return input.GetParameterInt(kLcoreId);
 }
 
 }  // namespace CorvaneCli::NetworkNamespace

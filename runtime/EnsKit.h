@@ -14,8 +14,9 @@ std::shared_ptr<Toolbase::CallSpec::ParameterSpec> NewEnsParameter(
     std::string const& name, char const* shortName, Toolbase::CallSpec::ParameterType type,
     char const* description);
 
-// The `lcore-id` parameter (short `l`, Int) with its description.
-std::shared_ptr<Toolbase::CallSpec::ParameterSpec> NewLcoreIdParameter(std::string const& name,
-                                                                       char const* description);
+// The "lcore-id" parameter (short `l`, Int) with its description, and the
+// context id it gives.
+std::shared_ptr<Toolbase::CallSpec::ParameterSpec> NewLcoreIdParameter(char const* description);
+unsigned long LcoreIdOf(Toolbase::CallSpec::Input const& input);
 
 }  // namespace CorvaneCli::NetworkNamespace

@@ -12,25 +12,17 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kLcoreId = "lcore-id";
-}  // namespace
-
-NETWORK_COMMAND_NEW(EnsLcoreAdd)
+NETWORK_COMMAND_NEW(EnsLcoreAdd, Bool)
 
 EnsLcoreAdd::EnsLcoreAdd() { SetDescription("Create ENS context."); }
 
 std::shared_ptr<InputSpec> EnsLcoreAdd::GetInputSpecInternal() {
-  return InputSpecOf({NewLcoreIdParameter(kLcoreId, "ENS context id to be created.")});
-}
-
-std::shared_ptr<OutputSpec> EnsLcoreAdd::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
+  return InputSpecOf({NewLcoreIdParameter("ENS context id to be created.")});
 }
 
 void EnsLcoreAdd::ExecuteInternal(std::shared_ptr<Input> const& input,
                                   std::shared_ptr<Output> const& output) {
-  unsigned long const lcoreId = input->GetParameterInt(kLcoreId);
+  unsigned long const lcoreId = LcoreIdOf(*input);
   try {
     output->SetRootObject(MetaBool::New(HostCtl::Network::NetworkInfo::AddLcore(lcoreId)));
   } catch (HostCtl::Lib::HostCtlException const& e) {

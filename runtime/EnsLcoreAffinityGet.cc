@@ -12,11 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kLcoreId = "lcore-id";
-}  // namespace
-
-NETWORK_COMMAND_NEW(EnsLcoreAffinityGet)
+NETWORK_COMMAND_NEW(EnsLcoreAffinityGet, Int)
 
 EnsLcoreAffinityGet::EnsLcoreAffinityGet() {
   SetDescription("Get the affinity for given ENS context.");
@@ -24,16 +20,12 @@ EnsLcoreAffinityGet::EnsLcoreAffinityGet() {
 }
 
 std::shared_ptr<InputSpec> EnsLcoreAffinityGet::GetInputSpecInternal() {
-  return InputSpecOf({NewLcoreIdParameter(kLcoreId, "ENS context id.")});
-}
-
-std::shared_ptr<OutputSpec> EnsLcoreAffinityGet::GetOutputSpecInternal() {
-  return RootSpec(MetaInt::New());
+  return InputSpecOf({NewLcoreIdParameter("ENS context id.")});
 }
 
 void EnsLcoreAffinityGet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                           std::shared_ptr<Output> const& output) {
-  unsigned long const lcoreId = input->GetParameterInt(kLcoreId);
+  unsigned long const lcoreId = LcoreIdOf(*input);
   try {
     output->SetRootObject(
         MetaInt::New(static_cast<long>(HostCtl::Network::NetworkInfo::GetLcoreAffinity(lcoreId))));

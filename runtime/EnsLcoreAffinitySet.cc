@@ -14,28 +14,23 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kLcoreId = "lcore-id";
 const std::string kAffinity = "affinity";
 }  // namespace
 
-NETWORK_COMMAND_NEW(EnsLcoreAffinitySet)
+NETWORK_COMMAND_NEW(EnsLcoreAffinitySet, Bool)
 
 EnsLcoreAffinitySet::EnsLcoreAffinitySet() {
   SetDescription("Set affinity for given ENS context.");
 }
 
 std::shared_ptr<InputSpec> EnsLcoreAffinitySet::GetInputSpecInternal() {
-  return InputSpecOf({NewLcoreIdParameter(kLcoreId, "ENS context id."),
+  return InputSpecOf({NewLcoreIdParameter("ENS context id."),
                       NewEnsParameter(kAffinity, "a", ParameterType::Int, "Numa node affinity.")});
-}
-
-std::shared_ptr<OutputSpec> EnsLcoreAffinitySet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void EnsLcoreAffinitySet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                           std::shared_ptr<Output> const& output) {
-  unsigned long const lcoreId = input->GetParameterInt(kLcoreId);
+  unsigned long const lcoreId = LcoreIdOf(*input);
   long const affinity = input->GetParameterInt(kAffinity);
   try {
     output->SetRootObject(MetaBool::New(HostCtl::Network::NetworkInfo::SetLcoreAffinity(

@@ -18,7 +18,7 @@ const std::string kSwitch = "Switch";
 const std::string kAffinity = "Affinity";
 }  // namespace
 
-NETWORK_COMMAND_NEW(EnsLcoreList)
+NETWORK_COMMAND_NEW(EnsLcoreList, Rows)
 
 EnsLcoreList::EnsLcoreList() {
   SetDescription("List ENS contexts.");
@@ -35,10 +35,6 @@ std::shared_ptr<MetaStruct> EnsLcoreList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> EnsLcoreList::GetInputSpecInternal() { return InputSpec::New(); }
-
-std::shared_ptr<OutputSpec> EnsLcoreList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
-}
 
 void EnsLcoreList::ExecuteInternal(std::shared_ptr<Input> const&,
                                    std::shared_ptr<Output> const& output) {

@@ -12,25 +12,17 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kLcoreId = "lcore-id";
-}  // namespace
-
-NETWORK_COMMAND_NEW(EnsLcoreRemove)
+NETWORK_COMMAND_NEW(EnsLcoreRemove, Bool)
 
 EnsLcoreRemove::EnsLcoreRemove() { SetDescription("Destroy ENS context."); }
 
 std::shared_ptr<InputSpec> EnsLcoreRemove::GetInputSpecInternal() {
-  return InputSpecOf({NewLcoreIdParameter(kLcoreId, "ENS context id to be destroyed.")});
-}
-
-std::shared_ptr<OutputSpec> EnsLcoreRemove::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
+  return InputSpecOf({NewLcoreIdParameter("ENS context id to be destroyed.")});
 }
 
 void EnsLcoreRemove::ExecuteInternal(std::shared_ptr<Input> const& input,
                                      std::shared_ptr<Output> const& output) {
-  unsigned long const lcoreId = input->GetParameterInt(kLcoreId);
+  unsigned long const lcoreId = LcoreIdOf(*input);
   try {
     output->SetRootObject(MetaBool::New(HostCtl::Network::NetworkInfo::RemoveLcore(lcoreId)));
   } catch (HostCtl::Lib::HostCtlException const& e) {

@@ -13,28 +13,23 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kLcoreId = "lcore-id";
 const std::string kSwitch = "switch";
 }  // namespace
 
-NETWORK_COMMAND_NEW(EnsLcoreSwitchAdd)
+NETWORK_COMMAND_NEW(EnsLcoreSwitchAdd, Bool)
 
 EnsLcoreSwitchAdd::EnsLcoreSwitchAdd() {
   SetDescription("Associate given ENS context with given switch.");
 }
 
 std::shared_ptr<InputSpec> EnsLcoreSwitchAdd::GetInputSpecInternal() {
-  return InputSpecOf({NewLcoreIdParameter(kLcoreId, "ENS context id."),
+  return InputSpecOf({NewLcoreIdParameter("ENS context id."),
                       NewEnsParameter(kSwitch, "s", ParameterType::String, "Switch name.")});
-}
-
-std::shared_ptr<OutputSpec> EnsLcoreSwitchAdd::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void EnsLcoreSwitchAdd::ExecuteInternal(std::shared_ptr<Input> const& input,
                                         std::shared_ptr<Output> const& output) {
-  unsigned long const lcoreId = input->GetParameterInt(kLcoreId);
+  unsigned long const lcoreId = LcoreIdOf(*input);
   std::string const& switchName = input->GetParameter(kSwitch);
   try {
     output->SetRootObject(

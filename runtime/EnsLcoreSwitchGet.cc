@@ -12,11 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kLcoreId = "lcore-id";
-}  // namespace
-
-NETWORK_COMMAND_NEW(EnsLcoreSwitchGet)
+NETWORK_COMMAND_NEW(EnsLcoreSwitchGet, String)
 
 EnsLcoreSwitchGet::EnsLcoreSwitchGet() {
   SetDescription("Get the switch associated with given ENS context.");
@@ -24,16 +20,12 @@ EnsLcoreSwitchGet::EnsLcoreSwitchGet() {
 }
 
 std::shared_ptr<InputSpec> EnsLcoreSwitchGet::GetInputSpecInternal() {
-  return InputSpecOf({NewLcoreIdParameter(kLcoreId, "ENS context id.")});
-}
-
-std::shared_ptr<OutputSpec> EnsLcoreSwitchGet::GetOutputSpecInternal() {
-  return RootSpec(MetaString::New());
+  return InputSpecOf({NewLcoreIdParameter("ENS context id.")});
 }
 
 void EnsLcoreSwitchGet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                         std::shared_ptr<Output> const& output) {
-  unsigned long const lcoreId = input->GetParameterInt(kLcoreId);
+  unsigned long const lcoreId = LcoreIdOf(*input);
   try {
     output->SetRootObject(MetaString::New(HostCtl::Network::NetworkInfo::GetLcoreSwitch(lcoreId)));
   } catch (HostCtl::Lib::HostCtlException const& e) {

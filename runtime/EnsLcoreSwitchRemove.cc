@@ -13,27 +13,22 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kLcoreId = "lcore-id";
 const std::string kNoSwitch = "null";
 }  // namespace
 
-NETWORK_COMMAND_NEW(EnsLcoreSwitchRemove)
+NETWORK_COMMAND_NEW(EnsLcoreSwitchRemove, Bool)
 
 EnsLcoreSwitchRemove::EnsLcoreSwitchRemove() {
   SetDescription("Disassociate given ENS context from virtual switch.");
 }
 
 std::shared_ptr<InputSpec> EnsLcoreSwitchRemove::GetInputSpecInternal() {
-  return InputSpecOf({NewLcoreIdParameter(kLcoreId, "ENS context id.")});
-}
-
-std::shared_ptr<OutputSpec> EnsLcoreSwitchRemove::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
+  return InputSpecOf({NewLcoreIdParameter("ENS context id.")});
 }
 
 void EnsLcoreSwitchRemove::ExecuteInternal(std::shared_ptr<Input> const& input,
                                            std::shared_ptr<Output> const& output) {
-  unsigned long const lcoreId = input->GetParameterInt(kLcoreId);
+  unsigned long const lcoreId = LcoreIdOf(*input);
   try {
     // There is no removing operation: associating with "null" clears the switch.
     output->SetRootObject(

@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(EnsMaxlcoresGet)
+NETWORK_COMMAND_NEW(EnsMaxlcoresGet, Int)
 
 EnsMaxlcoresGet::EnsMaxlcoresGet() {
   SetDescription("Get the maximum number of ENS contexts (lcores).");
@@ -20,10 +20,6 @@ EnsMaxlcoresGet::EnsMaxlcoresGet() {
 }
 
 std::shared_ptr<InputSpec> EnsMaxlcoresGet::GetInputSpecInternal() { return InputSpec::New(); }
-
-std::shared_ptr<OutputSpec> EnsMaxlcoresGet::GetOutputSpecInternal() {
-  return RootSpec(MetaInt::New());
-}
 
 void EnsMaxlcoresGet::ExecuteInternal(std::shared_ptr<Input> const&,
                                       std::shared_ptr<Output> const& output) {

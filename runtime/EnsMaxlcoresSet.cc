@@ -16,17 +16,13 @@ namespace {
 const std::string kMaxLcores = "maxlcores";
 }  // namespace
 
-NETWORK_COMMAND_NEW(EnsMaxlcoresSet)
+NETWORK_COMMAND_NEW(EnsMaxlcoresSet, Bool)
 
 EnsMaxlcoresSet::EnsMaxlcoresSet() { SetDescription("Set the maximum number of ENS contexts."); }
 
 std::shared_ptr<InputSpec> EnsMaxlcoresSet::GetInputSpecInternal() {
   return InputSpecOf({NewEnsParameter(kMaxLcores, "n", ParameterType::Int,
                                       "Number of maximum ENS contexts to be assigned.")});
-}
-
-std::shared_ptr<OutputSpec> EnsMaxlcoresSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void EnsMaxlcoresSet::ExecuteInternal(std::shared_ptr<Input> const& input,

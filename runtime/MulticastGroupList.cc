@@ -24,7 +24,7 @@ const std::string kGroup = "Group";
 const std::string kLinkLayer = "Link Layer";
 }  // namespace
 
-NETWORK_COMMAND_NEW(MulticastGroupList)
+NETWORK_COMMAND_NEW(MulticastGroupList, Rows)
 
 MulticastGroupList::MulticastGroupList() {
   SetDescription("List all the multicast group members.");
@@ -42,10 +42,6 @@ std::shared_ptr<MetaStruct> MulticastGroupList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> MulticastGroupList::GetInputSpecInternal() { return InputSpec::New(); }
-
-std::shared_ptr<OutputSpec> MulticastGroupList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
-}
 
 void MulticastGroupList::ExecuteInternal(std::shared_ptr<Input> const&,
                                          std::shared_ptr<Output> const& output) {

@@ -5,6 +5,7 @@
 #include "hostctl/port.h"
 #include "hostctl/virtual_switch.h"
 #include "runtime/RuntimeCommands.h"
+#include "runtime/VmPortWalk.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -37,7 +38,7 @@ bool sortFilterStats(std::unique_ptr<HostCtl::Network::FilterStats> const& a,
   return a->isOutbound ? b->chainKey < a->chainKey : a->chainKey < b->chainKey;
 }
 
-NETWORK_COMMAND_NEW(PortFilterStatsGet)
+NETWORK_COMMAND_NEW(PortFilterStatsGet, Rows)
 
 PortFilterStatsGet::PortFilterStatsGet() {
   SetDescription("Filter statistics for a given port.");
@@ -65,51 +66,34 @@ std::shared_ptr<InputSpec> PortFilterStatsGet::GetInputSpecInternal() {
                                "Port ID for the port to get filter statistics.")});
 }
 
-std::shared_ptr<OutputSpec> PortFilterStatsGet::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
-}
-
 void PortFilterStatsGet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                          std::shared_ptr<Output> const& output) {
   try {
     auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
     long wanted = std::strtol(input->GetParameter(kPortid).c_str(), nullptr, 10);
-    OrvkCtl::Network::VirtualSwitchInfoImpl switchInfo;
-    bool found = false;
-    for (auto const& portset : switchInfo.GetAllSwitches()) {
-      for (auto const& entry : portset->GetPorts()) {
-        if (entry->GetId() != wanted) continue;
-        auto* port = dynamic_cast<OrvkCtl::Network::PortImpl*>(entry.get());
-        if (!port) continue;
-        auto filters = port->GetFilterStats();
-        std::sort(filters.begin(), filters.end(), sortFilterStats);
-        for (auto const& filter : filters) {
-          if (!filter->active) continue;
-          bool reversed = port->GetType() == kReversedPortType;
-          auto row = GetOutputStructure();
-          row->SetField(kFilterName, filter->name);
-          row->SetField(kFilterDirection, filter->isOutbound != reversed ? kTransmit : kReceive);
-          row->SetField(kPacketsIn, static_cast<long>(filter->packetsIn));
-          row->SetField(kPacketsOut, static_cast<long>(filter->packetsOut));
-          row->SetField(kPacketsDropped, static_cast<long>(filter->packetsDropped));
-          if (filter->hasDetail) {
-            row->SetField(kPacketsFiltered, static_cast<long>(filter->packetsFiltered));
-            row->SetField(kPacketsFaulted, static_cast<long>(filter->packetsFaulted));
-            row->SetField(kPacketsQueued, static_cast<long>(filter->packetsQueued));
-            row->SetField(kPacketsInjected, static_cast<long>(filter->packetsInjected));
-            row->SetField(kPacketErrors, static_cast<long>(filter->packetErrors));
-          }
-          list->Add(row);
+    bool found = VisitPortById(wanted, *output, [&](OrvkCtl::Network::PortImpl& port) {
+      auto filters = port.GetFilterStats();
+      std::sort(filters.begin(), filters.end(), sortFilterStats);
+      for (auto const& filter : filters) {
+        if (!filter->active) continue;
+        bool reversed = port.GetType() == kReversedPortType;
+        auto row = GetOutputStructure();
+        row->SetField(kFilterName, filter->name);
+        row->SetField(kFilterDirection, filter->isOutbound != reversed ? kTransmit : kReceive);
+        row->SetField(kPacketsIn, static_cast<long>(filter->packetsIn));
+        row->SetField(kPacketsOut, static_cast<long>(filter->packetsOut));
+        row->SetField(kPacketsDropped, static_cast<long>(filter->packetsDropped));
+        if (filter->hasDetail) {
+          row->SetField(kPacketsFiltered, static_cast<long>(filter->packetsFiltered));
+          row->SetField(kPacketsFaulted, static_cast<long>(filter->packetsFaulted));
+          row->SetField(kPacketsQueued, static_cast<long>(filter->packetsQueued));
+          row->SetField(kPacketsInjected, static_cast<long>(filter->packetsInjected));
+          row->SetField(kPacketErrors, static_cast<long>(filter->packetErrors));
         }
-        found = true;
-        break;
+        list->Add(row);
       }
-      if (found) break;
-    }
-    if (!found) {
-      output->AddErrorMessage("Couldn't find requested port");
-      return;
-    }
+    });
+    if (!found) return;
     output->SetRootObject(list);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage("Unable to get filter stats for port: " + e.message);

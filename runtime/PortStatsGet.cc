@@ -4,6 +4,7 @@
 #include "hostctl/port.h"
 #include "hostctl/virtual_switch.h"
 #include "runtime/RuntimeCommands.h"
+#include "runtime/VmPortWalk.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
 
@@ -29,7 +30,7 @@ const std::string kReceiveDropped = "Receive packets dropped";
 const std::string kTransmitDropped = "Transmit packets dropped";
 }  // namespace
 
-NETWORK_COMMAND_NEW(PortStatsGet)
+NETWORK_COMMAND_NEW(PortStatsGet, Rows)
 
 PortStatsGet::PortStatsGet() {
   SetDescription("Packet statistics for a given port.");
@@ -58,53 +59,36 @@ std::shared_ptr<InputSpec> PortStatsGet::GetInputSpecInternal() {
       {Required(kPortid, ParameterType::Int, "p", "Port ID for the port to get statistics.")});
 }
 
-std::shared_ptr<OutputSpec> PortStatsGet::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
-}
-
 void PortStatsGet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                    std::shared_ptr<Output> const& output) {
   try {
     auto list = MetaList::New(MetaType::Struct, GetOutputStructure());
     long wanted = std::strtol(input->GetParameter(kPortid).c_str(), nullptr, 10);
-    OrvkCtl::Network::VirtualSwitchInfoImpl switchInfo;
-    bool found = false;
-    for (auto const& portset : switchInfo.GetAllSwitches()) {
-      for (auto const& entry : portset->GetPorts()) {
-        if (entry->GetId() != wanted) continue;
-        auto* port = dynamic_cast<OrvkCtl::Network::PortImpl*>(entry.get());
-        if (!port) continue;
-        HostCtl::Network::PortStats portStats = port->GetPortStats();
-        HostCtl::Network::PacketStats packets{};
-        port->GetPacketStats(packets);
-        auto row = GetOutputStructure();
-        row->SetField(kPortId, port->GetId());
-        row->SetField(kPacketsReceived, static_cast<long>(packets.packetsReceived));
-        row->SetField(kPacketsSent, static_cast<long>(packets.packetsSent));
-        row->SetField(kBytesReceived, static_cast<long>(portStats.bytesReceived));
-        row->SetField(kBytesSent, static_cast<long>(portStats.bytesSent));
-        row->SetField(kBroadcastReceived, static_cast<long>(packets.broadcastPacketsReceived));
-        row->SetField(kBroadcastSent, static_cast<long>(packets.broadcastPacketsSent));
-        row->SetField(kMulticastReceived, static_cast<long>(packets.multicastPacketsReceived));
-        row->SetField(kMulticastSent, static_cast<long>(packets.multicastPacketsSent));
-        row->SetField(kUnicastReceived,
-                      static_cast<long>(packets.packetsReceived - packets.multicastPacketsReceived -
-                                        packets.broadcastPacketsReceived));
-        row->SetField(kUnicastSent,
-                      static_cast<long>(packets.packetsSent - packets.multicastPacketsSent -
-                                        packets.broadcastPacketsSent));
-        row->SetField(kReceiveDropped, static_cast<long>(packets.receivePacketsDropped));
-        row->SetField(kTransmitDropped, static_cast<long>(packets.transmitPacketsDropped));
-        list->Add(row);
-        found = true;
-        break;
-      }
-      if (found) break;
-    }
-    if (!found) {
-      output->AddErrorMessage("Couldn't find requested port");
-      return;
-    }
+    bool found = VisitPortById(wanted, *output, [&](OrvkCtl::Network::PortImpl& port) {
+      HostCtl::Network::PortStats portStats = port.GetPortStats();
+      HostCtl::Network::PacketStats packets{};
+      port.GetPacketStats(packets);
+      auto row = GetOutputStructure();
+      row->SetField(kPortId, port.GetId());
+      row->SetField(kPacketsReceived, static_cast<long>(packets.packetsReceived));
+      row->SetField(kPacketsSent, static_cast<long>(packets.packetsSent));
+      row->SetField(kBytesReceived, static_cast<long>(portStats.bytesReceived));
+      row->SetField(kBytesSent, static_cast<long>(portStats.bytesSent));
+      row->SetField(kBroadcastReceived, static_cast<long>(packets.broadcastPacketsReceived));
+      row->SetField(kBroadcastSent, static_cast<long>(packets.broadcastPacketsSent));
+      row->SetField(kMulticastReceived, static_cast<long>(packets.multicastPacketsReceived));
+      row->SetField(kMulticastSent, static_cast<long>(packets.multicastPacketsSent));
+      row->SetField(kUnicastReceived,
+                    static_cast<long>(packets.packetsReceived - packets.multicastPacketsReceived -
+                                      packets.broadcastPacketsReceived));
+      row->SetField(kUnicastSent,
+                    static_cast<long>(packets.packetsSent - packets.multicastPacketsSent -
+                                      packets.broadcastPacketsSent));
+      row->SetField(kReceiveDropped, static_cast<long>(packets.receivePacketsDropped));
+      row->SetField(kTransmitDropped, static_cast<long>(packets.transmitPacketsDropped));
+      list->Add(row);
+    });
+    if (!found) return;
     output->SetRootObject(list);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage("Unable to get stats for port: " + e.message);

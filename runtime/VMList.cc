@@ -24,7 +24,7 @@ const std::string kNetworks = "Networks";
 constexpr size_t kWorldNamePrefix = 5;
 }  // namespace
 
-NETWORK_COMMAND_NEW(VMList)
+NETWORK_COMMAND_NEW(VMList, Rows)
 
 VMList::VMList() {
   SetDescription("List networking information for the VM's that have active ports.");
@@ -42,10 +42,6 @@ std::shared_ptr<MetaStruct> VMList::GetOutputStructure() {
 }
 
 std::shared_ptr<InputSpec> VMList::GetInputSpecInternal() { return InputSpec::New(); }
-
-std::shared_ptr<OutputSpec> VMList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
-}
 
 void VMList::ExecuteInternal(std::shared_ptr<Input> const&, std::shared_ptr<Output> const& output) {
   try {

@@ -31,7 +31,7 @@ const std::string kUplinkPortId = "Uplink Port ID";
 const std::string kActiveFilters = "Active Filters";
 }  // namespace
 
-NETWORK_COMMAND_NEW(VMPortList)
+NETWORK_COMMAND_NEW(VMPortList, Rows)
 
 VMPortList::VMPortList() {
   SetDescription("List of active ports for a given VM.");
@@ -56,10 +56,6 @@ std::shared_ptr<MetaStruct> VMPortList::GetOutputStructure() {
 std::shared_ptr<InputSpec> VMPortList::GetInputSpecInternal() {
   return InputSpecOf(
       {Required(kWorldIdParam, ParameterType::Int, "w", "World ID of the VM for listing ports.")});
-}
-
-std::shared_ptr<OutputSpec> VMPortList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void VMPortList::ExecuteInternal(std::shared_ptr<Input> const& input,

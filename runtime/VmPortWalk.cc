@@ -3,6 +3,7 @@
 #include "hostctl/dvswitch.h"
 #include "hostctl/port.h"
 #include "hostctl/virtual_switch.h"
+#include "toolbase/call_spec.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -31,6 +32,22 @@ std::string DVPortgroupOf(HostCtl::Network::Portset& portset, OrvkCtl::Network::
   if (!impl) return std::string();
   OrvkCtl::Network::DVPortImpl dvport(port.GetDVPortID(), impl->GetDvsIdentifier());
   return dvport.GetDVPortgroupId();
+}
+
+bool VisitPortById(long wanted, Toolbase::CallSpec::Output& output,
+                   std::function<void(OrvkCtl::Network::PortImpl& port)> const& visit) {
+  OrvkCtl::Network::VirtualSwitchInfoImpl switchInfo;
+  for (auto const& portset : switchInfo.GetAllSwitches()) {
+    for (auto const& entry : portset->GetPorts()) {
+      if (entry->GetId() != wanted) continue;
+      auto* port = dynamic_cast<OrvkCtl::Network::PortImpl*>(entry.get());
+      if (!port) continue;
+      visit(*port);
+      return true;
+    }
+  }
+  output.AddErrorMessage("Couldn't find requested port");
+  return false;
 }
 
 }  // namespace CorvaneCli::NetworkNamespace

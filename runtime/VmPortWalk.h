@@ -1,6 +1,6 @@
-// The walk both VM views share: every port of every switch that a VM's world
-// leads, with the kind of its switch, which decides where the port's network
-// and switch name come from.
+// The walks over the ports of all switches. The one both VM views share: every port of every switch
+// that a VM's world leads, with the kind of its switch, which decides where the port's network and
+// switch name come from.
 #pragma once
 
 #include <cstdint>
@@ -13,6 +13,9 @@ class Portset;
 namespace OrvkCtl::Network {
 class PortImpl;
 }  // namespace OrvkCtl::Network
+namespace Toolbase::CallSpec {
+class Output;
+}  // namespace Toolbase::CallSpec
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -36,5 +39,12 @@ void WalkVmPorts(bool askDistributed, VmPortVisitor const& visit);
 
 // The DV port group id of a port of a distributed switch.
 std::string DVPortgroupOf(HostCtl::Network::Portset& portset, OrvkCtl::Network::PortImpl& port);
+
+// The port statistics lookup: calls `visit` for the first port, switch by
+// switch in the host's order, whose id is `wanted` and that is the host's own
+// implementation. False after adding "Couldn't find requested port" when no
+// switch has one.
+bool VisitPortById(long wanted, Toolbase::CallSpec::Output& output,
+                   std::function<void(OrvkCtl::Network::PortImpl& port)> const& visit);
 
 }  // namespace CorvaneCli::NetworkNamespace

@@ -61,7 +61,7 @@ char const* const kLoadBalanceWords[] = {
 std::string ModeWord(int mode) { return mode == 1 ? "Active" : mode == 2 ? "Passive" : "None"; }
 }  // namespace
 
-NETWORK_COMMAND_NEW(LacpGetConfig)
+NETWORK_COMMAND_NEW(LacpGetConfig, Rows)
 
 LacpGetConfig::LacpGetConfig() {
   SetDescription("Get LACP configuration on DVS");
@@ -83,10 +83,6 @@ std::shared_ptr<MetaStruct> LacpGetConfig::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> LacpGetConfig::GetInputSpecInternal() {
   return InputSpecOf({NewLacpDvsParameter(kDvs)});
-}
-
-std::shared_ptr<OutputSpec> LacpGetConfig::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void LacpGetConfig::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -29,7 +29,7 @@ const std::string kFields =
 constexpr size_t kTextWidth = 32;
 }  // namespace
 
-NETWORK_COMMAND_NEW(LacpGetStats)
+NETWORK_COMMAND_NEW(LacpGetStats, Rows)
 
 LacpGetStats::LacpGetStats() {
   SetDescription("Get LACP stats on DVS uplinks");
@@ -49,10 +49,6 @@ std::shared_ptr<MetaStruct> LacpGetStats::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> LacpGetStats::GetInputSpecInternal() {
   return InputSpecOf({NewLacpDvsParameter(kDvs)});
-}
-
-std::shared_ptr<OutputSpec> LacpGetStats::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void LacpGetStats::ExecuteInternal(std::shared_ptr<Input> const& input,

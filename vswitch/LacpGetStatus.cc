@@ -52,7 +52,7 @@ char const* const kLegend[] = {
 constexpr size_t kTextWidth = 32;
 }  // namespace
 
-NETWORK_COMMAND_NEW(LacpGetStatus)
+NETWORK_COMMAND_NEW(LacpGetStatus, Rows)
 
 LacpGetStatus::LacpGetStatus() {
   SetDescription("Get LACP status on DVS");
@@ -111,10 +111,6 @@ std::shared_ptr<MetaStruct> LacpGetStatus::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> LacpGetStatus::GetInputSpecInternal() {
   return InputSpecOf({NewLacpDvsParameter(kDvs)});
-}
-
-std::shared_ptr<OutputSpec> LacpGetStatus::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
 }
 
 void LacpGetStatus::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -8,14 +8,11 @@
 #include <string>
 #include <vector>
 
+#include "frame/KitDeclarations.h"
+
 namespace HostCtl::Network {
 class DVSwitch;
 }  // namespace HostCtl::Network
-namespace Toolbase::CallSpec {
-class Input;
-class Output;
-class ParameterSpec;
-}  // namespace Toolbase::CallSpec
 
 namespace CorvaneCli::NetworkNamespace {
 

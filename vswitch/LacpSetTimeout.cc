@@ -18,7 +18,7 @@ const std::string kLagId = "lag-id";
 const std::string kKds = "kds";
 }  // namespace
 
-NETWORK_COMMAND_NEW(LacpSetTimeout)
+NETWORK_COMMAND_NEW(LacpSetTimeout, Bool)
 
 LacpSetTimeout::LacpSetTimeout() {
   SetDescription("Set long/short timeout for ornics in one LACP LAG");
@@ -32,10 +32,6 @@ std::shared_ptr<InputSpec> LacpSetTimeout::GetInputSpecInternal() {
                 "The nic name. If it is set, then only this ornic in the lag will be configured."),
        Required(kLagId, ParameterType::Int, "l", "The ID of LAG to be configured."),
        Required(kKds, ParameterType::String, "s", "The name of KDS.")});
-}
-
-std::shared_ptr<OutputSpec> LacpSetTimeout::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void LacpSetTimeout::ExecuteInternal(std::shared_ptr<Input> const& input,

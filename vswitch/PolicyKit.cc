@@ -28,6 +28,8 @@ using HostCtl::Network::TeamPolicyType;
 
 namespace {
 
+const std::string kUseVswitch = "use-vswitch";
+
 const std::string kAllowPromiscuous = "allow-promiscuous";
 const std::string kAllowMacChange = "allow-mac-change";
 const std::string kAllowForgedTransmits = "allow-forged-transmits";
@@ -425,16 +427,40 @@ void FillShapingFields(MetaStruct& record, ShapingPolicy const& effective) {
   record.SetField(kBurstSizeField, burst);
 }
 
+void AddOverrideFields(MetaStruct& record, std::span<OverrideField const> fields) {
+  for (auto const& field : fields) record.SetField(field.field, MetaBool::New());
+}
+
+void FillOverrideFields(MetaStruct& record, std::span<OverrideField const> fields, uint32_t mask) {
+  for (auto const& field : fields) record.SetField(field.field, (mask & field.bit) != 0);
+}
+
+std::shared_ptr<InputSpec> PortGroupPolicySpec(char const* groupHelp, char const* gap) {
+  return InputSpecOf(
+      {Required(Shared::PortgroupName, groupHelp),
+       Optional(kUseVswitch, Flag, "u",
+                std::string("Reset all values for this policy to use parent virtual switch's "
+                            "settings instead of overriding the settings for the port group.") +
+                    gap +
+                    "Using this in conjunction with other settings will first reset all of the "
+                    "fields to use the virtual switch setting and then apply the other options "
+                    "after the reset.")});
+}
+
+bool UsesVswitchPolicy(Input const& input) { return input.IsFlagSet(kUseVswitch); }
+
 std::unique_ptr<HostCtl::Network::PortGroup> FindPolicyPortGroup(
-    std::string const& name, Toolbase::CallSpec::Output& output) {
+    Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output) {
+  std::string const& name = input.GetParameter(kPortgroupName);
   auto group = HostCtl::Network::NetworkFactory::GetPortGroupByName(name);
   if (!group) output.AddErrorMessage("Unable to find a port group with the name " + name);
   return group;
 }
 
 std::unique_ptr<HostCtl::Network::VirtualSwitch> FindPolicyStandardSwitch(
-    OrvkCtl::Network::VirtualSwitchInfoImpl& switchInfo, std::string const& name,
+    OrvkCtl::Network::VirtualSwitchInfoImpl& switchInfo, Toolbase::CallSpec::Input const& input,
     Toolbase::CallSpec::Output& output) {
+  std::string const& name = input.GetParameter(kVswitchName);
   std::unique_ptr<HostCtl::Network::VirtualSwitch> vswitch;
   if (OrvkCtl::Network::PortsetImpl::IsValidVirtualSwitch(name)) {
     vswitch = switchInfo.GetVirtualSwitchByName(name);

@@ -9,18 +9,14 @@
 // when it is false. Exceptions of the host control library pass through.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
-namespace Toolbase::CallSpec {
-class Input;
-class InputSpec;
-class Output;
-}  // namespace Toolbase::CallSpec
-namespace Toolbase::MetaObj {
-class MetaStruct;
-}  // namespace Toolbase::MetaObj
+#include "frame/KitDeclarations.h"
+
 namespace HostCtl::Network {
 class PortGroup;
 class VirtualSwitch;
@@ -97,16 +93,38 @@ void AddShapingFields(Toolbase::MetaObj::MetaStruct& record);
 void FillShapingFields(Toolbase::MetaObj::MetaStruct& record,
                        HostCtl::Network::ShapingPolicy const& effective);
 
-// The port group `name` of a port group policy command; null after adding
-// "Unable to find a port group with the name <name>".
-std::unique_ptr<HostCtl::Network::PortGroup> FindPolicyPortGroup(
-    std::string const& name, Toolbase::CallSpec::Output& output);
+// One "Override Vswitch ..." field of a port group `get`: its label and the
+// bit of the configured policy's set mask that it shows.
+struct OverrideField {
+  char const* field;
+  uint32_t bit;
+};
+// Adds the fields, empty truth values, to `record`.
+void AddOverrideFields(Toolbase::MetaObj::MetaStruct& record,
+                       std::span<OverrideField const> fields);
+// Sets each field to whether its bit is set in `mask`.
+void FillOverrideFields(Toolbase::MetaObj::MetaStruct& record,
+                        std::span<OverrideField const> fields, uint32_t mask);
 
-// The standard switch `name` of a switch policy command, asked of the host's
+// The first parameters of a port group `set`: "portgroup-name" (-p) with
+// `groupHelp`, then the flag "use-vswitch" (-u), whose help has `gap` between
+// its first two sentences.
+std::shared_ptr<Toolbase::CallSpec::InputSpec> PortGroupPolicySpec(char const* groupHelp,
+                                                                   char const* gap = " ");
+// Whether "use-vswitch" was given: the configured policy is reset to the
+// switch's before the other options apply.
+bool UsesVswitchPolicy(Toolbase::CallSpec::Input const& input);
+
+// The port group that "portgroup-name" names, for a port group policy
+// command; null after adding "Unable to find a port group with the name <name>".
+std::unique_ptr<HostCtl::Network::PortGroup> FindPolicyPortGroup(
+    Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output);
+
+// The standard switch that "vswitch-name" names, for a switch policy command, asked of the host's
 // switch list first and then of `switchInfo`; null after adding "Unable to
 // find a legacy virtual switch with the name <name>" when either has none.
 std::unique_ptr<HostCtl::Network::VirtualSwitch> FindPolicyStandardSwitch(
-    OrvkCtl::Network::VirtualSwitchInfoImpl& switchInfo, std::string const& name,
+    OrvkCtl::Network::VirtualSwitchInfoImpl& switchInfo, Toolbase::CallSpec::Input const& input,
     Toolbase::CallSpec::Output& output);
 
 }  // namespace CorvaneCli::NetworkNamespace

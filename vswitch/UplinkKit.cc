@@ -1,9 +1,12 @@
 #include "vswitch/UplinkKit.h"
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 #include "frame/CommandKit.h"
 #include "hostctl/network_info.h"
+#include "hostctl/pnic.h"
 #include "hostctl/virtual_switch.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
@@ -31,6 +34,23 @@ void ChangeUplink(Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Ou
     }
   }
   output.SetRootObject(Toolbase::MetaObj::MetaBool::New(true));
+}
+
+std::vector<std::string> HostPnicNames() {
+  std::vector<std::string> names;
+  OrvkCtl::Network::NetworkInfoImpl networkInfo;
+  for (auto const& pnic : networkInfo.GetPnics()) {
+    if (pnic) names.push_back(pnic->GetName());
+  }
+  return names;
+}
+
+std::vector<std::string> PhysicalUplinks(std::vector<std::string> uplinks,
+                                         std::vector<std::string> const& pnicNames) {
+  std::erase_if(uplinks, [&](std::string const& uplink) {
+    return std::find(pnicNames.begin(), pnicNames.end(), uplink) == pnicNames.end();
+  });
+  return uplinks;
 }
 
 }  // namespace CorvaneCli::NetworkNamespace

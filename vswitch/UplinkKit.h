@@ -4,12 +4,9 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
-namespace Toolbase::CallSpec {
-class Input;
-class Output;
-class ParameterSpec;
-}  // namespace Toolbase::CallSpec
+#include "frame/KitDeclarations.h"
 
 namespace CorvaneCli::NetworkNamespace {
 
@@ -24,5 +21,12 @@ std::shared_ptr<Toolbase::CallSpec::ParameterSpec> UplinkNameParameter(std::stri
 // failure of the host passes on as HostCtlException.
 void ChangeUplink(Toolbase::CallSpec::Input const& input, Toolbase::CallSpec::Output& output,
                   UplinkChange change);
+
+// The names of the host's physical NICs, in the host's order; the listings
+// show a switch's uplinks only where they are among them.
+std::vector<std::string> HostPnicNames();
+// `uplinks` without the names that are not in `pnicNames`, in their order.
+std::vector<std::string> PhysicalUplinks(std::vector<std::string> uplinks,
+                                         std::vector<std::string> const& pnicNames);
 
 }  // namespace CorvaneCli::NetworkNamespace

@@ -8,6 +8,7 @@
 #include "hostctl/virtual_switch.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
+#include "vswitch/UplinkKit.h"
 #include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
@@ -35,7 +36,7 @@ const std::string kDVPortgroupId = "DVPortgroup ID";
 const std::string kClient = "Client";
 }  // namespace
 
-NETWORK_COMMAND_NEW(VirtualSwitchDVSCorvaneList)
+NETWORK_COMMAND_NEW(VirtualSwitchDVSCorvaneList, Rows)
 
 VirtualSwitchDVSCorvaneList::VirtualSwitchDVSCorvaneList() {
   SetDescription(
@@ -79,10 +80,6 @@ std::shared_ptr<InputSpec> VirtualSwitchDVSCorvaneList::GetInputSpecInternal() {
                 "Limit the output of this command to only kDS with the given name.")});
 }
 
-std::shared_ptr<OutputSpec> VirtualSwitchDVSCorvaneList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(MetaType::Struct, GetOutputStructure()));
-}
-
 std::shared_ptr<MetaList> VirtualSwitchDVSCorvaneList::GetDVPortList(
     std::vector<std::unique_ptr<HostCtl::Network::DVPort>> const& ports) {
   auto list = MetaList::New(MetaType::Struct, GetDVPortStructure());
@@ -115,11 +112,7 @@ void VirtualSwitchDVSCorvaneList::ExecuteInternal(std::shared_ptr<Input> const& 
       switches.push_back(HostCtl::Network::NetworkFactory::GetDVSwitchByName(name));
     }
 
-    std::vector<std::string> pnicNames;
-    OrvkCtl::Network::NetworkInfoImpl networkInfo;
-    for (auto const& pnic : networkInfo.GetPnics()) {
-      if (pnic) pnicNames.push_back(pnic->GetName());
-    }
+    std::vector<std::string> const pnicNames = HostPnicNames();
 
     auto result = MetaList::New(MetaType::Struct, GetOutputStructure());
     for (auto const& entry : switches) {
@@ -141,11 +134,7 @@ void VirtualSwitchDVSCorvaneList::ExecuteInternal(std::shared_ptr<Input> const& 
       record->SetField(kCorvaneBranded, dvs->IsCorvaneBranded());
       record->SetField(kDVPort, GetDVPortList(dvs->GetDVPorts()));
 
-      std::vector<std::string> uplinks = dvs->GetUplinks();
-      std::erase_if(uplinks, [&](std::string const& uplink) {
-        return std::find(pnicNames.begin(), pnicNames.end(), uplink) == pnicNames.end();
-      });
-      record->SetField(kUplinks, uplinks);
+      record->SetField(kUplinks, PhysicalUplinks(dvs->GetUplinks(), pnicNames));
       result->Add(record);
     }
     output->SetRootObject(result);

@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(VirtualSwitchPortGroupAdd)
+NETWORK_COMMAND_NEW(VirtualSwitchPortGroupAdd, Bool)
 
 VirtualSwitchPortGroupAdd::VirtualSwitchPortGroupAdd() {
   SetDescription("Allows the addition of a standard port group to a virtual switch.");
@@ -22,10 +22,6 @@ std::shared_ptr<InputSpec> VirtualSwitchPortGroupAdd::GetInputSpecInternal() {
   return InputSpecOf(
       {Required(Shared::PortgroupName, "The name of the port group to add"),
        Required(Shared::VswitchName, "The virtual switch to add the port group to.")});
-}
-
-std::shared_ptr<OutputSpec> VirtualSwitchPortGroupAdd::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchPortGroupAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -18,7 +18,7 @@ const std::string kActiveClients = "Active Clients";
 const std::string kVlanId = "VLAN ID";
 }  // namespace
 
-NETWORK_COMMAND_NEW(VirtualSwitchPortGroupList)
+NETWORK_COMMAND_NEW(VirtualSwitchPortGroupList, Rows)
 
 VirtualSwitchPortGroupList::VirtualSwitchPortGroupList() {
   SetDescription("List all of the port groups currently on the system.");
@@ -37,10 +37,6 @@ std::shared_ptr<MetaStruct> VirtualSwitchPortGroupList::GetOutputStructure() {
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupList::GetInputSpecInternal() {
   return InputSpec::New();
-}
-
-std::shared_ptr<OutputSpec> VirtualSwitchPortGroupList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(Toolbase::MetaObj::Struct, GetOutputStructure()));
 }
 
 void VirtualSwitchPortGroupList::ExecuteInternal(std::shared_ptr<Input> const& /*input*/,

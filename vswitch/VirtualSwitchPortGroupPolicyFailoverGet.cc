@@ -15,14 +15,19 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kOverrideLoadBalancing = "Override Vswitch Load Balancing";
-const std::string kOverrideFailureDetection = "Override Vswitch Network Failure Detection";
-const std::string kOverrideNotifySwitches = "Override Vswitch Notify Switches";
-const std::string kOverrideFailback = "Override Vswitch Failback";
-const std::string kOverrideUplinks = "Override Vswitch Uplinks";
+using HostCtl::Network::NicTeamingPolicy;
+
+// The overrides shown, in the order shown.
+const OverrideField kOverrides[] = {
+    {"Override Vswitch Load Balancing", NicTeamingPolicy::TEAM_POLICY_BIT},
+    {"Override Vswitch Network Failure Detection", NicTeamingPolicy::LINK_CRITERIA_BIT},
+    {"Override Vswitch Notify Switches", NicTeamingPolicy::NOTIFY_SWITCH_BIT},
+    {"Override Vswitch Failback", NicTeamingPolicy::ROLLING_RESTORATION_BIT},
+    {"Override Vswitch Uplinks", NicTeamingPolicy::UPLINK_ORDER_BIT},
+};
 }  // namespace
 
-NETWORK_COMMAND_NEW(VirtualSwitchPortGroupPolicyFailoverGet)
+NETWORK_COMMAND_NEW(VirtualSwitchPortGroupPolicyFailoverGet, Struct)
 
 VirtualSwitchPortGroupPolicyFailoverGet::VirtualSwitchPortGroupPolicyFailoverGet() {
   SetDescription("Get the network failover policy settings governing the given port group");
@@ -39,11 +44,7 @@ VirtualSwitchPortGroupPolicyFailoverGet::VirtualSwitchPortGroupPolicyFailoverGet
 std::shared_ptr<MetaStruct> VirtualSwitchPortGroupPolicyFailoverGet::GetOutputStructure() {
   auto result = MetaStruct::New("PortGroupFailoverPolicy");
   AddFailoverFields(*result);
-  result->SetField(kOverrideLoadBalancing, MetaBool::New());
-  result->SetField(kOverrideFailureDetection, MetaBool::New());
-  result->SetField(kOverrideNotifySwitches, MetaBool::New());
-  result->SetField(kOverrideFailback, MetaBool::New());
-  result->SetField(kOverrideUplinks, MetaBool::New());
+  AddOverrideFields(*result, kOverrides);
   return result;
 }
 
@@ -53,28 +54,17 @@ std::shared_ptr<InputSpec> VirtualSwitchPortGroupPolicyFailoverGet::GetInputSpec
       "The name of the port group to use when fetching the port group failover policy.")});
 }
 
-std::shared_ptr<OutputSpec> VirtualSwitchPortGroupPolicyFailoverGet::GetOutputSpecInternal() {
-  return RootSpec(GetOutputStructure());
-}
-
 void VirtualSwitchPortGroupPolicyFailoverGet::ExecuteInternal(
     std::shared_ptr<Input> const& input, std::shared_ptr<Output> const& output) {
   try {
-    std::string const& name = input->GetParameter(kPortgroupName);
-    auto group = FindPolicyPortGroup(name, *output);
+    auto group = FindPolicyPortGroup(*input, *output);
     if (!group) return;
     auto vswitch = group->GetVirtualSwitch();
-    HostCtl::Network::NicTeamingPolicy effective = group->GetEffectiveTeamingPolicy();
-    HostCtl::Network::NicTeamingPolicy configured = group->GetConfiguredTeamingPolicy();
+    NicTeamingPolicy effective = group->GetEffectiveTeamingPolicy();
+    NicTeamingPolicy configured = group->GetConfiguredTeamingPolicy();
     auto result = GetOutputStructure();
     FillFailoverFields(*result, effective, vswitch->GetConnectedUplinks());
-    using HostCtl::Network::NicTeamingPolicy;
-    uint32_t mask = configured.setMask;
-    result->SetField(kOverrideLoadBalancing, (mask & NicTeamingPolicy::TEAM_POLICY_BIT) != 0);
-    result->SetField(kOverrideFailureDetection, (mask & NicTeamingPolicy::LINK_CRITERIA_BIT) != 0);
-    result->SetField(kOverrideNotifySwitches, (mask & NicTeamingPolicy::NOTIFY_SWITCH_BIT) != 0);
-    result->SetField(kOverrideFailback, (mask & NicTeamingPolicy::ROLLING_RESTORATION_BIT) != 0);
-    result->SetField(kOverrideUplinks, (mask & NicTeamingPolicy::UPLINK_ORDER_BIT) != 0);
+    FillOverrideFields(*result, kOverrides, configured.setMask);
     output->SetRootObject(result);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);

@@ -14,12 +14,17 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kOverridePromiscuous = "Override Vswitch Allow Promiscuous";
-const std::string kOverrideMacChange = "Override Vswitch Allow MAC Address Change";
-const std::string kOverrideForgedTransmits = "Override Vswitch Allow Forged Transmits";
+using HostCtl::Network::PortSecurityPolicy;
+
+// The overrides shown, in the order shown.
+const OverrideField kOverrides[] = {
+    {"Override Vswitch Allow Promiscuous", PortSecurityPolicy::PROMISCUOUS_BIT},
+    {"Override Vswitch Allow MAC Address Change", PortSecurityPolicy::MAC_CHANGE_BIT},
+    {"Override Vswitch Allow Forged Transmits", PortSecurityPolicy::FORGED_TRANSMITS_BIT},
+};
 }  // namespace
 
-NETWORK_COMMAND_NEW(VirtualSwitchPortGroupPolicySecurityGet)
+NETWORK_COMMAND_NEW(VirtualSwitchPortGroupPolicySecurityGet, Struct)
 
 VirtualSwitchPortGroupPolicySecurityGet::VirtualSwitchPortGroupPolicySecurityGet() {
   SetDescription("Get the Security Policy governing the given port group. ");
@@ -34,9 +39,7 @@ VirtualSwitchPortGroupPolicySecurityGet::VirtualSwitchPortGroupPolicySecurityGet
 std::shared_ptr<MetaStruct> VirtualSwitchPortGroupPolicySecurityGet::GetOutputStructure() {
   auto result = MetaStruct::New("PortGroupSecurityPolicy");
   AddSecurityFields(*result);
-  result->SetField(kOverridePromiscuous, MetaBool::New());
-  result->SetField(kOverrideMacChange, MetaBool::New());
-  result->SetField(kOverrideForgedTransmits, MetaBool::New());
+  AddOverrideFields(*result, kOverrides);
   return result;
 }
 
@@ -46,27 +49,17 @@ std::shared_ptr<InputSpec> VirtualSwitchPortGroupPolicySecurityGet::GetInputSpec
                 "The name of the port group to use when fetching the network security policy.")});
 }
 
-std::shared_ptr<OutputSpec> VirtualSwitchPortGroupPolicySecurityGet::GetOutputSpecInternal() {
-  return RootSpec(GetOutputStructure());
-}
-
 void VirtualSwitchPortGroupPolicySecurityGet::ExecuteInternal(
     std::shared_ptr<Input> const& input, std::shared_ptr<Output> const& output) {
   try {
     auto result = GetOutputStructure();
     if (input->HasParameter(kPortgroupName)) {
-      std::string const& name = input->GetParameter(kPortgroupName);
-      auto group = FindPolicyPortGroup(name, *output);
+      auto group = FindPolicyPortGroup(*input, *output);
       if (!group) return;
-      HostCtl::Network::PortSecurityPolicy effective = group->GetEffectiveSecurityPolicy();
-      HostCtl::Network::PortSecurityPolicy configured = group->GetConfiguredSecurityPolicy();
+      PortSecurityPolicy effective = group->GetEffectiveSecurityPolicy();
+      PortSecurityPolicy configured = group->GetConfiguredSecurityPolicy();
       FillSecurityFields(*result, effective);
-      using HostCtl::Network::PortSecurityPolicy;
-      uint32_t mask = configured.setMask;
-      result->SetField(kOverridePromiscuous, (mask & PortSecurityPolicy::PROMISCUOUS_BIT) != 0);
-      result->SetField(kOverrideMacChange, (mask & PortSecurityPolicy::MAC_CHANGE_BIT) != 0);
-      result->SetField(kOverrideForgedTransmits,
-                       (mask & PortSecurityPolicy::FORGED_TRANSMITS_BIT) != 0);
+      FillOverrideFields(*result, kOverrides, configured.setMask);
     }
     output->SetRootObject(result);
   } catch (HostCtl::Lib::HostCtlException const& e) {

@@ -14,13 +14,18 @@ using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
 namespace {
-const std::string kOverrideEnabled = "Override Vswitch Enabled";
-const std::string kOverrideAverage = "Override Vswitch Average Bandwidth";
-const std::string kOverridePeak = "Override Vswitch Peak Bandwidth";
-const std::string kOverrideBurst = "Override Vswitch Burst Size";
+using HostCtl::Network::ShapingPolicy;
+
+// The overrides shown, in the order shown.
+const OverrideField kOverrides[] = {
+    {"Override Vswitch Enabled", ShapingPolicy::ENABLED_BIT},
+    {"Override Vswitch Average Bandwidth", ShapingPolicy::AVERAGE_BIT},
+    {"Override Vswitch Peak Bandwidth", ShapingPolicy::PEAK_BIT},
+    {"Override Vswitch Burst Size", ShapingPolicy::BURST_BIT},
+};
 }  // namespace
 
-NETWORK_COMMAND_NEW(VirtualSwitchPortGroupPolicyShapingGet)
+NETWORK_COMMAND_NEW(VirtualSwitchPortGroupPolicyShapingGet, Struct)
 
 VirtualSwitchPortGroupPolicyShapingGet::VirtualSwitchPortGroupPolicyShapingGet() {
   SetDescription("Get the network shaping policy settings governing the given port group");
@@ -38,10 +43,7 @@ VirtualSwitchPortGroupPolicyShapingGet::VirtualSwitchPortGroupPolicyShapingGet()
 std::shared_ptr<MetaStruct> VirtualSwitchPortGroupPolicyShapingGet::GetOutputStructure() {
   auto result = MetaStruct::New("PortGroupTrafficShapingPolicy");
   AddShapingFields(*result);
-  result->SetField(kOverrideEnabled, MetaBool::New());
-  result->SetField(kOverrideAverage, MetaBool::New());
-  result->SetField(kOverridePeak, MetaBool::New());
-  result->SetField(kOverrideBurst, MetaBool::New());
+  AddOverrideFields(*result, kOverrides);
   return result;
 }
 
@@ -51,26 +53,16 @@ std::shared_ptr<InputSpec> VirtualSwitchPortGroupPolicyShapingGet::GetInputSpecI
                 "The name of the port group to use when fetching the port group shaping policy.")});
 }
 
-std::shared_ptr<OutputSpec> VirtualSwitchPortGroupPolicyShapingGet::GetOutputSpecInternal() {
-  return RootSpec(GetOutputStructure());
-}
-
 void VirtualSwitchPortGroupPolicyShapingGet::ExecuteInternal(
     std::shared_ptr<Input> const& input, std::shared_ptr<Output> const& output) {
   try {
-    std::string const& name = input->GetParameter(kPortgroupName);
-    auto group = FindPolicyPortGroup(name, *output);
+    auto group = FindPolicyPortGroup(*input, *output);
     if (!group) return;
-    HostCtl::Network::ShapingPolicy effective = group->GetEffectiveShapingPolicy();
-    HostCtl::Network::ShapingPolicy configured = group->GetConfiguredShapingPolicy();
+    ShapingPolicy effective = group->GetEffectiveShapingPolicy();
+    ShapingPolicy configured = group->GetConfiguredShapingPolicy();
     auto result = GetOutputStructure();
     FillShapingFields(*result, effective);
-    using HostCtl::Network::ShapingPolicy;
-    uint32_t mask = configured.setMask;
-    result->SetField(kOverrideEnabled, (mask & ShapingPolicy::ENABLED_BIT) != 0);
-    result->SetField(kOverrideAverage, (mask & ShapingPolicy::AVERAGE_BIT) != 0);
-    result->SetField(kOverridePeak, (mask & ShapingPolicy::PEAK_BIT) != 0);
-    result->SetField(kOverrideBurst, (mask & ShapingPolicy::BURST_BIT) != 0);
+    FillOverrideFields(*result, kOverrides, configured.setMask);
     output->SetRootObject(result);
   } catch (HostCtl::Lib::HostCtlException const& e) {
     output->AddErrorMessage(e.message);

@@ -13,43 +13,26 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-namespace {
-const std::string kUseVswitch = "use-vswitch";
-}  // namespace
-
-NETWORK_COMMAND_NEW(VirtualSwitchPortGroupPolicyShapingSet)
+NETWORK_COMMAND_NEW(VirtualSwitchPortGroupPolicyShapingSet, Bool)
 
 VirtualSwitchPortGroupPolicyShapingSet::VirtualSwitchPortGroupPolicyShapingSet() {
   SetDescription("Set the shaping policy settings for the given port group");
 }
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupPolicyShapingSet::GetInputSpecInternal() {
-  auto spec = InputSpec::New();
-  spec->AddParameter(
-      Required(Shared::PortgroupName, "The name of the port group to set shaping policy for."));
-  spec->AddParameter(Optional(
-      kUseVswitch, Flag, "u",
-      "Reset all values for this policy to use parent virtual switch's settings instead of "
-      "overriding the settings for the port group. Using this in conjunction with other settings "
-      "will first reset all of the fields to use the virtual switch setting and then apply the "
-      "other options after the reset."));
+  auto spec = PortGroupPolicySpec("The name of the port group to set shaping policy for.");
   AddShapingParameters(spec);
   return spec;
-}
-
-std::shared_ptr<OutputSpec> VirtualSwitchPortGroupPolicyShapingSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchPortGroupPolicyShapingSet::ExecuteInternal(
     std::shared_ptr<Input> const& input, std::shared_ptr<Output> const& output) {
   try {
-    std::string const& name = input->GetParameter(kPortgroupName);
-    auto group = FindPolicyPortGroup(name, *output);
+    auto group = FindPolicyPortGroup(*input, *output);
     if (!group) return;
     using HostCtl::Network::ShapingPolicy;
     ShapingPolicy policy = group->GetConfiguredShapingPolicy();
-    if (input->IsFlagSet(kUseVswitch)) policy.UnsetAll();
+    if (UsesVswitchPolicy(*input)) policy.UnsetAll();
     SetShapingPolicy(input, output, policy, false);
     if ((policy.setMask & ShapingPolicy::ENABLED_BIT) != 0 && policy.enabled) {
       // Shaping turned on here needs every value set here or on the switch.

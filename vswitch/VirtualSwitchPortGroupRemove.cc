@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(VirtualSwitchPortGroupRemove)
+NETWORK_COMMAND_NEW(VirtualSwitchPortGroupRemove, Bool)
 
 VirtualSwitchPortGroupRemove::VirtualSwitchPortGroupRemove() {
   SetDescription("Remove a port group from the given virtual switch");
@@ -20,10 +20,6 @@ VirtualSwitchPortGroupRemove::VirtualSwitchPortGroupRemove() {
 
 std::shared_ptr<InputSpec> VirtualSwitchPortGroupRemove::GetInputSpecInternal() {
   return InputSpecOf({Required(Shared::PortgroupName, " "), Required(Shared::VswitchName, " ")});
-}
-
-std::shared_ptr<OutputSpec> VirtualSwitchPortGroupRemove::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchPortGroupRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -17,7 +17,7 @@ const std::string kVlanId = "vlan-id";
 const std::string kNotFound = "Unable to find a port group with the name ";
 }  // namespace
 
-NETWORK_COMMAND_NEW(VirtualSwitchPortGroupSet)
+NETWORK_COMMAND_NEW(VirtualSwitchPortGroupSet, Bool)
 
 VirtualSwitchPortGroupSet::VirtualSwitchPortGroupSet() {
   SetDescription("Set the vlan id for the given port group");
@@ -37,10 +37,6 @@ std::shared_ptr<InputSpec> VirtualSwitchPortGroupSet::GetInputSpecInternal() {
   vlanId->SetConstraint(range);
   spec->AddParameter(vlanId);
   return spec;
-}
-
-std::shared_ptr<OutputSpec> VirtualSwitchPortGroupSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchPortGroupSet::ExecuteInternal(std::shared_ptr<Input> const& input,

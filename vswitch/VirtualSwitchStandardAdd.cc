@@ -16,7 +16,7 @@ const std::string kPorts = "ports";
 constexpr size_t kMaxNameLength = 127;
 }  // namespace
 
-NETWORK_COMMAND_NEW(VirtualSwitchStandardAdd)
+NETWORK_COMMAND_NEW(VirtualSwitchStandardAdd, Bool)
 
 VirtualSwitchStandardAdd::VirtualSwitchStandardAdd() {
   SetDescription("Add a new virtual switch to the Haldeni networking system.");
@@ -36,10 +36,6 @@ std::shared_ptr<InputSpec> VirtualSwitchStandardAdd::GetInputSpecInternal() {
   ports->SetConstraint(range);
   spec->AddParameter(ports);
   return spec;
-}
-
-std::shared_ptr<OutputSpec> VirtualSwitchStandardAdd::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchStandardAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -7,6 +7,7 @@
 #include "hostctl/virtual_switch.h"
 #include "toolbase/call_spec.h"
 #include "toolbase/meta_obj.h"
+#include "vswitch/UplinkKit.h"
 #include "vswitch/VswitchCommands.h"
 
 namespace CorvaneCli::NetworkNamespace {
@@ -30,7 +31,7 @@ const std::string kUplinks = "Uplinks";
 const std::string kPortgroups = "Portgroups";
 }  // namespace
 
-NETWORK_COMMAND_NEW(VirtualSwitchStandardList)
+NETWORK_COMMAND_NEW(VirtualSwitchStandardList, Rows)
 
 VirtualSwitchStandardList::VirtualSwitchStandardList() {
   SetDescription("List the virtual switches current on the Haldeni host.");
@@ -66,10 +67,6 @@ std::shared_ptr<InputSpec> VirtualSwitchStandardList::GetInputSpecInternal() {
                 "Limit the output of this command to only virtual switches with the given name.")});
 }
 
-std::shared_ptr<OutputSpec> VirtualSwitchStandardList::GetOutputSpecInternal() {
-  return RootSpec(MetaList::New(Toolbase::MetaObj::Struct, GetOutputStructure()));
-}
-
 void VirtualSwitchStandardList::ExecuteInternal(std::shared_ptr<Input> const& input,
                                                 std::shared_ptr<Output> const& output) {
   try {
@@ -81,11 +78,7 @@ void VirtualSwitchStandardList::ExecuteInternal(std::shared_ptr<Input> const& in
       switches = switchInfo.GetVirtualSwitches();
     }
 
-    std::vector<std::string> pnicNames;
-    OrvkCtl::Network::NetworkInfoImpl networkInfo;
-    for (auto const& pnic : networkInfo.GetPnics()) {
-      if (pnic) pnicNames.push_back(pnic->GetName());
-    }
+    std::vector<std::string> const pnicNames = HostPnicNames();
 
     auto result = MetaList::New(Toolbase::MetaObj::Struct, GetOutputStructure());
     for (auto const& entry : switches) {
@@ -107,11 +100,7 @@ void VirtualSwitchStandardList::ExecuteInternal(std::shared_ptr<Input> const& in
       record->SetField(kBeaconThreshold, vswitch->GetBeaconThreshold());
       record->SetField(kBeaconRequiredBy, vswitch->NeedBeacon());
 
-      std::vector<std::string> uplinks = vswitch->GetUplinks();
-      std::erase_if(uplinks, [&](std::string const& uplink) {
-        return std::find(pnicNames.begin(), pnicNames.end(), uplink) == pnicNames.end();
-      });
-      record->SetField(kUplinks, uplinks);
+      record->SetField(kUplinks, PhysicalUplinks(vswitch->GetUplinks(), pnicNames));
 
       std::vector<std::string> groupNames;
       for (auto const& group : vswitch->GetPortGroups()) groupNames.push_back(group->GetName());

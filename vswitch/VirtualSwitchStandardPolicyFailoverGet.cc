@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicyFailoverGet)
+NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicyFailoverGet, Struct)
 
 VirtualSwitchStandardPolicyFailoverGet::VirtualSwitchStandardPolicyFailoverGet() {
   SetDescription("Get the failover policy settings governing the given virtual switch");
@@ -35,16 +35,11 @@ std::shared_ptr<InputSpec> VirtualSwitchStandardPolicyFailoverGet::GetInputSpecI
       "The name of the virtual switch to use when fetching the switch failover policy.")});
 }
 
-std::shared_ptr<OutputSpec> VirtualSwitchStandardPolicyFailoverGet::GetOutputSpecInternal() {
-  return RootSpec(GetOutputStructure());
-}
-
 void VirtualSwitchStandardPolicyFailoverGet::ExecuteInternal(
     std::shared_ptr<Input> const& input, std::shared_ptr<Output> const& output) {
   try {
     OrvkCtl::Network::VirtualSwitchInfoImpl switchInfo;
-    std::string const& name = input->GetParameter(kVswitchName);
-    auto vswitch = FindPolicyStandardSwitch(switchInfo, name, *output);
+    auto vswitch = FindPolicyStandardSwitch(switchInfo, *input, *output);
     if (!vswitch) return;
     auto result = GetOutputStructure();
     FillFailoverFields(*result, vswitch->GetEffectiveTeamingPolicy(),

@@ -13,7 +13,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicyFailoverSet)
+NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicyFailoverSet, Bool)
 
 VirtualSwitchStandardPolicyFailoverSet::VirtualSwitchStandardPolicyFailoverSet() {
   SetDescription("Configure the Failover policy for a virtual switch.");
@@ -28,16 +28,11 @@ std::shared_ptr<InputSpec> VirtualSwitchStandardPolicyFailoverSet::GetInputSpecI
   return spec;
 }
 
-std::shared_ptr<OutputSpec> VirtualSwitchStandardPolicyFailoverSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
-}
-
 void VirtualSwitchStandardPolicyFailoverSet::ExecuteInternal(
     std::shared_ptr<Input> const& input, std::shared_ptr<Output> const& output) {
   try {
     OrvkCtl::Network::VirtualSwitchInfoImpl switchInfo;
-    std::string const& name = input->GetParameter(kVswitchName);
-    auto vswitch = FindPolicyStandardSwitch(switchInfo, name, *output);
+    auto vswitch = FindPolicyStandardSwitch(switchInfo, *input, *output);
     if (!vswitch) return;
     HostCtl::Network::NicTeamingPolicy current = vswitch->GetEffectiveTeamingPolicy();
     HostCtl::Network::NicTeamingPolicy target = vswitch->GetConfiguredTeamingPolicy();

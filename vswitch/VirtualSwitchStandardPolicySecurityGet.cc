@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicySecurityGet)
+NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicySecurityGet, Struct)
 
 VirtualSwitchStandardPolicySecurityGet::VirtualSwitchStandardPolicySecurityGet() {
   SetDescription("Get the Security Policy governing the given virtual switch.");
@@ -34,16 +34,11 @@ std::shared_ptr<InputSpec> VirtualSwitchStandardPolicySecurityGet::GetInputSpecI
       "The name of the virtual switch to use when fetching the network security policy.")});
 }
 
-std::shared_ptr<OutputSpec> VirtualSwitchStandardPolicySecurityGet::GetOutputSpecInternal() {
-  return RootSpec(GetOutputStructure());
-}
-
 void VirtualSwitchStandardPolicySecurityGet::ExecuteInternal(
     std::shared_ptr<Input> const& input, std::shared_ptr<Output> const& output) {
   try {
     OrvkCtl::Network::VirtualSwitchInfoImpl switchInfo;
-    std::string const& name = input->GetParameter(kVswitchName);
-    auto vswitch = FindPolicyStandardSwitch(switchInfo, name, *output);
+    auto vswitch = FindPolicyStandardSwitch(switchInfo, *input, *output);
     if (!vswitch) return;
     auto result = GetOutputStructure();
     FillSecurityFields(*result, vswitch->GetEffectiveSecurityPolicy());

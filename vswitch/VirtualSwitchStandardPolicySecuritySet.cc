@@ -18,7 +18,7 @@ const std::string kAllowMacChange = "allow-mac-change";
 const std::string kAllowForgedTransmits = "allow-forged-transmits";
 }  // namespace
 
-NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicySecuritySet)
+NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicySecuritySet, Bool)
 
 VirtualSwitchStandardPolicySecuritySet::VirtualSwitchStandardPolicySecuritySet() {
   SetDescription("Set the security policy for a given virtual switch");
@@ -37,27 +37,14 @@ std::shared_ptr<InputSpec> VirtualSwitchStandardPolicySecuritySet::GetInputSpecI
            "Allow ports on the virtual switch to send packets with forged source information.")});
 }
 
-std::shared_ptr<OutputSpec> VirtualSwitchStandardPolicySecuritySet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
-}
-
 void VirtualSwitchStandardPolicySecuritySet::ExecuteInternal(
     std::shared_ptr<Input> const& input, std::shared_ptr<Output> const& output) {
   try {
     OrvkCtl::Network::VirtualSwitchInfoImpl switchInfo;
-    std::string const& name = input->GetParameter(kVswitchName);
-    auto vswitch = FindPolicyStandardSwitch(switchInfo, name, *output);
+    auto vswitch = FindPolicyStandardSwitch(switchInfo, *input, *output);
     if (!vswitch) return;
     HostCtl::Network::PortSecurityPolicy policy = vswitch->GetEffectiveSecurityPolicy();
-    if (input->HasParameter(kAllowPromiscuous)) {
-      policy.SetAllowPromiscuous(input->GetParameterBool(kAllowPromiscuous));
-    }
-    if (input->HasParameter(kAllowMacChange)) {
-      policy.SetAllowMacAddressChange(input->GetParameterBool(kAllowMacChange));
-    }
-    if (input->HasParameter(kAllowForgedTransmits)) {
-      policy.SetAllowForgedTransmits(input->GetParameterBool(kAllowForgedTransmits));
-    }
+    SetSecurityPolicy(input, output, policy);
     vswitch->ApplySecurityPolicy(policy);
     output->SetRootObject(MetaBool::New(true));
   } catch (HostCtl::Lib::HostCtlException const& e) {

@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicyShapingGet)
+NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicyShapingGet, Struct)
 
 VirtualSwitchStandardPolicyShapingGet::VirtualSwitchStandardPolicyShapingGet() {
   SetDescription("Get the shaping policy settings for the given virtual switch");
@@ -37,16 +37,11 @@ std::shared_ptr<InputSpec> VirtualSwitchStandardPolicyShapingGet::GetInputSpecIn
                 "The name of the virtual switch to use when fetching the switch shaping policy.")});
 }
 
-std::shared_ptr<OutputSpec> VirtualSwitchStandardPolicyShapingGet::GetOutputSpecInternal() {
-  return RootSpec(GetOutputStructure());
-}
-
 void VirtualSwitchStandardPolicyShapingGet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                                             std::shared_ptr<Output> const& output) {
   try {
     OrvkCtl::Network::VirtualSwitchInfoImpl switchInfo;
-    std::string const& name = input->GetParameter(kVswitchName);
-    auto vswitch = FindPolicyStandardSwitch(switchInfo, name, *output);
+    auto vswitch = FindPolicyStandardSwitch(switchInfo, *input, *output);
     if (!vswitch) return;
     auto result = GetOutputStructure();
     FillShapingFields(*result, vswitch->GetEffectiveShapingPolicy());

@@ -12,7 +12,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicyShapingSet)
+NETWORK_COMMAND_NEW(VirtualSwitchStandardPolicyShapingSet, Bool)
 
 VirtualSwitchStandardPolicyShapingSet::VirtualSwitchStandardPolicyShapingSet() {
   SetDescription("Set the shaping policy settings for the given virtual switch");
@@ -27,16 +27,11 @@ std::shared_ptr<InputSpec> VirtualSwitchStandardPolicyShapingSet::GetInputSpecIn
   return spec;
 }
 
-std::shared_ptr<OutputSpec> VirtualSwitchStandardPolicyShapingSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
-}
-
 void VirtualSwitchStandardPolicyShapingSet::ExecuteInternal(std::shared_ptr<Input> const& input,
                                                             std::shared_ptr<Output> const& output) {
   try {
     OrvkCtl::Network::VirtualSwitchInfoImpl switchInfo;
-    std::string const& name = input->GetParameter(kVswitchName);
-    auto vswitch = FindPolicyStandardSwitch(switchInfo, name, *output);
+    auto vswitch = FindPolicyStandardSwitch(switchInfo, *input, *output);
     if (!vswitch) return;
     HostCtl::Network::ShapingPolicy policy = vswitch->GetEffectiveShapingPolicy();
     SetShapingPolicy(input, output, policy, false);

@@ -11,7 +11,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(VirtualSwitchStandardRemove)
+NETWORK_COMMAND_NEW(VirtualSwitchStandardRemove, Bool)
 
 VirtualSwitchStandardRemove::VirtualSwitchStandardRemove() {
   SetDescription("Remove a virtual switch from the Haldeni networking system.");
@@ -19,10 +19,6 @@ VirtualSwitchStandardRemove::VirtualSwitchStandardRemove() {
 
 std::shared_ptr<InputSpec> VirtualSwitchStandardRemove::GetInputSpecInternal() {
   return InputSpecOf({Required(Shared::VswitchName, "The name of the virtual switch to remove.")});
-}
-
-std::shared_ptr<OutputSpec> VirtualSwitchStandardRemove::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchStandardRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -28,7 +28,7 @@ int CdpStatusNumber(std::string const& word) {
 }
 }  // namespace
 
-NETWORK_COMMAND_NEW(VirtualSwitchStandardSet)
+NETWORK_COMMAND_NEW(VirtualSwitchStandardSet, Bool)
 
 VirtualSwitchStandardSet::VirtualSwitchStandardSet() {
   SetDescription("This command sets the MTU size and CDP status of a given virtual switch.");
@@ -51,10 +51,6 @@ std::shared_ptr<InputSpec> VirtualSwitchStandardSet::GetInputSpecInternal() {
   cdp->SetConstraint(words);
   spec->AddParameter(cdp);
   return spec;
-}
-
-std::shared_ptr<OutputSpec> VirtualSwitchStandardSet::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchStandardSet::ExecuteInternal(std::shared_ptr<Input> const& input,

@@ -11,7 +11,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(VirtualSwitchStandardUplinkAdd)
+NETWORK_COMMAND_NEW(VirtualSwitchStandardUplinkAdd, Bool)
 
 VirtualSwitchStandardUplinkAdd::VirtualSwitchStandardUplinkAdd() {
   SetDescription(
@@ -24,10 +24,6 @@ std::shared_ptr<InputSpec> VirtualSwitchStandardUplinkAdd::GetInputSpecInternal(
   return InputSpecOf(
       {Required(Shared::VswitchName, "The name of the virtual switch to add an uplink to."),
        UplinkNameParameter("The name of the uplink to add to the virtual switch.")});
-}
-
-std::shared_ptr<OutputSpec> VirtualSwitchStandardUplinkAdd::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchStandardUplinkAdd::ExecuteInternal(std::shared_ptr<Input> const& input,

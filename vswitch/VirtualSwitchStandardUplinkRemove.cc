@@ -11,7 +11,7 @@ namespace CorvaneCli::NetworkNamespace {
 using namespace Toolbase::CallSpec;
 using namespace Toolbase::MetaObj;
 
-NETWORK_COMMAND_NEW(VirtualSwitchStandardUplinkRemove)
+NETWORK_COMMAND_NEW(VirtualSwitchStandardUplinkRemove, Bool)
 
 VirtualSwitchStandardUplinkRemove::VirtualSwitchStandardUplinkRemove() {
   SetDescription(
@@ -24,10 +24,6 @@ std::shared_ptr<InputSpec> VirtualSwitchStandardUplinkRemove::GetInputSpecIntern
   return InputSpecOf(
       {Required(Shared::VswitchName, "The name of the virtual switch to remove an uplink from."),
        UplinkNameParameter("The name of the uplink to remove from the virtual switch.")});
-}
-
-std::shared_ptr<OutputSpec> VirtualSwitchStandardUplinkRemove::GetOutputSpecInternal() {
-  return RootSpec(MetaBool::New());
 }
 
 void VirtualSwitchStandardUplinkRemove::ExecuteInternal(std::shared_ptr<Input> const& input,

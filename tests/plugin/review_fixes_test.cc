@@ -10,16 +10,12 @@
 namespace {
 
 using TestSupport::HostTest;
+using TestSupport::SeededHostTest;
 using TestSupport::Args;
 using TestSupport::Messages;
 
-class ReviewFixesTest : public HostTest {
+class ReviewFixesTest : public SeededHostTest {
  protected:
-  void SetUp() override {
-    HostTest::SetUp();
-    SeedHost();
-  }
-
   // Expects the command to fail with `status` and `message` on standard
   // error, printing nothing, and to leave the state file as it was.
   void ExpectRefused(Args const& args, int status, std::string const& message) {

@@ -82,4 +82,14 @@ class HostTest : public ::testing::Test {
   std::string state_path_;
 };
 
+// A HostTest whose state file holds the default host from the start, so that
+// Refused and StateFileText compare against it.
+class SeededHostTest : public HostTest {
+ protected:
+  void SetUp() override {
+    HostTest::SetUp();
+    SeedHost();
+  }
+};
+
 }  // namespace TestSupport

@@ -16,16 +16,13 @@ namespace {
 using namespace Toolbase::MetaObj;
 using TestSupport::HostTest;
 using TestSupport::MetaText;
+using TestSupport::SeededHostTest;
 
 using Args = std::vector<std::string>;
 using Messages = std::vector<std::string>;
 
-class FirewallRulesetTest : public HostTest {
+class FirewallRulesetTest : public SeededHostTest {
  protected:
-  void SetUp() override {
-    HostTest::SetUp();
-    SeedHost();
-  }
   std::string Row(std::string const& command, std::string const& id) {
     auto rows = Rows({"network", "firewall", "ruleset", command, "list", "-r", id});
     return rows.size() == 1 ? rows[0] : "(" + std::to_string(rows.size()) + " rows)";

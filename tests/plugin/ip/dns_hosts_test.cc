@@ -14,16 +14,13 @@ namespace {
 
 using TestSupport::HostTest;
 using TestSupport::MetaText;
+using TestSupport::SeededHostTest;
 
 using Args = std::vector<std::string>;
 using Messages = std::vector<std::string>;
 
-class DnsHostsTest : public HostTest {
+class DnsHostsTest : public SeededHostTest {
  protected:
-  void SetUp() override {
-    HostTest::SetUp();
-    SeedHost();
-  }
   std::string Servers(std::string const& netstack = "") {
     Args args = {"network", "ip", "dns", "server", "list"};
     if (!netstack.empty()) args.insert(args.end(), {"-N", netstack});

@@ -17,6 +17,7 @@ namespace {
 
 using namespace Toolbase::MetaObj;
 using TestSupport::HostTest;
+using TestSupport::SeededHostTest;
 
 using Args = std::vector<std::string>;
 using Messages = std::vector<std::string>;
@@ -41,12 +42,8 @@ std::string Text(MetaObject const& value) {
   return "<other>";
 }
 
-class InterfaceTest : public HostTest {
+class InterfaceTest : public SeededHostTest {
  protected:
-  void SetUp() override {
-    HostTest::SetUp();
-    SeedHost();
-  }
   // The rows of a list command, each field as text.
   std::vector<Row> Rows(Args const& args) {
     auto output = Execute(args);

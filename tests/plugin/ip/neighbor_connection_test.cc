@@ -14,16 +14,13 @@ namespace {
 
 using TestSupport::HostTest;
 using TestSupport::MetaText;
+using TestSupport::SeededHostTest;
 
 using Args = std::vector<std::string>;
 using Messages = std::vector<std::string>;
 
-class NeighborConnectionTest : public HostTest {
+class NeighborConnectionTest : public SeededHostTest {
  protected:
-  void SetUp() override {
-    HostTest::SetUp();
-    SeedHost();
-  }
   // The first field of each row.
   std::vector<std::string> Firsts(Args const& args) {
     std::vector<std::string> firsts;

@@ -8,9 +8,10 @@
 
 #include "hostctl/port.h"
 #include "support/meta_text.h"
-// The comparator is a free function of the plug-in, which the tests do not
-// link: compiled in here.
+// The comparator and the port lookup are free functions of the plug-in, which
+// the tests do not link: compiled in here.
 #include "runtime/PortFilterStatsGet.cc"
+#include "runtime/VmPortWalk.cc"
 #include "support/harness.h"
 #include "toolbase/call_spec.h"
 
@@ -21,28 +22,16 @@ using TestSupport::MetaText;
 using Args = std::vector<std::string>;
 using Messages = std::vector<std::string>;
 
-class PortStatsTest : public HostTest {
- protected:
-  std::string Result(Args const& args) {
-    auto output = Execute(args);
-    EXPECT_EQ(output->GetErrorMessages(), Messages{});
-    return MetaText(output->GetRootObject());
-  }
-  void ExpectFailure(Args const& args, std::string const& message) {
-    auto output = Execute(args);
-    EXPECT_EQ(output->GetErrorMessages(), Messages{message});
-    EXPECT_EQ(output->GetRootObject(), nullptr);
-  }
-};
+using PortStatsTest = HostTest;
 
 TEST_F(PortStatsTest, PacketStatisticsOfPortsOnBothKindsOfSwitch) {
-  EXPECT_EQ(Result({"network", "port", "stats", "get", "-p", "33554437"}),
+  EXPECT_EQ(Ok({"network", "port", "stats", "get", "-p", "33554437"}),
             "[{Port ID=33554437,Packets received=3080112,Packets sent=2815004,Bytes "
             "received=3255108842,Bytes sent=2894712330,Broadcast packets received=21914,Broadcast "
             "packets sent=1865,Multicast packets received=68002,Multicast packets sent=9120,"
             "Unicast packets received=2990196,Unicast packets sent=2804019,Receive packets "
             "dropped=14,Transmit packets dropped=0}]");
-  std::string dvs = Result({"network", "port", "stats", "get", "--portid", "67108869"});
+  std::string dvs = Ok({"network", "port", "stats", "get", "--portid", "67108869"});
   EXPECT_NE(dvs.find("Port ID=67108869,Packets received=1022987"), std::string::npos);
   // No multicast received: unicast is received less broadcast.
   EXPECT_NE(dvs.find("Unicast packets received=1022686"), std::string::npos);
@@ -52,7 +41,7 @@ TEST_F(PortStatsTest, PacketStatisticsOfPortsOnBothKindsOfSwitch) {
 }
 
 TEST_F(PortStatsTest, FiltersFollowAPacketsWayAndUplinksSeeTheChainsReversed) {
-  EXPECT_EQ(Result({"network", "port", "filter", "stats", "get", "-p", "33554437"}),
+  EXPECT_EQ(Ok({"network", "port", "filter", "stats", "get", "-p", "33554437"}),
             "[{Filter name=fw-mon.0,Filter direction=Receive,Packets in=3080112,Packets "
             "out=3079908,Packets dropped=204,Packets filtered=204,Packets faulted=0,Packets "
             "queued=12,Packets injected=3,Packet errors=0},"
@@ -65,17 +54,17 @@ TEST_F(PortStatsTest, FiltersFollowAPacketsWayAndUplinksSeeTheChainsReversed) {
             "{Filter name=fw-mon.0,Filter direction=Transmit,Packets in=2815004,Packets "
             "out=2814993,Packets dropped=11,Packets filtered=11,Packets faulted=0,Packets "
             "queued=12,Packets injected=3,Packet errors=0}]");
-  std::string uplink = Result({"network", "port", "filter", "stats", "get", "-p", "67108866"});
+  std::string uplink = Ok({"network", "port", "filter", "stats", "get", "-p", "67108866"});
   EXPECT_NE(uplink.find("Filter name=uplink-mirror.0,Filter direction=Receive"), std::string::npos);
-  EXPECT_EQ(Result({"network", "port", "filter", "stats", "get", "-p", "33554438"}), "[]");
+  EXPECT_EQ(Ok({"network", "port", "filter", "stats", "get", "-p", "33554438"}), "[]");
 }
 
 TEST_F(PortStatsTest, UnknownPortsAndHostFailures) {
   for (char const* id : {"0", "12345", "-33554437"}) {
     SCOPED_TRACE(id);
-    ExpectFailure({"network", "port", "stats", "get", "-p", id}, "Couldn't find requested port");
-    ExpectFailure({"network", "port", "filter", "stats", "get", "-p", id},
-                  "Couldn't find requested port");
+    Refused({"network", "port", "stats", "get", "-p", id}, {"Couldn't find requested port"});
+    Refused({"network", "port", "filter", "stats", "get", "-p", id},
+            {"Couldn't find requested port"});
   }
   struct Case {
     Args args;
@@ -101,7 +90,7 @@ TEST_F(PortStatsTest, UnknownPortsAndHostFailures) {
     InjectFault(c.operation, "boom");
     Args args = {"network", "port"};
     args.insert(args.end(), c.args.begin(), c.args.end());
-    ExpectFailure(args, c.message);
+    Refused(args, {c.message});
     ClearFaults();
   }
 }

@@ -56,16 +56,6 @@ std::string StatusRow(std::string const& localState, std::string const& localFla
 
 class LacpTest : public HostTest {
  protected:
-  std::string Result(Args const& args) {
-    auto output = Execute(args);
-    EXPECT_EQ(output->GetErrorMessages(), Messages{});
-    return MetaText(output->GetRootObject());
-  }
-  void ExpectFailure(Args const& args, std::string const& message) {
-    auto output = Execute(args);
-    EXPECT_EQ(output->GetErrorMessages(), Messages{message});
-    EXPECT_EQ(output->GetRootObject(), nullptr);
-  }
   static OrvkCtl::Sim::DistributedSwitchState& Dvs(OrvkCtl::Sim::HostModel& host) {
     return host.vswitch.distributed_switches.front();
   }
@@ -73,10 +63,10 @@ class LacpTest : public HostTest {
 
 TEST_F(LacpTest, DefaultHostShowsItsLagInEveryView) {
   for (Args const& args : {Lacp("config"), LacpOn("config", "DSwitch-Prod")}) {
-    EXPECT_EQ(Result(args), "[" + kLagRow + "]");
+    EXPECT_EQ(Ok(args), "[" + kLagRow + "]");
   }
-  EXPECT_EQ(Result(Lacp("status")), StatusRow("ACT,AGG,SYN,COL,DIST,", "SA"));
-  EXPECT_EQ(Result(LacpOn("stats", "DSwitch-Prod")),
+  EXPECT_EQ(Ok(Lacp("status")), StatusRow("ACT,AGG,SYN,COL,DIST,", "SA"));
+  EXPECT_EQ(Ok(LacpOn("stats", "DSwitch-Prod")),
             "[{DVSwitch=DSwitch-Prod,NIC=ornic2,LAG ID=1,Tx LACPDUs=51866,Tx Errors=2,"
             "Rx LACPDUs=51842,Rx Errors=0}]");
   for (char const* view : {"config", "status", "stats"}) {
@@ -91,26 +81,26 @@ TEST_F(LacpTest, DefaultHostShowsItsLagInEveryView) {
 }
 
 TEST_F(LacpTest, TimeoutChangesTheActorStateAndPersists) {
-  EXPECT_EQ(Result(Timeout("true", "1", "DSwitch-Prod")), "true");
+  EXPECT_EQ(Ok(Timeout("true", "1", "DSwitch-Prod")), "true");
   Reload();
-  EXPECT_EQ(Result(Lacp("status")), StatusRow("ACT,FTO,AGG,SYN,COL,DIST,", "FA"));
+  EXPECT_EQ(Ok(Lacp("status")), StatusRow("ACT,FTO,AGG,SYN,COL,DIST,", "FA"));
   Args one = Timeout("false", "1", "DSwitch-Prod");
   one.insert(one.end(), {"-n", "ornic2"});
-  EXPECT_EQ(Result(one), "true");
-  EXPECT_EQ(Result(Lacp("status")), StatusRow("ACT,AGG,SYN,COL,DIST,", "SA"));
+  EXPECT_EQ(Ok(one), "true");
+  EXPECT_EQ(Ok(Lacp("status")), StatusRow("ACT,AGG,SYN,COL,DIST,", "SA"));
 
   SeedHost();
   std::string before = StateFileText();
-  ExpectFailure(Timeout("true", "7", "DSwitch-Prod"), "No running LAG with ID 7 on DSwitch-Prod");
-  ExpectFailure(Timeout("true", "1", "DSwitch-Lab"), "Distributed switch DSwitch-Lab not found");
+  Refused(Timeout("true", "7", "DSwitch-Prod"), {"No running LAG with ID 7 on DSwitch-Prod"});
+  Refused(Timeout("true", "1", "DSwitch-Lab"), {"Distributed switch DSwitch-Lab not found"});
   // The LAG ID goes to the host as 32 unsigned bits.
-  ExpectFailure(Timeout("true", "-1", "DSwitch-Prod"),
-                "No running LAG with ID 4294967295 on DSwitch-Prod");
+  Refused(Timeout("true", "-1", "DSwitch-Prod"),
+          {"No running LAG with ID 4294967295 on DSwitch-Prod"});
   Args stranger = Timeout("true", "1", "DSwitch-Prod");
   stranger.insert(stranger.end(), {"--nic-name", "ornic3"});
-  ExpectFailure(stranger, "Uplink ornic3 is not in LAG 1");
+  Refused(stranger, {"Uplink ornic3 is not in LAG 1"});
   InjectFault("DVSwitchImpl::SetLacpTimeout", "agent busy");
-  ExpectFailure(Timeout("true", "1", "DSwitch-Prod"), "agent busy");
+  Refused(Timeout("true", "1", "DSwitch-Prod"), {"agent busy"});
   EXPECT_EQ(StateFileText(), before);
 }
 
@@ -126,7 +116,7 @@ TEST_F(LacpTest, UplinkPortGroupsWithLacpOfTheirOwn) {
     }
     Dvs(host).lags.clear();
   });
-  EXPECT_EQ(Result(Lacp("config")),
+  EXPECT_EQ(Ok(Lacp("config")),
             "[{DVS Name=DSwitch-Prod,LAG Name=default_uplink_pg_lag,LAG ID=0,NICs=,ornic3,"
             "Enabled=true,Mode=Passive,Load balance=---}]");
   // Without a map: the first enabled port of each port group stands for it.
@@ -145,34 +135,33 @@ TEST_F(LacpTest, UplinkPortGroupsWithLacpOfTheirOwn) {
   std::string uplinkRow =
       "{DVS Name=DSwitch-Prod,LAG Name=default_uplink_pg_lag,LAG ID=0,NICs=,Enabled=true,"
       "Mode=Passive,Load balance=---}";
-  EXPECT_EQ(Result(Lacp("config")), "[" + uplinkRow + "," + pgRow + "," + pgRow + "]");
+  EXPECT_EQ(Ok(Lacp("config")), "[" + uplinkRow + "," + pgRow + "," + pgRow + "]");
   // Nothing enabled anywhere.
   OrvkCtl::Sim::ChangeHost([](OrvkCtl::Sim::HostModel& host) {
     for (auto& port : Dvs(host).ports) port.lacp_enabled = false;
     for (auto& port : Dvs(host).uplink_ports) port.lacp_enabled = false;
   });
-  ExpectFailure(Lacp("config"), "LACP is disabled on DVSwitch.");
+  Refused(Lacp("config"), {"LACP is disabled on DVSwitch."});
 }
 
 TEST_F(LacpTest, MissingSwitchesGroupsAndUplinks) {
-  ExpectFailure(LacpOn("status", "DSwitch-Lab"), "Distributed switch DSwitch-Lab not found");
+  Refused(LacpOn("status", "DSwitch-Lab"), {"Distributed switch DSwitch-Lab not found"});
   // A running group without uplinks: a row for status, a message for stats.
   OrvkCtl::Sim::ChangeHost(
       [](OrvkCtl::Sim::HostModel& host) { Dvs(host).lags[0].members.clear(); });
-  EXPECT_EQ(Result(Lacp("status")),
+  EXPECT_EQ(Ok(Lacp("status")),
             "[{DVSwitch=DSwitch-Prod,LAG ID=1,Mode=Active," + kLegend + ",Nic List=[]}]");
-  ExpectFailure(Lacp("stats"), "No pnic is connected to DVSwitch.");
+  Refused(Lacp("stats"), {"No pnic is connected to DVSwitch."});
   OrvkCtl::Sim::ChangeHost(
       [](OrvkCtl::Sim::HostModel& host) { Dvs(host).lags[0].running = false; });
-  ExpectFailure(LacpOn("status", "DSwitch-Prod"), "No running LACP group on the host.");
-  ExpectFailure(Lacp("stats"), "No running LACP group on the host.");
+  Refused(LacpOn("status", "DSwitch-Prod"), {"No running LACP group on the host."});
+  Refused(Lacp("stats"), {"No running LACP group on the host."});
   OrvkCtl::Sim::ChangeHost(
       [](OrvkCtl::Sim::HostModel& host) { host.vswitch.distributed_switches.clear(); });
   for (char const* view : {"config", "status", "stats"}) {
     SCOPED_TRACE(view);
-    ExpectFailure(Lacp(view),
-                  "LACP is supported on Corvane DVSwitch only, and there is no DVSwitch "
-                  "configured on host.");
+    Refused(Lacp(view), {"LACP is supported on Corvane DVSwitch only, and there is no DVSwitch "
+                         "configured on host."});
   }
 }
 
@@ -182,12 +171,12 @@ TEST_F(LacpTest, HostFailuresPassTheLibrarysWords) {
         "NetworkFactory::GetDVPort", "DVPortImpl::GetPortName", "DVSwitchImpl::GetLagConfigs"}) {
     SCOPED_TRACE(operation);
     InjectFault(operation, "host unreachable");
-    ExpectFailure(Lacp("config"), "host unreachable");
+    Refused(Lacp("config"), {"host unreachable"});
     ClearFaults();
   }
   InjectFault("DVSwitchImpl::GetLacpGroups", "agent down");
-  ExpectFailure(Lacp("status"), "agent down");
-  ExpectFailure(Lacp("stats"), "agent down");
+  Refused(Lacp("status"), {"agent down"});
+  Refused(Lacp("stats"), {"agent down"});
 }
 
 // The record as the agent lays it out, byte by byte.

@@ -17,9 +17,13 @@
 namespace {
 
 using CorvaneCli::NetworkNamespace::AddFailoverParameters;
+using CorvaneCli::NetworkNamespace::AddOverrideFields;
 using CorvaneCli::NetworkNamespace::AddShapingParameters;
 using CorvaneCli::NetworkNamespace::FillFailoverFields;
+using CorvaneCli::NetworkNamespace::FillOverrideFields;
 using CorvaneCli::NetworkNamespace::FillShapingFields;
+using CorvaneCli::NetworkNamespace::OverrideField;
+using CorvaneCli::NetworkNamespace::PortGroupPolicySpec;
 using CorvaneCli::NetworkNamespace::SetFailoverPolicy;
 using CorvaneCli::NetworkNamespace::SetSecurityPolicy;
 using CorvaneCli::NetworkNamespace::SetShapingPolicy;
@@ -519,6 +523,43 @@ TEST(KitParametersTest, FailoverOptionsComeInTheirOrder) {
   EXPECT_EQ(names, (Strings{"load-balancing", "failure-detection", "notify-switches", "failback",
                             "active-uplinks", "standby-uplinks"}));
   EXPECT_EQ(shortNames, "lfnbas");
+}
+
+TEST(OverrideFieldsTest, EachFieldShowsItsOwnBit) {
+  const OverrideField fields[] = {{"A", 1u << 0}, {"B", 1u << 3}, {"C", 1u << 5}};
+  struct Case {
+    uint32_t mask;
+    char const* expected;  // "A B C" as t/f
+  };
+  std::vector<Case> cases = {
+      {0, "fff"}, {1u << 0, "tff"}, {1u << 3, "ftf"}, {(1u << 5) | (1u << 1), "fft"}, {~0u, "ttt"}};
+  for (auto const& c : cases) {
+    SCOPED_TRACE(c.mask);
+    auto record = Toolbase::MetaObj::MetaStruct::New("Overrides");
+    AddOverrideFields(*record, fields);
+    FillOverrideFields(*record, fields, c.mask);
+    std::string shown;
+    for (char const* name : {"A", "B", "C"}) {
+      auto value = std::static_pointer_cast<Toolbase::MetaObj::MetaBool>(record->GetField(name));
+      shown += value->GetValue() ? 't' : 'f';
+    }
+    EXPECT_EQ(shown, c.expected);
+  }
+}
+
+TEST(KitParametersTest, PortGroupSetsStartWithTheGroupAndTheResetFlag) {
+  for (char const* gap : {" ", "   "}) {
+    SCOPED_TRACE(std::string("'") + gap + "'");
+    auto spec = PortGroupPolicySpec("The group.", gap);
+    auto const& parameters = spec->GetParameters();
+    ASSERT_EQ(parameters.size(), 2u);
+    EXPECT_EQ(parameters[0]->GetName(), "portgroup-name");
+    EXPECT_TRUE(parameters[0]->IsRequired());
+    EXPECT_EQ(parameters[1]->GetName(), "use-vswitch");
+    EXPECT_FALSE(parameters[1]->IsRequired());
+    EXPECT_NE(parameters[1]->GetDescription().find(std::string("port group.") + gap + "Using"),
+              std::string::npos);
+  }
 }
 
 }  // namespace
