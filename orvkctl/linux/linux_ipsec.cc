@@ -22,6 +22,7 @@
 #include <cstring>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "host_rules.h"
@@ -49,11 +50,15 @@ void Change(Request& request, std::string const& what) {
   if (int error = request.Send(); error != 0) FailErrno(what, error);
 }
 
-// The fixed part of a message of `type`, or null for another or a short one.
+// A copy of the fixed part of a message of `type`, or nothing for another or
+// a short one. (Messages are aligned to 4 bytes; these parts hold 64-bit
+// counters.)
 template <class T>
-T const* FixedPart(nlmsghdr const* header, int type) {
-  if (header->nlmsg_type != type || mnl_nlmsg_get_payload_len(header) < sizeof(T)) return nullptr;
-  return static_cast<T const*>(mnl_nlmsg_get_payload(header));
+std::optional<T> FixedPart(nlmsghdr const* header, int type) {
+  if (header->nlmsg_type != type || mnl_nlmsg_get_payload_len(header) < sizeof(T)) return {};
+  T part;
+  std::memcpy(&part, mnl_nlmsg_get_payload(header), sizeof part);
+  return part;
 }
 
 // The attributes of an xfrm message whose fixed part is `size` bytes, by
@@ -74,8 +79,11 @@ std::vector<nlattr const*> Attributes(nlmsghdr const* header, size_t size) {
   return attributes;
 }
 
+// The payload of `attribute` (a part of 4-byte fields only, as a message's
+// attributes are aligned to 4 bytes), or null when it is missing or short.
 template <class T>
 T const* Payload(nlattr const* attribute) {
+  static_assert(alignof(T) <= 4);
   if (!attribute || mnl_attr_get_payload_len(attribute) < sizeof(T)) return nullptr;
   return static_cast<T const*>(mnl_attr_get_payload(attribute));
 }
@@ -314,7 +322,7 @@ std::vector<IpSecSaRecord> ReadSas(std::vector<IpSecSaRecord> const& kept) {
   std::vector<IpSecSaRecord> sas;
   Request dump(XFRM_MSG_GETSA, NLM_F_DUMP, NETLINK_XFRM);
   int const error = dump.Send({}, [&](nlmsghdr const* header) {
-    auto const* info = FixedPart<xfrm_usersa_info>(header, XFRM_MSG_NEWSA);
+    auto const info = FixedPart<xfrm_usersa_info>(header, XFRM_MSG_NEWSA);
     if (!info || info->id.proto != IPPROTO_ESP) return;
     auto attributes = Attributes(header, sizeof *info);
     IpSecSaRecord sa;
@@ -451,7 +459,7 @@ std::vector<IpSecSpRecord> ReadPolicies(std::vector<IpSecSpRecord> const& kept,
   std::vector<IpSecSpRecord> sps;
   Request dump(XFRM_MSG_GETPOLICY, NLM_F_DUMP, NETLINK_XFRM);
   int const error = dump.Send({}, [&](nlmsghdr const* header) {
-    auto const* info = FixedPart<xfrm_userpolicy_info>(header, XFRM_MSG_NEWPOLICY);
+    auto const info = FixedPart<xfrm_userpolicy_info>(header, XFRM_MSG_NEWPOLICY);
     if (!info || info->dir >= XFRM_POLICY_MAX) return;  // (a socket's own policy)
     auto attributes = Attributes(header, sizeof *info);
     if (auto const* type = Payload<xfrm_userpolicy_type>(attributes[XFRMA_POLICY_TYPE]);
