@@ -377,9 +377,10 @@ std::string TableBatch(FirewallState const& firewall) {
     if (!ruleset.allowed_all) {
       for (int direction : {0, 1}) {
         char const* field = direction == 0 ? "saddr" : "daddr";
-        for (auto [protocol, set] : {std::pair{"ip", kSetV4}, std::pair{"ip6", kSetV6}}) {
+        for (auto const& family : {std::pair{"ip", kSetV4}, std::pair{"ip6", kSetV6}}) {
+          char const* protocol = family.first;
+          std::string const name = "@" + ruleset.id + family.second;
           batch.Rule(ruleset.id + kChainSuffix[direction], {}, [&](Writer& w) {
-            std::string const name = "@" + ruleset.id + set;
             PayloadMatch(w, "!=", protocol, field, [&](Writer& w) { w.String(name.c_str()); });
           }, "return");
         }

@@ -105,7 +105,9 @@ void ReadMemberships(HostModel& host) {
   memberships.clear();
   host.runtime.memberships_reported = true;
   std::vector<std::string> const named = NamedNamespaces();
-  for (auto const& [netns, wanted] : by_namespace) {
+  for (auto const& entry : by_namespace) {
+    std::string const& netns = entry.first;
+    auto const& wanted = entry.second;
     // An instance whose namespace went has nothing to report.
     if (!netns.empty() && !std::binary_search(named.begin(), named.end(), netns)) continue;
     InNamespace(netns, [&] {
