@@ -42,12 +42,16 @@ ToolbaseProcess::ToolbaseProcess(std::vector<std::string> const& args,
   int err = open(err_path_.c_str(), O_WRONLY);
   dup2(out, 1);
   dup2(err, 2);
-  for (auto const& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
   for (int signal : ignored) ::signal(signal, SIG_IGN);
-  std::vector<std::string> copy = args;
+  ExecToolbase(args, environment);
+}
+
+void ExecToolbase(std::vector<std::string> args,
+                  std::map<std::string, std::string> const& environment) {
+  for (auto const& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
   std::string program = TOOLBASE_EXECUTABLE;
   std::vector<char*> argv{program.data()};
-  for (auto& arg : copy) argv.push_back(arg.data());
+  for (auto& arg : args) argv.push_back(arg.data());
   argv.push_back(nullptr);
   execv(program.c_str(), argv.data());
   _exit(127);

@@ -54,4 +54,9 @@ class ToolbaseProcess {
   std::string err_path_;
 };
 
+// In a child just forked: adds `environment` and becomes `toolbase ARGS...`
+// (exit status 127 when it cannot).
+[[noreturn]] void ExecToolbase(std::vector<std::string> args,
+                               std::map<std::string, std::string> const& environment);
+
 }  // namespace TestSupport

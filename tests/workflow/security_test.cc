@@ -16,6 +16,7 @@
 #include <thread>
 
 #include "support/harness.h"
+#include "support/process.h"
 #include "workflow/temp_dir_test.h"
 
 namespace {
@@ -202,13 +203,7 @@ Child Start(std::vector<std::string> args, std::map<std::string, std::string> co
     int null = open("/dev/null", O_WRONLY);
     dup2(null, 1);
     dup2(null, 2);
-    for (auto const& [name, value] : env) setenv(name.c_str(), value.c_str(), 1);
-    std::string program = TOOLBASE_EXECUTABLE;
-    std::vector<char*> argv{program.data()};
-    for (auto& arg : args) argv.push_back(arg.data());
-    argv.push_back(nullptr);
-    execv(program.c_str(), argv.data());
-    _exit(127);
+    TestSupport::ExecToolbase(std::move(args), env);
   }
   close(fds[0]);
   return {pid, fds[1]};
